@@ -1,10 +1,14 @@
 #include "pge/Sprite.h"
 
+#include "pge/ImageLoader.h"
+
 #include <cstdlib>
 
 namespace pge {
 
 Sprite::Sprite(int32_t w, int32_t h) { SetSize(w, h); }
+
+Sprite::Sprite(const std::string& path, void* pack) { LoadImage(this, path, pack); }
 
 void Sprite::SetSize(int32_t w, int32_t h) {
     width = w;
