@@ -1,0 +1,77 @@
+#pragma once
+// The application: owns everything that lives for the whole run, and runs the frame.
+#include "pge/PixelEngine.h"
+
+#include <cstdint>
+#include <string>
+
+namespace torvane {
+
+// The colours of the game's panels.
+inline constexpr pge::Pixel kBg{27, 34, 42};
+inline constexpr pge::Pixel kPanel{35, 44, 54};
+inline constexpr pge::Pixel kFg{238, 230, 214};
+inline constexpr pge::Pixel kMuted{154, 166, 178};
+inline constexpr pge::Pixel kLine{52, 64, 76};
+inline constexpr pge::Pixel kSlate{142, 162, 182};
+inline constexpr pge::Pixel kChestnut{208, 118, 74};
+inline constexpr pge::Pixel kDanger{236, 90, 77};
+inline constexpr pge::Pixel kOk{111, 191, 130};
+
+class TorvaneApp : public pge::PixelEngine {
+public:
+    TorvaneApp();
+
+    bool OnUserCreate() override;
+    bool OnUserUpdate(float elapsed) override;
+    bool OnUserDestroy() override;
+
+    // Members in this order; the rules, the views, the bot, the camera, the packs,
+    // the editor, the scores and the buttons take their places as they arrive.
+    float clock = 0.0f; // real seconds since the start
+    bool paused = false;
+    bool quit = false;
+    float phaseStart = -1.0f;
+    int32_t lastLevel = 0;
+    std::string message;
+    float messageUntil = 0.0f;
+    bool settingsOpen = false;
+    bool editorOpen = false;
+    bool testing = false;
+    float testHintAt = -1.0f;
+    bool openEditorAtStart = false;
+    std::string editorScript;
+    std::string bannerText;
+    float bannerUntil = -1.0f; // a value of the rules' clock
+    int32_t titlePage = -1;
+    bool attractScores = false;
+    float lastInputAt = 0.0f;
+    float attractSince = 0.0f;
+    bool nameEntry = false;
+    bool scoreSaved = false;
+    int32_t highlightRow = -1;
+    std::string playerName;
+    uint64_t lastKeySerial = 0;
+    pge::Key repeatKey = pge::NONE;
+    float repeatTimer = 0.0f;
+    float exitAt = 0.0f; // clock value at which to stop; 0 never
+    bool autoplay = false;
+    float autoTimer = 0.0f;
+    int32_t startLevel = 0;
+    std::string screenshotPath;
+    std::string exitOnPhase;
+    bool skipIntro = false;
+    float logoTime = -1.0f; // seconds of the logo; negative when none is running
+
+private:
+    // What OnUserUpdate returns: false once exitAt has come, after the screenshot.
+    bool FinishFrame();
+    void UpdateLogo(float dt);
+};
+
+// Applies the run options argv[1..argc-1] to the application, left to right; unknown
+// ones are ignored. Returns whether "--windowed" was given. A malformed number throws
+// what std::stoi, std::stoul or std::stof throw.
+bool ApplyRunOptions(TorvaneApp& app, int argc, const char* const* argv);
+
+} // namespace torvane

@@ -1,0 +1,208 @@
+#include "pge/PixelEngine.h"
+
+#include "pge/FontSheet.h"
+#include "pge/ImageLoader.h"
+#include "pge/Platform.h"
+#include "pge/PlatformLinux.h"
+#include "pge/Renderer.h"
+#include "pge/RendererOGL10.h"
+
+#include <algorithm>
+#include <thread>
+
+namespace pge {
+
+std::atomic<bool> bAtomActive{false};
+
+PixelEngine::PixelEngine() { pge_ConfigureSystem(); }
+
+PixelEngine::~PixelEngine() {
+    // Textures of this run die with their context; the decals only forget them.
+    vLayers.clear();
+    fontRenderable = Renderable();
+    platform.reset();
+    renderer.reset();
+    loader.reset();
+    Platform::ptrPGE = nullptr;
+    Renderer::ptrPGE = nullptr;
+}
+
+void PixelEngine::pge_ConfigureSystem() {
+    loader = std::make_unique<ImageLoader_STB>();
+    platform = std::make_unique<Platform_Linux>();
+    renderer = std::make_unique<Renderer_OGL10>();
+    Platform::ptrPGE = this;
+    Renderer::ptrPGE = this;
+}
+
+bool PixelEngine::Construct(int32_t screen_w, int32_t screen_h, int32_t pixel_w, int32_t pixel_h,
+                            bool full_screen, bool vsync, bool cohesion, bool realwindow) {
+    if (screen_w < 1 || screen_h < 1 || pixel_w < 1 || pixel_h < 1) return false;
+    vScreenSize = {screen_w, screen_h};
+    vInvScreenSize = {1.0f / float(screen_w), 1.0f / float(screen_h)};
+    vPixel = {2.0f / float(screen_w), 2.0f / float(screen_h)};
+    vPixelSize = {pixel_w, pixel_h};
+    vScreenPixelSize = vPixelSize;
+    vWindowSize = {screen_w * pixel_w, screen_h * pixel_h};
+    bFullScreen = full_screen;
+    bEnableVSYNC = vsync;
+    bPixelCohesion = cohesion;
+    bRealWindowMode = realwindow;
+    return true;
+}
+
+bool PixelEngine::Start() {
+    if (platform->ApplicationStartUp() != OK) return false;
+    if (platform->CreateWindowPane({30, 30}, vWindowSize, bFullScreen) != OK) return false;
+    pge_UpdateViewport();
+    bAtomActive = true;
+    std::thread engine(&PixelEngine::EngineThread, this);
+    platform->StartSystemEventLoop();
+    engine.join();
+    return platform->ApplicationCleanUp() == OK;
+}
+
+bool PixelEngine::OnUserCreate() { return false; }
+bool PixelEngine::OnUserUpdate(float) { return false; }
+bool PixelEngine::OnUserDestroy() { return true; }
+
+void PixelEngine::EngineThread() {
+    if (platform->ThreadStartUp() == FAIL) return;
+    pge_PrepareEngine();
+    // Without a draw target there is nothing to run on.
+    if (!pDrawTarget || !OnUserCreate()) bAtomActive = false;
+    while (bAtomActive) {
+        while (bAtomActive) pge_CoreUpdate();
+        if (!OnUserDestroy()) bAtomActive = true;
+    }
+    platform->ThreadCleanUp();
+}
+
+void PixelEngine::pge_PrepareEngine() {
+    if (platform->CreateGraphics(bFullScreen, bEnableVSYNC, vViewPos, vViewSize) == FAIL) return;
+    pge_ConstructFontSheet();
+    vLayers.clear();
+    vLayers.emplace_back();
+    LayerDesc& layer = vLayers.front();
+    layer.pDrawTarget.Create(uint32_t(vScreenSize.x), uint32_t(vScreenSize.y));
+    layer.tint = WHITE;
+    layer.bShow = true;
+    layer.bUpdate = true;
+    pDrawTarget = layer.pDrawTarget.Sprite();
+    m_tp1 = m_tp2 = std::chrono::system_clock::now();
+}
+
+void PixelEngine::pge_ConstructFontSheet() {
+    fontRenderable.Create(kFontSheetWidth, kFontSheetHeight, false, true);
+    *fontRenderable.Sprite() = BuildFontSheet();
+    fontRenderable.Decal()->Update();
+}
+
+void PixelEngine::pge_CoreUpdate() {
+    m_tp2 = std::chrono::system_clock::now();
+    const auto ns = std::chrono::duration_cast<std::chrono::nanoseconds>(m_tp2 - m_tp1).count();
+    m_tp1 = m_tp2;
+    pge_Frame(float(ns) / 1e9f);
+}
+
+namespace {
+
+void ScanButtons(HWButton* state, bool* newState, bool* oldState, uint32_t count) {
+    for (uint32_t i = 0; i < count; ++i) {
+        state[i].bPressed = false;
+        state[i].bReleased = false;
+        if (newState[i] == oldState[i]) continue;
+        if (newState[i]) {
+            state[i].bPressed = !state[i].bHeld;
+            state[i].bHeld = true;
+        } else {
+            state[i].bReleased = true;
+            state[i].bHeld = false;
+        }
+        oldState[i] = newState[i];
+    }
+}
+
+} // namespace
+
+void PixelEngine::pge_Frame(float fElapsedTime) {
+    fLastElapsed = fElapsedTime;
+    platform->HandleSystemEvent();
+
+    ScanButtons(pKeyboardState, pKeyNewState, pKeyOldState, 256);
+    ScanButtons(pMouseState, pMouseNewState, pMouseOldState, kMouseButtons);
+    vMousePos = vMousePosCache;
+    nMouseWheelDelta = nMouseWheelDeltaCache;
+    nMouseWheelDeltaCache = 0;
+
+    if (!OnUserUpdate(fElapsedTime)) bAtomActive = false;
+
+    renderer->UpdateViewport(vViewPos, vViewSize);
+    renderer->ClearBuffer(BLACK, true);
+    LayerDesc& layer = vLayers.front();
+    layer.bShow = true;
+    layer.bUpdate = true;
+    renderer->PrepareDrawing();
+    // Decal::Update binds the layer's texture and uploads the whole draw target.
+    layer.pDrawTarget.Decal()->Update();
+    layer.bUpdate = false;
+    renderer->DrawLayerQuad({0.0f, 0.0f}, {1.0f, 1.0f}, layer.tint);
+    renderer->DisplayFrame();
+
+    fFrameTimer += fElapsedTime;
+    ++nFrameCount;
+    if (fFrameTimer >= 1.0f) {
+        fFrameTimer -= 1.0f;
+        nLastFPS = nFrameCount;
+        platform->SetWindowTitle("Pixelrahmen - " + sAppName + " - FPS: " + std::to_string(nFrameCount));
+        nFrameCount = 0;
+    }
+}
+
+void PixelEngine::Clear(Pixel p) {
+    if (!pDrawTarget) return;
+    std::fill(pDrawTarget->pColData.begin(), pDrawTarget->pColData.end(), p);
+}
+
+void PixelEngine::pge_UpdateMouse(int32_t x, int32_t y) {
+    bHasMouseFocus = true;
+    vMouseWindowPos = {x, y};
+    if (vViewSize.x < 1 || vViewSize.y < 1) return; // no window yet
+    const float lx = float(x - vViewPos.x) / float(vViewSize.x) * float(vScreenSize.x);
+    const float ly = float(y - vViewPos.y) / float(vViewSize.y) * float(vScreenSize.y);
+    vMousePosCache.x = std::clamp(int32_t(lx), 0, vScreenSize.x - 1);
+    vMousePosCache.y = std::clamp(int32_t(ly), 0, vScreenSize.y - 1);
+}
+
+void PixelEngine::pge_UpdateMouseWheel(int32_t delta) { nMouseWheelDeltaCache += delta; }
+
+void PixelEngine::pge_UpdateMouseState(int32_t button, bool state) {
+    if (button >= 0 && uint32_t(button) < kMouseButtons) pMouseNewState[button] = state;
+}
+
+void PixelEngine::pge_UpdateKeyState(int32_t key, bool state) {
+    // A native code that is not in the table counts as NONE.
+    pKeyNewState[mapKeys[size_t(key)]] = state;
+}
+
+void PixelEngine::pge_UpdateViewport() {
+    const int32_t ww = vWindowSize.x;
+    const int32_t wh = vWindowSize.y;
+    const float aspect = float(vScreenSize.x * vPixelSize.x) / float(vScreenSize.y * vPixelSize.y);
+    const int32_t h = int32_t(float(ww) / aspect);
+    if (h <= wh) {
+        vViewSize = {ww, h};
+        vViewPos = {0, (wh - h) / 2};
+    } else {
+        const int32_t w = int32_t(float(wh) * aspect);
+        vViewSize = {w, wh};
+        vViewPos = {(ww - w) / 2, 0};
+    }
+}
+
+void PixelEngine::pge_UpdateWindowSize(int32_t x, int32_t y) {
+    vWindowSize = {x, y};
+    pge_UpdateViewport();
+}
+
+} // namespace pge

@@ -1,0 +1,153 @@
+#pragma once
+// The frame framework: one window, one software draw target, the frame loop and the
+// key and mouse state. An application derives from PixelEngine and overrides
+// OnUserCreate, OnUserUpdate and OnUserDestroy.
+#include "pge/Decal.h"
+#include "pge/Pixel.h"
+#include "pge/Sprite.h"
+
+#include <atomic>
+#include <chrono>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace pge {
+
+// The numeric order is relied on: 1..26 letters, 27..36 digits and so on.
+enum Key : uint8_t {
+    NONE,
+    A, B, C, D, E, F, G, H, I, J, K, L, M, N, O, P, Q, R, S, T, U, V, W, X, Y, Z,
+    K0, K1, K2, K3, K4, K5, K6, K7, K8, K9,
+    F1, F2, F3, F4, F5, F6, F7, F8, F9, F10, F11, F12,
+    UP, DOWN, LEFT, RIGHT,
+    SPACE, TAB, SHIFT, CTRL,
+    INS, DEL, HOME, END, PGUP, PGDN,
+    BACK, ESCAPE, RETURN, ENTER, PAUSE, SCROLL,
+    NP0, NP1, NP2, NP3, NP4, NP5, NP6, NP7, NP8, NP9,
+    NP_MUL, NP_DIV, NP_ADD, NP_SUB, NP_DECIMAL,
+    PERIOD, EQUALS, COMMA, MINUS,
+    OEM_1, OEM_2, OEM_3, OEM_4, OEM_5, OEM_6, OEM_7, OEM_8,
+    CAPS_LOCK,
+};
+static_assert(ENTER == 66 && CAPS_LOCK == 96, "key values are fixed");
+
+struct HWButton {
+    bool bPressed = false;  // went down in this frame
+    bool bReleased = false; // went up in this frame
+    bool bHeld = false;     // is down
+};
+
+// The frame loop runs while this is set; the window's close message clears it.
+extern std::atomic<bool> bAtomActive;
+
+struct LayerDesc {
+    Renderable pDrawTarget;
+    Pixel tint = WHITE;
+    bool bShow = false;
+    bool bUpdate = false;
+};
+
+class PixelEngine {
+public:
+    // Makes the X11 platform, the OpenGL renderer and the image loader; the
+    // destructor drops them again.
+    PixelEngine();
+    virtual ~PixelEngine();
+    PixelEngine(const PixelEngine&) = delete;
+    PixelEngine& operator=(const PixelEngine&) = delete;
+
+    // Only stores; false if any size is below 1.
+    bool Construct(int32_t screen_w, int32_t screen_h, int32_t pixel_w, int32_t pixel_h,
+                   bool full_screen = false, bool vsync = false, bool cohesion = false,
+                   bool realwindow = false);
+    // Opens the window and runs the frame loop on its own thread until the run ends.
+    // False if the window could not be opened (the platform says why on stderr).
+    bool Start();
+
+    virtual bool OnUserCreate();
+    virtual bool OnUserUpdate(float fElapsedTime);
+    virtual bool OnUserDestroy();
+
+    HWButton GetKey(Key k) const { return pKeyboardState[k]; }
+    HWButton GetMouse(uint32_t b) const { return b < kMouseButtons ? pMouseState[b] : HWButton(); }
+    const vi2d& GetMousePos() const { return vMousePos; }
+    int32_t GetMouseWheel() const { return nMouseWheelDelta; }
+    float GetElapsedTime() const { return fLastElapsed; }
+    int32_t ScreenWidth() const { return vScreenSize.x; }
+    int32_t ScreenHeight() const { return vScreenSize.y; }
+    uint32_t GetFPS() const { return nLastFPS; }
+    bool IsFocused() const { return bHasInputFocus; }
+    Sprite* GetDrawTarget() const { return pDrawTarget; }
+    Sprite* GetFontSprite() const { return fontRenderable.Sprite(); }
+    const vi2d& GetWindowSize() const { return vWindowSize; }
+    const vi2d& GetViewPos() const { return vViewPos; }
+    const vi2d& GetViewSize() const { return vViewSize; }
+
+    // Writes p to every pixel of the draw target, alpha included, without blending.
+    void Clear(Pixel p);
+
+    // Called by the platform.
+    void pge_UpdateMouse(int32_t x, int32_t y);
+    void pge_UpdateMouseWheel(int32_t delta);
+    void pge_UpdateMouseState(int32_t button, bool state);
+    void pge_UpdateKeyState(int32_t key, bool state);
+    void pge_UpdateViewport();
+    void pge_UpdateWindowSize(int32_t x, int32_t y);
+    void pge_UpdateMouseFocus(bool state) { bHasMouseFocus = state; }
+    void pge_UpdateKeyFocus(bool state) { bHasInputFocus = state; }
+
+public:
+    std::string sAppName = "Undefined";
+
+protected:
+    virtual void pge_ConfigureSystem();
+
+private:
+    friend class Headless;
+    static constexpr uint32_t kMouseButtons = 5;
+
+    void EngineThread();
+    void pge_PrepareEngine();
+    void pge_ConstructFontSheet();
+    void pge_CoreUpdate();
+    // One frame with a given duration: input, the application, the picture.
+    void pge_Frame(float fElapsedTime);
+
+    Sprite* pDrawTarget = nullptr;
+    vi2d vScreenSize{256, 240};
+    vf2d vInvScreenSize{1.0f / 256.0f, 1.0f / 240.0f};
+    vi2d vPixelSize{4, 4};
+    vi2d vScreenPixelSize{4, 4};
+    vi2d vMousePos;
+    int32_t nMouseWheelDelta = 0;
+    vi2d vMousePosCache;
+    vi2d vMouseWindowPos;
+    int32_t nMouseWheelDeltaCache = 0;
+    vi2d vWindowPos;
+    vi2d vWindowSize;
+    vi2d vViewPos;
+    vi2d vViewSize;
+    bool bFullScreen = false;
+    vf2d vPixel{1.0f, 1.0f};
+    bool bHasInputFocus = false;
+    bool bHasMouseFocus = false;
+    bool bEnableVSYNC = false;
+    bool bRealWindowMode = false;
+    float fFrameTimer = 0.0f;
+    float fLastElapsed = 0.0f;
+    uint32_t nFrameCount = 0;
+    uint32_t nLastFPS = 0;
+    std::vector<LayerDesc> vLayers;
+    bool bPixelCohesion = false;
+    std::chrono::time_point<std::chrono::system_clock> m_tp1, m_tp2;
+    bool pKeyNewState[256] = {};
+    bool pKeyOldState[256] = {};
+    HWButton pKeyboardState[256] = {};
+    bool pMouseNewState[kMouseButtons] = {};
+    bool pMouseOldState[kMouseButtons] = {};
+    HWButton pMouseState[kMouseButtons] = {};
+    Renderable fontRenderable;
+};
+
+} // namespace pge

@@ -1,0 +1,29 @@
+#pragma once
+// The window on X11, with its GLX context.
+#include "pge/Platform.h"
+
+struct _XDisplay;
+
+namespace pge {
+
+class Platform_Linux : public Platform {
+public:
+    rcode ApplicationStartUp() override;
+    rcode ApplicationCleanUp() override;
+    rcode ThreadStartUp() override;
+    rcode ThreadCleanUp() override;
+    rcode CreateGraphics(bool bFullScreen, bool bEnableVSYNC, const vi2d& vViewPos,
+                         const vi2d& vViewSize) override;
+    // Without an X server: one line on stderr and FAIL.
+    rcode CreateWindowPane(const vi2d& windowPos, vi2d& windowSize, bool bFullScreen) override;
+    rcode SetWindowTitle(const std::string& s) override;
+    rcode StartSystemEventLoop() override;
+    rcode HandleSystemEvent() override;
+
+private:
+    _XDisplay* display = nullptr;
+    unsigned long window = 0;
+    void* visualInfo = nullptr; // XVisualInfo*
+};
+
+} // namespace pge
