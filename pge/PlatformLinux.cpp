@@ -11,7 +11,6 @@
 #include <cstdlib>
 
 namespace pge {
-namespace {
 
 void FillKeyTable() {
     mapKeys[0x00] = NONE;
@@ -65,8 +64,6 @@ void FillKeyTable() {
     mapKeys[XK_slash] = OEM_2;
     mapKeys[XK_asciitilde] = OEM_3;
 }
-
-} // namespace
 
 rcode Platform_Linux::ApplicationStartUp() { return OK; }
 

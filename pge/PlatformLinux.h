@@ -6,6 +6,9 @@ struct _XDisplay;
 
 namespace pge {
 
+// Fills mapKeys from X keysyms; the window does it when it opens.
+void FillKeyTable();
+
 class Platform_Linux : public Platform {
 public:
     rcode ApplicationStartUp() override;

@@ -1,0 +1,232 @@
+#include "game/TorvaneApp.h"
+
+#include "pge/Headless.h"
+
+#include <stb_image.h>
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <stdexcept>
+#include <string>
+#include <unistd.h>
+#include <vector>
+
+using torvane::ApplyRunOptions;
+using torvane::TorvaneApp;
+
+namespace {
+
+bool Apply(TorvaneApp& app, std::vector<const char*> args) {
+    args.insert(args.begin(), "torvane");
+    return ApplyRunOptions(app, int(args.size()), args.data());
+}
+
+template <typename E>
+std::string ThrowMessage(std::vector<const char*> args) {
+    TorvaneApp app;
+    try {
+        Apply(app, args);
+    } catch (const E& e) {
+        return e.what();
+    }
+    return "(nothing thrown)";
+}
+
+std::string TempPath(const std::string& name) {
+    return std::string(TORVANE_BINARY_DIR) + "/app_test_" + std::to_string(getpid()) + "_" + name;
+}
+
+} // namespace
+
+TEST(TorvaneAppRunOptions, DefaultsAndTheWindowedFlag) {
+    TorvaneApp app;
+    EXPECT_EQ(app.sAppName, "Torvane");
+    EXPECT_FALSE(Apply(app, {}));
+    EXPECT_EQ(app.titlePage, -1);
+    EXPECT_EQ(app.exitAt, 0.0f);
+    EXPECT_FALSE(app.skipIntro);
+    EXPECT_TRUE(Apply(app, {"--windowed"}));
+    // Near misses and empty arguments are ignored without a word.
+    TorvaneApp other;
+    EXPECT_FALSE(Apply(other, {"", "--windowed=1", "-windowed", "--WINDOWED", "--autoplay=x", "--skip-intro "}));
+    EXPECT_FALSE(other.autoplay);
+    EXPECT_FALSE(other.skipIntro);
+}
+
+TEST(TorvaneAppRunOptions, FlagsSetTheirMembers) {
+    TorvaneApp app;
+    Apply(app, {"--settings", "--screenshot=out/a b.png", "--exit-on=over", "--log-keys", "--no-sound", "--classic"});
+    EXPECT_TRUE(app.settingsOpen);
+    EXPECT_TRUE(app.skipIntro);
+    EXPECT_EQ(app.screenshotPath, "out/a b.png");
+    EXPECT_EQ(app.exitOnPhase, "over");
+
+    TorvaneApp editor;
+    Apply(editor, {"--editor=abc", "--editor"});
+    EXPECT_TRUE(editor.openEditorAtStart);
+    EXPECT_TRUE(editor.skipIntro);
+    EXPECT_EQ(editor.editorScript, "");
+    Apply(editor, {"--editor=L R X"});
+    EXPECT_EQ(editor.editorScript, "L R X");
+    Apply(editor, {"--editor="}); // as --editor
+    EXPECT_EQ(editor.editorScript, "");
+    EXPECT_TRUE(editor.openEditorAtStart);
+
+    TorvaneApp bot;
+    Apply(bot, {"--autoplay=lazy", "--autoplay"});
+    EXPECT_TRUE(bot.autoplay);
+    EXPECT_FALSE(bot.skipIntro);
+}
+
+TEST(TorvaneAppRunOptions, NumbersFollowTheStandardParsers) {
+    TorvaneApp app;
+    Apply(app, {"--level=3x", "--page=  +2"});
+    EXPECT_EQ(app.startLevel, 3);
+    EXPECT_EQ(app.titlePage, 2);
+    EXPECT_TRUE(app.skipIntro);
+    Apply(app, {"--level=-5"});
+    EXPECT_EQ(app.startLevel, -5);
+    Apply(app, {"--exit-after=1e2"});
+    EXPECT_FLOAT_EQ(app.exitAt, 100.0f);
+    Apply(app, {"--exit-after=0x10"});
+    EXPECT_FLOAT_EQ(app.exitAt, 16.0f);
+    Apply(app, {"--exit-after= 2.5s"});
+    EXPECT_FLOAT_EQ(app.exitAt, 2.5f);
+    // The later of two options wins.
+    Apply(app, {"--level=7", "--level=1"});
+    EXPECT_EQ(app.startLevel, 1);
+    EXPECT_NO_THROW(Apply(app, {"--seed=7", "--seed=4294967295", "--seed=99999999999"}));
+}
+
+TEST(TorvaneAppRunOptions, MalformedNumbersThrowNamedExceptions) {
+    EXPECT_EQ(ThrowMessage<std::invalid_argument>({"--seed="}), "stoul");
+    EXPECT_EQ(ThrowMessage<std::invalid_argument>({"--level=x3"}), "stoi");
+    EXPECT_EQ(ThrowMessage<std::invalid_argument>({"--page="}), "stoi");
+    EXPECT_EQ(ThrowMessage<std::invalid_argument>({"--exit-after=soon"}), "stof");
+    EXPECT_EQ(ThrowMessage<std::out_of_range>({"--level=99999999999"}), "stoi");
+    EXPECT_EQ(ThrowMessage<std::out_of_range>({"--seed=999999999999999999999999"}), "stoul");
+    EXPECT_EQ(ThrowMessage<std::out_of_range>({"--exit-after=1e999"}), "stof");
+    // Options before the bad one have already been applied; the run never starts anyway.
+    TorvaneApp app;
+    EXPECT_THROW(Apply(app, {"--windowed", "--skip-intro", "--level=", "--settings"}), std::invalid_argument);
+    EXPECT_TRUE(app.skipIntro);
+    EXPECT_FALSE(app.settingsOpen);
+}
+
+TEST(TorvaneAppFrame, HundredFramesWithoutAnyServer) {
+    TorvaneApp app;
+    Apply(app, {"--skip-intro"});
+    pge::Headless run(app);
+    ASSERT_TRUE(run.Create());
+    EXPECT_EQ(run.Title(), "Torvane");
+    EXPECT_LT(app.logoTime, 0.0f);
+    double sum = 0.0;
+    for (int i = 0; i < 100; ++i) {
+        const float elapsed = (i % 10 == 9) ? 0.2f : 0.004f * float(i % 5);
+        sum += elapsed;
+        ASSERT_TRUE(run.Frame(elapsed)) << i;
+    }
+    // The clock follows the raw frame times, stalls included.
+    EXPECT_NEAR(app.clock, sum, 1e-3);
+    EXPECT_EQ(run.Title(), "Torvane");
+    for (const pge::Pixel& p : app.GetDrawTarget()->pColData) ASSERT_EQ(p, torvane::kBg);
+}
+
+TEST(TorvaneAppFrame, LogoRunsForItsTimeOrUntilSkipped) {
+    {
+        TorvaneApp app;
+        pge::Headless run(app);
+        ASSERT_TRUE(run.Create());
+        ASSERT_EQ(app.logoTime, 0.0f);
+        // Each logo step counts at most 0.05 s, whatever the frame took.
+        for (int i = 0; i < 65; ++i) run.Frame(0.5f);
+        EXPECT_NEAR(app.logoTime, 3.25f, 1e-3);
+        EXPECT_EQ(app.GetDrawTarget()->GetPixel(320, 200), pge::BLACK);
+        // 3.3 s is the 66th step; the float sum may fall just short and need one more.
+        run.Frame(0.05f);
+        if (app.logoTime >= 0.0f) run.Frame(0.05f);
+        EXPECT_LT(app.logoTime, 0.0f);
+        EXPECT_NEAR(app.phaseStart, app.clock, 1e-3);
+        run.Frame(0.05f);
+        EXPECT_EQ(app.GetDrawTarget()->GetPixel(320, 200), torvane::kBg);
+    }
+    for (pge::Key skip : {pge::SPACE, pge::ENTER, pge::ESCAPE}) {
+        TorvaneApp app;
+        pge::Headless run(app);
+        ASSERT_TRUE(run.Create());
+        run.Frame(0.02f);
+        run.SetKey(skip, true);
+        run.Frame(0.02f);
+        EXPECT_LT(app.logoTime, 0.0f) << int(skip);
+    }
+    TorvaneApp app;
+    pge::Headless run(app);
+    ASSERT_TRUE(run.Create());
+    run.SetMouseButton(0, true);
+    run.Frame(0.02f);
+    EXPECT_LT(app.logoTime, 0.0f);
+    // A level or the bot leave out the logo, like --skip-intro.
+    for (const char* option : {"--level=2", "--level=-1", "--autoplay"}) {
+        TorvaneApp quiet;
+        Apply(quiet, {option});
+        pge::Headless r(quiet);
+        ASSERT_TRUE(r.Create());
+        EXPECT_LT(quiet.logoTime, 0.0f) << option;
+    }
+}
+
+TEST(TorvaneAppFrame, ExitAfterWritesTheScreenshotOfThatFrame) {
+    const std::string path = TempPath("exit.png");
+    std::remove(path.c_str());
+    TorvaneApp app;
+    Apply(app, {"--skip-intro", "--exit-after=0.5", ("--screenshot=" + path).c_str()});
+    pge::Headless run(app);
+    ASSERT_TRUE(run.Create());
+    testing::internal::CaptureStderr();
+    int frames = 0;
+    while (run.Frame(0.1f) && frames < 100) ++frames;
+    const std::string err = testing::internal::GetCapturedStderr();
+    // 0.1 * 5 reaches 0.5 in the fifth frame (float sums may need a sixth).
+    EXPECT_GE(frames, 4);
+    EXPECT_LE(frames, 5);
+    EXPECT_TRUE(app.quit);
+    EXPECT_EQ(err, "[torvane] Bildschirmfoto: " + path + "\n");
+    int w = 0, h = 0, n = 0;
+    stbi_uc* px = stbi_load(path.c_str(), &w, &h, &n, 4);
+    ASSERT_NE(px, nullptr);
+    EXPECT_EQ(w, 640);
+    EXPECT_EQ(h, 400);
+    EXPECT_EQ(px[0], torvane::kBg.r);
+    EXPECT_EQ(px[(399 * 640 + 639) * 4 + 2], torvane::kBg.b);
+    stbi_image_free(px);
+    std::remove(path.c_str());
+}
+
+TEST(TorvaneAppFrame, ScreenshotFailureIsReportedAndTheRunStillEnds) {
+    const std::string path = TempPath("missing_dir/x.png");
+    TorvaneApp app;
+    Apply(app, {"--exit-after=0.1", ("--screenshot=" + path).c_str()});
+    pge::Headless run(app);
+    ASSERT_TRUE(run.Create());
+    testing::internal::CaptureStderr();
+    const bool going = run.Frame(0.2f); // during the logo: still ends
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "[torvane] Konnte " + path + " nicht schreiben\n");
+    EXPECT_FALSE(going);
+}
+
+TEST(TorvaneAppFrame, ZeroExitTimeNeverEndsAndNoPathWritesNothing) {
+    TorvaneApp app;
+    Apply(app, {"--skip-intro", "--exit-after=0"});
+    pge::Headless run(app);
+    ASSERT_TRUE(run.Create());
+    for (int i = 0; i < 50; ++i) ASSERT_TRUE(run.Frame(1.0f));
+
+    TorvaneApp silent;
+    Apply(silent, {"--skip-intro", "--exit-after=0.3"});
+    pge::Headless r(silent);
+    ASSERT_TRUE(r.Create());
+    testing::internal::CaptureStderr();
+    EXPECT_FALSE(r.Frame(0.5f));
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+}

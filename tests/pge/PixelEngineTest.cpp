@@ -1,0 +1,273 @@
+#include "pge/Headless.h"
+#include "pge/PixelEngine.h"
+#include "pge/Platform.h"
+#include "pge/PlatformLinux.h"
+#include "pge/WindowTitle.h"
+
+#include <X11/keysym.h>
+#include <gtest/gtest.h>
+
+#include <vector>
+
+namespace {
+
+// Records what each frame saw.
+class Probe : public pge::PixelEngine {
+public:
+    bool OnUserCreate() override {
+        ++creates;
+        return acceptCreate;
+    }
+    bool OnUserUpdate(float elapsed) override {
+        elapsedSeen.push_back(elapsed);
+        return frames++ < stopAfter;
+    }
+    bool OnUserDestroy() override {
+        ++destroys;
+        return true;
+    }
+
+    bool acceptCreate = true;
+    int stopAfter = 1 << 30;
+    int frames = 0;
+    int creates = 0;
+    int destroys = 0;
+    std::vector<float> elapsedSeen;
+};
+
+} // namespace
+
+TEST(PixelEngineConstruct, RejectsNonPositiveSizes) {
+    Probe app;
+    EXPECT_FALSE(app.Construct(0, 400, 2, 2));
+    EXPECT_FALSE(app.Construct(640, 400, 2, -1));
+    EXPECT_TRUE(app.Construct(640, 400, 2, 2));
+    EXPECT_EQ(app.GetWindowSize().x, 1280);
+    EXPECT_EQ(app.GetWindowSize().y, 800);
+}
+
+TEST(PixelEngineRun, FramesGetTheirElapsedTimeAndEndCleanly) {
+    Probe app;
+    app.stopAfter = 3;
+    pge::Headless run(app);
+    ASSERT_TRUE(run.Create());
+    ASSERT_NE(app.GetDrawTarget(), nullptr);
+    EXPECT_EQ(app.GetDrawTarget()->width, 640);
+    EXPECT_EQ(app.GetDrawTarget()->height, 400);
+    ASSERT_NE(app.GetFontSprite(), nullptr);
+    EXPECT_EQ(app.GetFontSprite()->width, 128);
+
+    EXPECT_TRUE(run.Frame(0.25f));
+    EXPECT_FLOAT_EQ(app.GetElapsedTime(), 0.25f);
+    EXPECT_TRUE(run.Frame(0.5f));
+    EXPECT_TRUE(run.Frame(0.125f));
+    EXPECT_FALSE(run.Frame(0.1f)); // the fourth update returns false
+    EXPECT_FALSE(run.Frame(0.1f)); // nothing runs after the end
+    EXPECT_EQ((std::vector<float>{0.25f, 0.5f, 0.125f, 0.1f}), app.elapsedSeen);
+    EXPECT_EQ(app.destroys, 1);
+}
+
+TEST(PixelEngineRun, DeclinedCreateOrCloseEndsTheRun) {
+    {
+        Probe app;
+        app.acceptCreate = false;
+        pge::Headless run(app);
+        EXPECT_FALSE(run.Create());
+        EXPECT_FALSE(run.Frame(0.1f));
+        EXPECT_EQ(app.frames, 0);
+    }
+    Probe app;
+    pge::Headless run(app);
+    ASSERT_TRUE(run.Create());
+    run.Close();
+    // The running frame is still finished, then the run is over.
+    EXPECT_FALSE(run.Frame(0.1f));
+    EXPECT_EQ(app.frames, 1);
+    EXPECT_EQ(app.destroys, 1);
+}
+
+TEST(PixelEngineKeys, PressHoldReleaseSequence) {
+    Probe app;
+    pge::Headless run(app);
+    ASSERT_TRUE(run.Create());
+    run.SetKey(pge::ENTER, true);
+    run.Frame(0.01f);
+    EXPECT_TRUE(app.GetKey(pge::ENTER).bPressed);
+    EXPECT_TRUE(app.GetKey(pge::ENTER).bHeld);
+    EXPECT_FALSE(app.GetKey(pge::ENTER).bReleased);
+    EXPECT_FALSE(app.GetKey(pge::RETURN).bHeld);
+    run.Frame(0.01f);
+    EXPECT_FALSE(app.GetKey(pge::ENTER).bPressed);
+    EXPECT_TRUE(app.GetKey(pge::ENTER).bHeld);
+    run.SetKey(pge::ENTER, false);
+    run.Frame(0.01f);
+    EXPECT_TRUE(app.GetKey(pge::ENTER).bReleased);
+    EXPECT_FALSE(app.GetKey(pge::ENTER).bHeld);
+    run.Frame(0.01f);
+    EXPECT_FALSE(app.GetKey(pge::ENTER).bReleased);
+}
+
+TEST(PixelEngineKeys, PressAndReleaseWithinOneFrameShowNothing) {
+    Probe app;
+    pge::Headless run(app);
+    ASSERT_TRUE(run.Create());
+    run.SetKey(pge::SPACE, true);
+    run.SetKey(pge::SPACE, false);
+    run.Frame(0.01f);
+    const pge::HWButton b = app.GetKey(pge::SPACE);
+    EXPECT_FALSE(b.bPressed || b.bReleased || b.bHeld);
+}
+
+TEST(PixelEngineKeys, XKeyTableFollowsTheKeysymNotTheKey) {
+    Probe app;
+    pge::Headless run(app);
+    ASSERT_TRUE(run.Create());
+    pge::FillKeyTable();
+
+    // Lower-case keysyms are the letters; with Shift held X reports the upper-case
+    // keysym, which is not in the table and lands on NONE.
+    app.pge_UpdateKeyState(XK_q, true);
+    app.pge_UpdateKeyState(XK_W, true);
+    run.Frame(0.01f);
+    EXPECT_TRUE(app.GetKey(pge::Q).bPressed);
+    EXPECT_FALSE(app.GetKey(pge::W).bPressed);
+    EXPECT_TRUE(app.GetKey(pge::NONE).bPressed);
+
+    // All enter keys give ENTER, never RETURN; the keypad block mirrors the main one.
+    const long enterKeys[] = {XK_Return, XK_KP_Enter, XK_Linefeed};
+    for (long sym : enterKeys) {
+        app.pge_UpdateKeyState(int32_t(sym), true);
+        run.Frame(0.01f);
+        EXPECT_TRUE(app.GetKey(pge::ENTER).bPressed) << sym;
+        EXPECT_FALSE(app.GetKey(pge::RETURN).bHeld);
+        app.pge_UpdateKeyState(int32_t(sym), false);
+        run.Frame(0.01f);
+    }
+    const std::pair<long, pge::Key> same[] = {
+        {XK_KP_Up, pge::UP},       {XK_KP_Page_Down, pge::PGDN}, {XK_KP_Delete, pge::DEL},
+        {XK_KP_7, pge::NP7},       {XK_9, pge::K9},              {XK_F12, pge::F12},
+        {XK_z, pge::Z},            {XK_semicolon, pge::OEM_1},   {XK_asciitilde, pge::OEM_3},
+        {XK_Control_R, pge::CTRL}, {XK_Shift_L, pge::SHIFT},     {XK_KP_Subtract, pge::NP_SUB},
+    };
+    for (const auto& [sym, key] : same) {
+        app.pge_UpdateKeyState(int32_t(sym), true);
+        run.Frame(0.01f);
+        EXPECT_TRUE(app.GetKey(key).bPressed) << sym;
+        app.pge_UpdateKeyState(int32_t(sym), false);
+        run.Frame(0.01f);
+    }
+}
+
+TEST(PixelEngineMouse, ButtonsAndWheelPerFrame) {
+    Probe app;
+    pge::Headless run(app);
+    ASSERT_TRUE(run.Create());
+    run.SetMouseButton(1, true);
+    run.Wheel(120);
+    run.Wheel(120);
+    run.Frame(0.01f);
+    EXPECT_TRUE(app.GetMouse(1).bPressed);
+    EXPECT_FALSE(app.GetMouse(0).bHeld);
+    EXPECT_EQ(app.GetMouseWheel(), 240);
+    run.Frame(0.01f);
+    EXPECT_EQ(app.GetMouseWheel(), 0);
+    EXPECT_TRUE(app.GetMouse(1).bHeld);
+    EXPECT_FALSE(app.GetMouse(3).bHeld);
+    EXPECT_FALSE(app.GetMouse(4).bPressed);
+    EXPECT_FALSE(app.GetMouse(99).bHeld);
+}
+
+TEST(PixelEngineViewport, KeepsEightToFiveWithCentredBars) {
+    Probe app;
+    pge::Headless run(app);
+    ASSERT_TRUE(run.Create());
+    EXPECT_EQ(app.GetViewSize().x, 1280);
+    EXPECT_EQ(app.GetViewSize().y, 800);
+    EXPECT_EQ(app.GetViewPos().x, 0);
+
+    struct Case { int ww, wh, vx, vy, vw, vh; };
+    // Wide windows: full height, bars left and right; tall ones: full width, bars above and below.
+    const Case cases[] = {
+        {1920, 1080, 96, 0, 1728, 1080},
+        {1000, 1000, 0, 187, 1000, 625},
+        {641, 400, 0, 0, 641, 400}, // 641 / 1.6 = 400.6, cut to 400
+        {800, 300, 160, 0, 480, 300},
+        {333, 777, 0, 284, 333, 208},
+    };
+    for (const Case& c : cases) {
+        run.ResizeWindow(c.ww, c.wh);
+        EXPECT_EQ(app.GetViewPos().x, c.vx) << c.ww << "x" << c.wh;
+        EXPECT_EQ(app.GetViewPos().y, c.vy) << c.ww << "x" << c.wh;
+        EXPECT_EQ(app.GetViewSize().x, c.vw) << c.ww << "x" << c.wh;
+        EXPECT_EQ(app.GetViewSize().y, c.vh) << c.ww << "x" << c.wh;
+    }
+}
+
+TEST(PixelEngineMouse, PositionMapsThroughTheViewAndStaysOnScreen) {
+    Probe app;
+    pge::Headless run(app);
+    ASSERT_TRUE(run.Create());
+    run.ResizeWindow(1920, 1080); // view 1728 by 1080 at x 96
+    app.pge_UpdateMouse(96 + 864, 540);
+    run.Frame(0.01f);
+    EXPECT_EQ(app.GetMousePos().x, 320);
+    EXPECT_EQ(app.GetMousePos().y, 200);
+    // Over the bars and beyond the window the position is clamped.
+    app.pge_UpdateMouse(10, -50);
+    run.Frame(0.01f);
+    EXPECT_EQ(app.GetMousePos().x, 0);
+    EXPECT_EQ(app.GetMousePos().y, 0);
+    app.pge_UpdateMouse(1915, 5000);
+    run.Frame(0.01f);
+    EXPECT_EQ(app.GetMousePos().x, 639);
+    EXPECT_EQ(app.GetMousePos().y, 399);
+    // The headless helper points at logical pixels exactly.
+    for (int x : {0, 1, 317, 639}) {
+        run.MoveMouse(x, 399 - x % 400);
+        run.Frame(0.01f);
+        EXPECT_EQ(app.GetMousePos().x, x);
+        EXPECT_EQ(app.GetMousePos().y, 399 - x % 400);
+    }
+}
+
+TEST(PixelEngineDraw, ClearWritesEveryPixelWithAlpha) {
+    Probe app;
+    {
+        // No draw target before the run: Clear does nothing.
+        app.Clear(pge::WHITE);
+    }
+    pge::Headless run(app, 7, 5);
+    ASSERT_TRUE(run.Create());
+    const pge::Pixel see(10, 20, 30, 40);
+    app.Clear(see);
+    for (const pge::Pixel& p : app.GetDrawTarget()->pColData) ASSERT_EQ(p, see);
+    EXPECT_EQ(app.GetDrawTarget()->pColData.size(), 35u);
+}
+
+TEST(WindowTitle, StaysAgainstTheFrameRateStatus) {
+    Probe app;
+    pge::Headless run(app);
+    ASSERT_TRUE(run.Create());
+    // Without the fixed title the status line of the frame loop takes over once a second.
+    run.Frame(0.5f);
+    run.Frame(0.5f);
+    EXPECT_NE(run.Title(), "");
+    EXPECT_NE(run.Title(), "Torvane");
+
+    adv::SetWindowTitle("Torvane");
+    EXPECT_EQ(run.Title(), "Torvane");
+    for (int i = 0; i < 5; ++i) run.Frame(0.5f);
+    EXPECT_EQ(run.Title(), "Torvane");
+    EXPECT_EQ(app.GetFPS(), 2u);
+
+    // A second call changes the kept title; the wrapper is not wrapped again.
+    adv::SetWindowTitle("Der Vellmark");
+    run.Frame(1.0f);
+    EXPECT_EQ(run.Title(), "Der Vellmark");
+}
+
+TEST(WindowTitle, WithoutEngineNothingHappens) {
+    ASSERT_EQ(pge::platform, nullptr);
+    adv::SetWindowTitle("Torvane");
+    EXPECT_EQ(pge::platform, nullptr);
+}
