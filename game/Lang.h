@@ -1,0 +1,26 @@
+#pragma once
+// German is the source language and the key of the English table.
+#include <cstdint>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace torvane {
+
+enum class Language : int32_t { German = 0, English = 1 };
+
+Language CurrentLanguage();
+void SetLanguage(Language language);
+
+// The text of a German key in the current language.
+std::string Tr(const std::string& key);
+// Tr, then {0}, {1}, ... replaced by the arguments in turn.
+std::string Trf(const std::string& key, const std::vector<std::string>& args);
+// One digit after the decimal separator of the language, halves away from zero.
+std::string Decimal(float value);
+// The compass letter as shown: 'O' is 'E' in English.
+char DirectionLetter(char letter);
+// Keys asked for in English without a translation.
+const std::set<std::string>& MissingTranslations();
+
+} // namespace torvane
