@@ -14,7 +14,12 @@ namespace pge {
 
 std::atomic<bool> bAtomActive{false};
 
-PixelEngine::PixelEngine() { pge_ConfigureSystem(); }
+PixelEngine::PixelEngine() {
+    pge_ConfigureSystem();
+    // Text can be measured and drawn before the window exists (tools, tests); the
+    // sheet gets its texture when the engine thread prepares the graphics.
+    pge_ConstructFontSheet();
+}
 
 PixelEngine::~PixelEngine() {
     // Textures of this run die with their context; the decals only forget them.

@@ -79,6 +79,7 @@ public:
     uint32_t GetFPS() const { return nLastFPS; }
     bool IsFocused() const { return bHasInputFocus; }
     Sprite* GetDrawTarget() const { return pDrawTarget; }
+    // The 128 by 48 font sheet; there from construction on.
     Sprite* GetFontSprite() const { return fontRenderable.Sprite(); }
     const vi2d& GetWindowSize() const { return vWindowSize; }
     const vi2d& GetViewPos() const { return vViewPos; }

@@ -39,6 +39,9 @@ public:
 
 TEST(PixelEngineConstruct, RejectsNonPositiveSizes) {
     Probe app;
+    ASSERT_NE(app.GetFontSprite(), nullptr);
+    EXPECT_EQ(app.GetFontSprite()->height, 48);
+    EXPECT_EQ(app.GetDrawTarget(), nullptr);
     EXPECT_FALSE(app.Construct(0, 400, 2, 2));
     EXPECT_FALSE(app.Construct(640, 400, 2, -1));
     EXPECT_TRUE(app.Construct(640, 400, 2, 2));
