@@ -1,0 +1,275 @@
+#include "engine/Canvas.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace adv::canvas {
+namespace {
+
+// Start angles of the corners and the quarter turn, as the rounded decimals the
+// outline has always used.
+constexpr float kQuarter = 1.5708f;
+constexpr float kHalf = 3.1416f;
+
+std::vector<pge::vf2d> RoundRectPath(float x, float y, float w, float h, float r) {
+    r = std::max(std::min(r, std::min(w, h) / 2.0f), 0.0f);
+    struct Corner {
+        float cx, cy, start;
+    };
+    const Corner corners[4] = {{x + w - r, y + r, -kQuarter},
+                               {x + w - r, y + h - r, 0.0f},
+                               {x + r, y + h - r, kQuarter},
+                               {x + r, y + r, kHalf}};
+    std::vector<pge::vf2d> path;
+    path.reserve(20);
+    for (const Corner& c : corners)
+        for (int i = 0; i <= 4; ++i) {
+            const float angle = c.start + float(i) * kQuarter / 4.0f;
+            path.emplace_back(c.cx + r * std::cos(angle), c.cy + r * std::sin(angle));
+        }
+    return path;
+}
+
+} // namespace
+
+void Blend(pge::Sprite* sprite, int x, int y, pge::Pixel c) {
+    if (!sprite || x < 0 || y < 0 || x >= sprite->width || y >= sprite->height || c.a == 0) return;
+    pge::Pixel& d = sprite->GetData()[size_t(y) * size_t(sprite->width) + size_t(x)];
+    if (c.a == 255) {
+        d = c;
+        return;
+    }
+    const int a = c.a, keep = 255 - a;
+    d.r = uint8_t((d.r * keep + c.r * a) / 255);
+    d.g = uint8_t((d.g * keep + c.g * a) / 255);
+    d.b = uint8_t((d.b * keep + c.b * a) / 255);
+    d.a = uint8_t(std::min(d.a + (255 - d.a) * a / 255, 255));
+}
+
+void FillRect(pge::Sprite* sprite, int x, int y, int w, int h, pge::Pixel colour) {
+    if (!sprite) return;
+    const int x0 = std::max(x, 0), y0 = std::max(y, 0);
+    const int x1 = int(std::min<int64_t>(int64_t(x) + w, sprite->width));
+    const int y1 = int(std::min<int64_t>(int64_t(y) + h, sprite->height));
+    for (int py = y0; py < y1; ++py)
+        for (int px = x0; px < x1; ++px) Blend(sprite, px, py, colour);
+}
+
+void FillEllipse(pge::Sprite* sprite, pge::vf2d c, float rx, float ry, pge::Pixel colour) {
+    if (!sprite || !(rx > 0.0f) || !(ry > 0.0f)) return;
+    const int y0 = int(std::max(std::floor(c.y - ry), 0.0f));
+    const int y1 = int(std::min(std::ceil(c.y + ry), float(sprite->height - 1)));
+    for (int y = y0; y <= y1; ++y) {
+        const float t = (float(y) + 0.5f - c.y) / ry;
+        if (t * t >= 1.0f) continue;
+        const float s = std::sqrt(1.0f - t * t);
+        const int x0 = int(std::max(std::ceil(c.x - s * rx - 0.5f), 0.0f));
+        const int x1 = int(std::min(std::ceil(c.x + s * rx - 0.5f), float(sprite->width)));
+        for (int x = x0; x < x1; ++x) Blend(sprite, x, y, colour);
+    }
+}
+
+void FillCircle(pge::Sprite* sprite, pge::vf2d centre, float r, pge::Pixel colour) {
+    FillEllipse(sprite, centre, r, r, colour);
+}
+
+void DrawSprite(pge::Sprite* sprite, const pge::Sprite* source, int dx, int dy, int sx, int sy, int w, int h,
+                bool flip, float alpha) {
+    if (!sprite || !source || h < 1) return;
+    const float scale = std::max(alpha, 0.0f);
+    for (int j = 0; j < h; ++j)
+        for (int i = 0; i < w; ++i) {
+            pge::Pixel p = source->GetPixel(flip ? sx + (w - 1 - i) : sx + i, sy + j);
+            if (p.a == 0) continue;
+            if (alpha < 1.0f) p.a = uint8_t(float(p.a) * scale);
+            Blend(sprite, dx + i, dy + j, p);
+        }
+}
+
+std::unique_ptr<pge::Sprite> Downscale(const pge::Sprite& source, int w, int h) {
+    auto out = std::make_unique<pge::Sprite>(w, h);
+    if (w < 1 || h < 1) return out;
+    const float fx = float(source.width) / float(w);
+    const float fy = float(source.height) / float(h);
+    const pge::Pixel* src = source.GetData();
+    pge::Pixel* dst = out->GetData();
+    for (int y = 0; y < h; ++y) {
+        const int r0 = std::min(int(float(y) * fy), source.height);
+        const int r1 = std::min(std::max(int(float(y + 1) * fy), r0 + 1), source.height);
+        for (int x = 0; x < w; ++x) {
+            const int c0 = std::min(int(float(x) * fx), source.width);
+            const int c1 = std::min(std::max(int(float(x + 1) * fx), c0 + 1), source.width);
+            uint32_t sum[4] = {0, 0, 0, 0};
+            for (int sy = r0; sy < r1; ++sy)
+                for (int sx = c0; sx < c1; ++sx) {
+                    const pge::Pixel p = src[size_t(sy) * size_t(source.width) + size_t(sx)];
+                    sum[0] += p.r;
+                    sum[1] += p.g;
+                    sum[2] += p.b;
+                    sum[3] += p.a;
+                }
+            const uint32_t count = uint32_t((r1 - r0) * (c1 - c0));
+            dst[size_t(y) * size_t(w) + size_t(x)] =
+                count == 0 ? pge::Pixel(0u)
+                           : pge::Pixel(uint8_t(sum[0] / count), uint8_t(sum[1] / count), uint8_t(sum[2] / count),
+                                        uint8_t(sum[3] / count));
+        }
+    }
+    return out;
+}
+
+pge::Pixel Mix(pge::Pixel a, pge::Pixel b, float t) {
+    t = std::min(std::max(t, 0.0f), 1.0f);
+    const auto channel = [t](uint8_t from, uint8_t to) {
+        return uint8_t(float(from) + t * (float(to) - float(from)) + 0.5f);
+    };
+    return pge::Pixel(channel(a.r, b.r), channel(a.g, b.g), channel(a.b, b.b), channel(a.a, b.a));
+}
+
+void VerticalGradient(pge::Sprite* sprite, int x, int y, int w, int h, pge::Pixel top, pge::Pixel bottom) {
+    if (h < 1) return;
+    if (h == 1) {
+        FillRect(sprite, x, y, w, 1, Mix(top, bottom, 0.0f));
+        return;
+    }
+    for (int i = 0; i < h; ++i) FillRect(sprite, x, y + i, w, 1, Mix(top, bottom, float(i) / float(h - 1)));
+}
+
+void RadialGradient(pge::Sprite* sprite, pge::vf2d c, float inner, float outer, pge::Pixel from, pge::Pixel to) {
+    if (!sprite || !(outer > inner)) return;
+    const int x0 = std::max(int(c.x - outer), 0), x1 = std::min(int(c.x + outer), sprite->width - 1);
+    const int y0 = std::max(int(c.y - outer), 0), y1 = std::min(int(c.y + outer), sprite->height - 1);
+    for (int y = y0; y <= y1; ++y)
+        for (int x = x0; x <= x1; ++x) {
+            const float d = std::hypot(float(x) + 0.5f - c.x, float(y) + 0.5f - c.y);
+            if (d > outer) continue;
+            Blend(sprite, x, y, Mix(from, to, std::max((d - inner) / (outer - inner), 0.0f)));
+        }
+}
+
+pge::Pixel Shade(pge::Pixel c, float factor, uint8_t alpha) {
+    const auto channel = [factor](uint8_t v) -> uint8_t {
+        const float p = float(v) * factor;
+        if (p >= 255.0f) return 255;
+        if (p <= 0.0f) return 0;
+        return uint8_t(p);
+    };
+    return pge::Pixel(channel(c.r), channel(c.g), channel(c.b), alpha);
+}
+
+pge::Pixel WithAlpha(pge::Pixel c, float alpha) {
+    if (alpha > 1.0f)
+        c.a = 255;
+    else if (!(alpha > 0.0f))
+        c.a = 0;
+    else
+        c.a = uint8_t(alpha * 255.0f + 0.5f);
+    return c;
+}
+
+void FillPolygon(pge::Sprite* sprite, const std::vector<pge::vf2d>& points, pge::Pixel colour, const Mask& mask) {
+    if (!sprite || points.size() < 3) return;
+    float minY = points[0].y, maxY = points[0].y;
+    for (const pge::vf2d& p : points) {
+        minY = std::min(minY, p.y);
+        maxY = std::max(maxY, p.y);
+    }
+    const int y0 = int(std::max(std::floor(minY), 0.0f));
+    const int y1 = int(std::min(std::ceil(maxY), float(sprite->height - 1)));
+    std::vector<float> crossings;
+    crossings.reserve(points.size());
+    for (int y = y0; y <= y1; ++y) {
+        const float ys = float(y) + 0.5f;
+        crossings.clear();
+        const pge::vf2d* p = &points.back();
+        for (const pge::vf2d& q : points) {
+            if ((p->y <= ys && ys < q.y) || (q.y <= ys && ys < p->y))
+                crossings.push_back(p->x + (q.x - p->x) * (ys - p->y) / (q.y - p->y));
+            p = &q;
+        }
+        std::sort(crossings.begin(), crossings.end());
+        for (size_t k = 0; k + 1 < crossings.size(); k += 2) {
+            const int x0 = int(std::max(std::ceil(crossings[k] - 0.5f), 0.0f));
+            const int x1 = int(std::min(std::ceil(crossings[k + 1] - 0.5f), float(sprite->width)));
+            for (int x = x0; x < x1; ++x)
+                if (!mask || mask(x, y)) Blend(sprite, x, y, colour);
+        }
+    }
+}
+
+void Line(pge::Sprite* sprite, pge::vf2d a, pge::vf2d b, pge::Pixel colour, float width, const Mask& mask) {
+    if (!sprite) return;
+    const float dx = b.x - a.x, dy = b.y - a.y;
+    if (width <= 1.01f) {
+        const int n = std::max(int(std::ceil(std::max(std::fabs(dx), std::fabs(dy)))), 1);
+        int lastX = -99999, lastY = -99999;
+        for (int i = 0; i <= n; ++i) {
+            const float f = float(i) / float(n);
+            const int x = int(std::floor(a.x + dx * f)), y = int(std::floor(a.y + dy * f));
+            if (x == lastX && y == lastY) continue;
+            lastX = x;
+            lastY = y;
+            if (!mask || mask(x, y)) Blend(sprite, x, y, colour);
+        }
+        return;
+    }
+    const float length = std::sqrt(dx * dx + dy * dy);
+    const float half = width / 2.0f;
+    if (length < 0.001f) {
+        FillEllipse(sprite, a, half, half, colour);
+        return;
+    }
+    const float ux = dx / length, uy = dy / length;
+    const pge::vf2d from(a.x - ux * half, a.y - uy * half), to(b.x + ux * half, b.y + uy * half);
+    const float nx = -uy * half, ny = ux * half;
+    FillPolygon(sprite,
+                {{from.x + nx, from.y + ny}, {to.x + nx, to.y + ny}, {to.x - nx, to.y - ny}, {from.x - nx, from.y - ny}},
+                colour, mask);
+}
+
+void Polyline(pge::Sprite* sprite, const std::vector<pge::vf2d>& points, pge::Pixel colour, float width, bool closed,
+              float dash, float gap, const Mask& mask) {
+    if (!sprite || points.size() < 2) return;
+    std::vector<std::pair<pge::vf2d, pge::vf2d>> segments;
+    segments.reserve(points.size());
+    for (size_t i = 0; i + 1 < points.size(); ++i) segments.emplace_back(points[i], points[i + 1]);
+    if (closed) segments.emplace_back(points.back(), points.front());
+
+    if (!(dash > 0.0f)) {
+        for (const auto& [a, b] : segments) Line(sprite, a, b, colour, width, mask);
+        return;
+    }
+    const float period = dash + std::max(gap, 0.0f);
+    float phase = 0.0f;
+    for (const auto& [a, b] : segments) {
+        const float dx = b.x - a.x, dy = b.y - a.y;
+        const float length = std::sqrt(dx * dx + dy * dy);
+        if (length < 0.0001f) continue;
+        const auto at = [&](float s) { return pge::vf2d(a.x + dx * s / length, a.y + dy * s / length); };
+        float pos = 0.0f;
+        while (pos < length) {
+            const float ph = std::fmod(phase + pos, period);
+            if (ph >= dash) {
+                pos += period - ph;
+                continue;
+            }
+            const float end = std::min(pos + dash - ph, length);
+            Line(sprite, at(pos), at(end), colour, width, mask);
+            pos = end;
+        }
+        phase = std::fmod(length + phase, period);
+    }
+}
+
+void StrokeRoundRect(pge::Sprite* sprite, float x, float y, float w, float h, float radius, pge::Pixel colour,
+                     float width) {
+    if (!sprite) return;
+    Polyline(sprite, RoundRectPath(x, y, w, h, radius), colour, width, true);
+}
+
+void FillRoundRect(pge::Sprite* sprite, float x, float y, float w, float h, float radius, pge::Pixel colour) {
+    if (!sprite) return;
+    FillPolygon(sprite, RoundRectPath(x, y, w, h, radius), colour);
+}
+
+} // namespace adv::canvas

@@ -1,0 +1,51 @@
+#pragma once
+// Software drawing on a sprite in memory. Every primitive ends in Blend, one pixel at a
+// time, so everything can be translucent. Shapes are sampled at pixel centres, without
+// anti-aliasing. Functions taking a sprite pointer do nothing when it is null.
+#include "pge/Pixel.h"
+#include "pge/Sprite.h"
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <vector>
+
+namespace adv::canvas {
+
+// Draw a pixel only where the mask says true; an empty function means no mask.
+using Mask = std::function<bool(int, int)>;
+
+// Alpha 0 leaves the pixel, 255 overwrites it (alpha included), anything between composites.
+void Blend(pge::Sprite* sprite, int x, int y, pge::Pixel colour);
+void FillRect(pge::Sprite* sprite, int x, int y, int w, int h, pge::Pixel colour);
+void FillEllipse(pge::Sprite* sprite, pge::vf2d centre, float rx, float ry, pge::Pixel colour);
+void FillCircle(pge::Sprite* sprite, pge::vf2d centre, float r, pge::Pixel colour);
+// Copies a w by h block from (sx, sy) of the source to (dx, dy), mirrored when flip is set,
+// with the source alpha scaled by alpha when that is below 1.
+void DrawSprite(pge::Sprite* sprite, const pge::Sprite* source, int dx, int dy, int sx, int sy, int w, int h,
+                bool flip, float alpha);
+// A w by h box-filtered copy.
+std::unique_ptr<pge::Sprite> Downscale(const pge::Sprite& source, int w, int h);
+
+// t is limited to 0..1.
+pge::Pixel Mix(pge::Pixel a, pge::Pixel b, float t);
+void VerticalGradient(pge::Sprite* sprite, int x, int y, int w, int h, pge::Pixel top, pge::Pixel bottom);
+// `from` inside inner, blending to `to` at outer; nothing beyond outer.
+void RadialGradient(pge::Sprite* sprite, pge::vf2d centre, float inner, float outer, pge::Pixel from, pge::Pixel to);
+// Colour channels times factor, saturated; the alpha is replaced.
+pge::Pixel Shade(pge::Pixel colour, float factor, uint8_t alpha);
+pge::Pixel WithAlpha(pge::Pixel colour, float alpha);
+
+// Even-odd filled outline.
+void FillPolygon(pge::Sprite* sprite, const std::vector<pge::vf2d>& points, pge::Pixel colour, const Mask& mask = {});
+// Up to width 1.01 a one-pixel line touching each pixel once; wider lines are
+// rectangles with square ends reaching width / 2 beyond the end points.
+void Line(pge::Sprite* sprite, pge::vf2d a, pge::vf2d b, pge::Pixel colour, float width = 1.0f, const Mask& mask = {});
+// dash 0 draws solid; otherwise the dash pattern runs on round the corners.
+void Polyline(pge::Sprite* sprite, const std::vector<pge::vf2d>& points, pge::Pixel colour, float width, bool closed,
+              float dash = 0.0f, float gap = 0.0f, const Mask& mask = {});
+void StrokeRoundRect(pge::Sprite* sprite, float x, float y, float w, float h, float radius, pge::Pixel colour,
+                     float width);
+void FillRoundRect(pge::Sprite* sprite, float x, float y, float w, float h, float radius, pge::Pixel colour);
+
+} // namespace adv::canvas
