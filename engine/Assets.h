@@ -1,0 +1,32 @@
+#pragma once
+// Finds the asset folder however the program was started, and hands out cached images
+// by key, a path below the asset root such as "torvane/title.png". A missing image
+// gives a loud placeholder and one line on the error stream, never a stop.
+#include "pge/Decal.h"
+
+#include <map>
+#include <memory>
+#include <string>
+
+namespace adv {
+
+class Assets {
+public:
+    // executable: the program's path. Tries the bundle layout beside it, then up to four
+    // levels above the working directory, then above the program; else "assets".
+    static void Init(const std::string& executable);
+    static const std::string& Root();
+    // True unless root/key is a regular file.
+    static bool Missing(const std::string& key);
+    // The cached image, or the placeholder; never null. Valid until Clear.
+    static pge::Renderable* Sprite(const std::string& key);
+    static void Clear();
+
+private:
+    static std::unique_ptr<pge::Renderable> MakePlaceholder();
+
+    static std::string s_root;
+    static std::map<std::string, std::unique_ptr<pge::Renderable>> s_cache;
+};
+
+} // namespace adv

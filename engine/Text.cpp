@@ -1,0 +1,179 @@
+#include "engine/Text.h"
+
+#include "engine/Canvas.h"
+
+#include <algorithm>
+#include <cstdint>
+
+namespace adv::text {
+namespace {
+
+// Per code 32..127: low nibble the advance in pixels, high nibble the first used column.
+constexpr uint8_t kSpacing[96] = {
+    0x03, 0x25, 0x16, 0x08, 0x07, 0x08, 0x08, 0x04, 0x15, 0x15, 0x08, 0x07, 0x15, 0x07, 0x24, 0x08, // space to /
+    0x08, 0x17, 0x08, 0x08, 0x08, 0x08, 0x08, 0x08, 0x08, 0x08, 0x24, 0x15, 0x06, 0x07, 0x16, 0x17, // 0 to ?
+    0x08, 0x08, 0x08, 0x08, 0x08, 0x08, 0x08, 0x08, 0x08, 0x17, 0x08, 0x08, 0x17, 0x08, 0x08, 0x08, // @ to O
+    0x08, 0x08, 0x08, 0x08, 0x17, 0x08, 0x08, 0x08, 0x08, 0x17, 0x08, 0x15, 0x08, 0x15, 0x08, 0x08, // P to _
+    0x24, 0x18, 0x17, 0x17, 0x17, 0x17, 0x17, 0x17, 0x17, 0x33, 0x17, 0x17, 0x33, 0x18, 0x17, 0x17, // ` to o
+    0x17, 0x17, 0x17, 0x17, 0x07, 0x17, 0x17, 0x18, 0x18, 0x17, 0x17, 0x07, 0x33, 0x07, 0x08, 0x00, // p to 127
+};
+
+// Hand-made glyphs: one byte per row from the top, the high bit leftmost.
+struct Glyph {
+    uint8_t rows[8];
+    int advance;
+};
+constexpr Glyph kDot = {{0x00, 0x00, 0x00, 0x60, 0x60, 0x00, 0x00, 0x00}, 4};
+constexpr Glyph kDown = {{0x10, 0x10, 0x10, 0x10, 0x7C, 0x38, 0x10, 0x00}, 8};
+constexpr Glyph kUp = {{0x10, 0x38, 0x7C, 0x10, 0x10, 0x10, 0x10, 0x00}, 8};
+constexpr Glyph kRight = {{0x00, 0x08, 0x0C, 0xFE, 0x0C, 0x08, 0x00, 0x00}, 8};
+constexpr Glyph kLeft = {{0x00, 0x20, 0x60, 0xFE, 0x60, 0x20, 0x00, 0x00}, 8};
+constexpr Glyph kCheck = {{0x00, 0x03, 0x06, 0xCC, 0x78, 0x30, 0x00, 0x00}, 9};
+constexpr Glyph kEszett = {{0x78, 0xCC, 0xD8, 0xCC, 0xC6, 0xCC, 0xD8, 0x00}, 8};
+
+enum class Accent { None, Lower, Upper };
+
+struct Mapped {
+    char ch = '?';
+    const Glyph* special = nullptr;
+    Accent accent = Accent::None;
+};
+
+// Reads one code point and moves pos behind it; bad lead bytes give '?'.
+uint32_t NextCodepoint(const std::string& text, size_t& pos) {
+    const uint8_t lead = uint8_t(text[pos++]);
+    if (lead < 0x80) return lead;
+    int more = 0;
+    uint32_t cp = 0;
+    if ((lead & 0xE0) == 0xC0) {
+        more = 1;
+        cp = lead & 0x1F;
+    } else if ((lead & 0xF0) == 0xE0) {
+        more = 2;
+        cp = lead & 0x0F;
+    } else if ((lead & 0xF8) == 0xF0) {
+        more = 3;
+        cp = lead & 0x07;
+    } else {
+        return '?';
+    }
+    for (; more > 0 && pos < text.size(); --more) cp = cp << 6 | (uint8_t(text[pos++]) & 0x3F);
+    return cp;
+}
+
+Mapped Map(uint32_t cp) {
+    if (cp >= 32 && cp <= 126) return {char(cp), nullptr, Accent::None};
+    switch (cp) {
+    case 160: return {' '};
+    case 171: case 8249: return {'<'};
+    case 187: case 8250: return {'>'};
+    case 183: case 8226: return {'.', &kDot};
+    case 196: return {'A', nullptr, Accent::Upper};
+    case 214: return {'O', nullptr, Accent::Upper};
+    case 220: return {'U', nullptr, Accent::Upper};
+    case 228: return {'a', nullptr, Accent::Lower};
+    case 246: return {'o', nullptr, Accent::Lower};
+    case 252: return {'u', nullptr, Accent::Lower};
+    case 215: return {'x'};
+    case 223: return {'B', &kEszett};
+    case 8211: case 8212: case 8722: return {'-'};
+    case 8216: case 8217: return {'\''};
+    case 8220: case 8221: case 8222: return {'"'};
+    case 8592: return {'<', &kLeft};
+    case 8593: return {'^', &kUp};
+    case 8594: return {'>', &kRight};
+    case 8595: return {'v', &kDown};
+    case 10003: case 10004: return {'v', &kCheck};
+    default: return {'?'};
+    }
+}
+
+uint8_t Spacing(char ch) { return kSpacing[uint8_t(ch) - 32]; }
+
+int Advance(const Mapped& m) { return m.special ? m.special->advance : Spacing(m.ch) & 0x0F; }
+
+void DrawMapped(pge::Sprite* target, const pge::Sprite* font, int x, int y, const Mapped& m, pge::Pixel colour,
+                int scale) {
+    if (m.special) {
+        for (int row = 0; row < 8; ++row)
+            for (int col = 0; col < 8; ++col)
+                if (m.special->rows[row] & (0x80 >> col))
+                    canvas::FillRect(target, x + col * scale, y + row * scale, scale, scale, colour);
+        return;
+    }
+    const int first = Spacing(m.ch) >> 4, advance = Spacing(m.ch) & 0x0F;
+    if (font) {
+        const int gx = ((m.ch - 32) % 16) * 8, gy = ((m.ch - 32) / 16) * 8;
+        for (int row = 0; row < 8; ++row)
+            for (int col = first; col < first + advance; ++col)
+                if (font->GetPixel(gx + col, gy + row).r != 0)
+                    canvas::FillRect(target, x + (col - first) * scale, y + row * scale, scale, scale, colour);
+    }
+    if (m.accent == Accent::None) return;
+    // Lower-case dots sit in the cell's top row, upper-case ones two font pixels above it.
+    const bool upper = m.accent == Accent::Upper;
+    const int columns[4] = {1, 2, upper ? 4 : 5, upper ? 5 : 6};
+    const int dotY = upper ? y - 2 * scale : y;
+    for (int column : columns) canvas::FillRect(target, x + (column - first) * scale, dotY, scale, scale, colour);
+}
+
+} // namespace
+
+int Width(pge::PixelEngine&, const std::string& text, int scale) {
+    int width = 0;
+    for (size_t pos = 0; pos < text.size();) width += Advance(Map(NextCodepoint(text, pos)));
+    return width * scale;
+}
+
+void Draw(pge::PixelEngine& engine, int x, int y, const std::string& text, pge::Pixel colour, int scale,
+          Align align) {
+    if (align == Align::Centre) x -= Width(engine, text, scale) / 2;
+    if (align == Align::Right) x -= Width(engine, text, scale);
+    pge::Sprite* target = engine.GetDrawTarget();
+    const pge::Sprite* font = engine.GetFontSprite();
+    for (size_t pos = 0; pos < text.size();) {
+        const Mapped m = Map(NextCodepoint(text, pos));
+        DrawMapped(target, font, x, y, m, colour, scale);
+        x += Advance(m) * scale;
+    }
+}
+
+void DrawOutlined(pge::PixelEngine& engine, int x, int y, const std::string& text, pge::Pixel colour,
+                  pge::Pixel outline, int scale, Align align) {
+    if (align == Align::Centre) x -= Width(engine, text, scale) / 2;
+    if (align == Align::Right) x -= Width(engine, text, scale);
+    for (int dy = -1; dy <= 1; ++dy)
+        for (int dx = -1; dx <= 1; ++dx)
+            if (dx != 0 || dy != 0) Draw(engine, x + dx, y + dy, text, outline, scale, Align::Left);
+    Draw(engine, x, y, text, colour, scale, Align::Left);
+}
+
+std::vector<std::string> Wrap(pge::PixelEngine& engine, const std::string& text, int maxWidth, int scale) {
+    std::vector<std::string> lines;
+    size_t lineStart = 0;
+    for (;;) {
+        const size_t lineEnd = std::min(text.find('\n', lineStart), text.size());
+        std::string line;
+        size_t wordStart = lineStart;
+        for (;;) {
+            const size_t wordEnd = std::min(text.find(' ', wordStart), lineEnd);
+            const std::string word = text.substr(wordStart, wordEnd - wordStart);
+            if (line.empty()) {
+                line = word;
+            } else if (Width(engine, line + " " + word, scale) <= maxWidth) {
+                line += " " + word;
+            } else {
+                lines.push_back(line);
+                line = word;
+            }
+            if (wordEnd >= lineEnd) break;
+            wordStart = wordEnd + 1;
+        }
+        lines.push_back(line);
+        if (lineEnd >= text.size()) break;
+        lineStart = lineEnd + 1;
+    }
+    return lines;
+}
+
+} // namespace adv::text

@@ -1,0 +1,25 @@
+#pragma once
+// UTF-8 text in the framework's 8 by 8 font, proportionally spaced, with German umlauts,
+// the sharp s, arrows, a check mark and a bullet drawn by hand. Drawn through
+// canvas::Blend on the engine's draw target; (x, y) is the top left of the first glyph
+// cell and scale a whole factor of pixel size.
+#include "pge/PixelEngine.h"
+
+#include <string>
+#include <vector>
+
+namespace adv::text {
+
+enum class Align { Left = 0, Centre = 1, Right = 2 };
+
+int Width(pge::PixelEngine& engine, const std::string& text, int scale = 1);
+void Draw(pge::PixelEngine& engine, int x, int y, const std::string& text, pge::Pixel colour, int scale = 1,
+          Align align = Align::Left);
+// The text with a one-pixel outline at all eight neighbours, whatever the scale.
+void DrawOutlined(pge::PixelEngine& engine, int x, int y, const std::string& text, pge::Pixel colour,
+                  pge::Pixel outline, int scale = 1, Align align = Align::Left);
+// Splits at line feeds, then greedily at single spaces so that each line fits maxWidth;
+// a word wider than that stands alone. Always at least one line.
+std::vector<std::string> Wrap(pge::PixelEngine& engine, const std::string& text, int maxWidth, int scale = 1);
+
+} // namespace adv::text
