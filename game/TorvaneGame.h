@@ -287,8 +287,15 @@ private:
     void DrawSupply(int count);
     // Lays the ruin on one tower.
     void LayRuin(int tower);
-    // Takes the letter at `selected` out of the supply.
+    // Takes the letter at `selected` out of the supply; `selected` goes to 0
+    // when it lies past the end.
     void TakeSelected();
+    // The selected letter turned by `rotation`; empty without a piece.
+    std::vector<Cell> CursorShape() const;
+    // The lowest row the falling cursor reaches going straight down.
+    int LandingRow(const std::vector<Cell>& shape) const;
+    // Columns of the cursor brought into the tower for a shape of that width.
+    int ClampColumn(int x, int shapeWidth) const;
 };
 
 template <typename T>
