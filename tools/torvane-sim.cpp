@@ -1,0 +1,271 @@
+// Plays the game without a window: the auto player at a fixed frame time, through
+// the same frame steps as the application, printing one JSON line per level.
+#include "game/AutoPlayer.h"
+#include "game/FrameSteps.h"
+#include "game/Level.h"
+#include "game/TorvaneGame.h"
+
+#include <cerrno>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <sstream>
+#include <string>
+
+using namespace torvane;
+
+namespace {
+
+constexpr const char* kUsage =
+    "Aufruf: torvane-sim --seed=N [--level=L] [--levels=K] [--classic] [--difficulty=D]\n"
+    "                    [--repair=auto|free] [--lazy] [--fps=F]\n"
+    "Spielt mit dem Automaten ohne Fenster und schreibt je beendetem Level eine JSON-Zeile.\n"
+    "  --seed=N        Startwert der Regeln (Standard 1)\n"
+    "  --level=L       erstes Level (Standard 1)\n"
+    "  --levels=K      hoechstens so viele Level (Standard 10)\n"
+    "  --classic       klassische Regeln mit flachen Tuermen\n"
+    "  --difficulty=D  Schwierigkeit 0 bis 3\n"
+    "  --repair=M      auto oder free\n"
+    "  --lazy          der Automat baut, repariert aber nicht\n"
+    "  --fps=F         Bilder je Sekunde (Standard 60)\n";
+
+struct Options {
+    unsigned seed = 1;
+    int level = 1;
+    int levels = 10;
+    bool lazy = false;
+    float fps = 60.0f;
+};
+
+// A whole decimal number in [lo, hi]; false when malformed.
+bool ParseInt(const std::string& text, long lo, long hi, long& out) {
+    if (text.empty()) return false;
+    char* end = nullptr;
+    errno = 0;
+    const long v = std::strtol(text.c_str(), &end, 10);
+    if (errno != 0 || *end != '\0' || v < lo || v > hi) return false;
+    out = v;
+    return true;
+}
+
+// Applies the options to `options` and the settings. 0 to run, 1 for the usage
+// text, 2 for a bad option (already reported).
+int ParseOptions(int argc, char** argv, Options& options) {
+    Settings& settings = GetSettings();
+    for (int i = 1; i < argc; ++i) {
+        const std::string arg = argv[i];
+        const size_t eq = arg.find('=');
+        const std::string name = arg.substr(0, eq);
+        const std::string value = eq == std::string::npos ? std::string() : arg.substr(eq + 1);
+        const bool hasValue = eq != std::string::npos;
+        long v = 0;
+        bool ok = true;
+        if (name == "--help" && !hasValue) return 1;
+        if (name == "--seed" && hasValue) {
+            ok = ParseInt(value, 0, 4294967295L, v);
+            options.seed = static_cast<unsigned>(v);
+        } else if (name == "--level" && hasValue) {
+            ok = ParseInt(value, 1, 1000000, v);
+            options.level = static_cast<int>(v);
+        } else if (name == "--levels" && hasValue) {
+            ok = ParseInt(value, 1, 1000000, v);
+            options.levels = static_cast<int>(v);
+        } else if (name == "--classic" && !hasValue) {
+            settings.classic = 1;
+        } else if (name == "--difficulty" && hasValue) {
+            ok = ParseInt(value, 0, kDifficulties - 1, v);
+            settings.difficulty = static_cast<int32_t>(v);
+        } else if (name == "--repair" && hasValue) {
+            ok = value == "auto" || value == "free";
+            settings.repair_mode = value == "free" ? 0 : 1;
+        } else if (name == "--lazy" && !hasValue) {
+            options.lazy = true;
+        } else if (name == "--fps" && hasValue) {
+            ok = ParseInt(value, 1, 100000, v);
+            options.fps = static_cast<float>(v);
+        } else {
+            std::fprintf(stderr, "[torvane] Unbekannte Option: %s\n%s", arg.c_str(), kUsage);
+            return 2;
+        }
+        if (!ok) {
+            std::fprintf(stderr, "[torvane] Ungueltiger Wert: %s\n%s", arg.c_str(), kUsage);
+            return 2;
+        }
+    }
+    return 0;
+}
+
+// FNV-1a over the whole state of the rules, field by field.
+class Hasher {
+public:
+    uint64_t value = 1469598103934665603ULL;
+
+    void Bytes(const void* data, size_t n) {
+        const auto* p = static_cast<const unsigned char*>(data);
+        for (size_t i = 0; i < n; ++i) value = (value ^ p[i]) * 1099511628211ULL;
+    }
+    void Int(int64_t v) { Bytes(&v, sizeof v); }
+    void Float(float f) {
+        uint32_t bits = 0;
+        std::memcpy(&bits, &f, sizeof bits);
+        Int(bits);
+    }
+    void Text(const std::string& s) {
+        Int(static_cast<int64_t>(s.size()));
+        Bytes(s.data(), s.size());
+    }
+    void Cells(const std::vector<Cell>& cells) {
+        Int(static_cast<int64_t>(cells.size()));
+        for (const Cell& c : cells) {
+            Int(c.x);
+            Int(c.y);
+        }
+    }
+    template <typename T, typename F>
+    void List(const std::vector<T>& list, F each) {
+        Int(static_cast<int64_t>(list.size()));
+        for (const T& item : list) each(item);
+    }
+};
+
+uint64_t StateHash(const Game& game) {
+    Hasher h;
+    std::ostringstream rng;
+    rng << game.rng;
+    h.Text(rng.str());
+    h.Int(static_cast<int>(game.phase));
+    h.Int(game.level);
+    h.Int(game.score);
+    h.Float(game.clock);
+    h.Float(game.buildLeft);
+    const LevelConfig& c = game.config;
+    for (int v : {c.towers, c.width, c.height, c.line, c.shots, c.pieces, c.need, c.spareOnes, c.spareTwos,
+                  c.ruinRows})
+        h.Int(v);
+    for (float v : {c.buildTime, c.flightTime, c.interval}) h.Float(v);
+    for (bool v : {c.ring, c.fromPack, c.waves, c.prep, c.newTower}) h.Int(v);
+    h.List(c.sectors, [&](const Sector& s) {
+        h.Int(s.centre);
+        h.Int(s.width);
+        h.Int(s.letter);
+        h.Text(s.label);
+    });
+    const RoundStats& s = game.stats;
+    for (int v : {s.buildScore, s.repairScore, s.held, s.lost, s.levelBonus, s.timeBonus, s.gapCells, s.dropped,
+                  s.overallPct, static_cast<int>(s.passed)})
+        h.Int(v);
+    h.List(s.towerPct, [&](int v) { h.Int(v); });
+    h.List(s.sectorPct, [&](int v) { h.Int(v); });
+    h.List(game.towers, [&](const Tower& t) {
+        h.Int(t.width);
+        h.List(t.cells, [&](int v) { h.Int(v); });
+        h.Int(t.revision);
+    });
+    h.Int(static_cast<int64_t>(game.pieces.size()));
+    for (const auto& [id, p] : game.pieces) {
+        h.Int(id);
+        h.Int(p.type);
+        h.Int(p.ruin);
+        h.Cells(p.cells);
+        h.Int(p.tower);
+    }
+    for (int v : {game.nextPieceId, game.nextShotId, game.activeTower, game.selected, game.cursorX, game.cursorY,
+                  game.rotation, game.shotsLeft, game.wave, game.waveShotsLeft, game.bonusPieces})
+        h.Int(v);
+    h.List(game.supply, [&](char v) { h.Int(v); });
+    for (float v : {game.autoEndAt, game.inspectEndAt, game.nextShotAt, game.attackEndAt, game.viewCentre})
+        h.Float(v);
+    h.List(game.targets, [&](const Target& t) {
+        for (int v : {t.id, t.piece, t.tower}) h.Int(v);
+        h.Float(t.firedAt);
+        h.Float(t.hitAt);
+        h.Cells(t.cells);
+        h.List(t.preps, [&](const Prep& p) {
+            h.Int(p.type);
+            h.Cells(p.cells);
+        });
+    });
+    h.List(game.holes, [&](const Hole& o) {
+        for (int v : {o.id, o.tower, o.bells}) h.Int(v);
+        h.Float(o.openedAt);
+        h.Float(o.collapseAt);
+        h.Cells(o.cells);
+    });
+    h.Int(game.focus.kind);
+    h.Int(game.focus.id);
+    h.Int(game.viewKnown);
+    h.List(game.events, [&](const Event& e) {
+        h.Int(e.kind);
+        h.Int(static_cast<int>(e.sfx));
+        h.Float(e.value);
+        h.Int(e.tower);
+        h.Cells(e.cells);
+        h.Int(e.count);
+        h.Text(e.text);
+    });
+    const UndoRecord& u = game.undo;
+    for (int v : {static_cast<int>(u.valid), static_cast<int>(u.phase), u.tower, u.piece, u.target,
+                  static_cast<int>(u.type), u.rotation, u.x, u.selected, u.points})
+        h.Int(v);
+    h.Float(u.until);
+    h.Cells(u.cells);
+    h.Int(game.lineStood);
+    return h.value;
+}
+
+void PrintLevel(const Game& game, long events, long frames) {
+    const RoundStats& s = game.stats;
+    std::printf("{\"level\":%d,\"passed\":%s,\"score\":%d,\"overallPct\":%d,\"need\":%d,\"buildScore\":%d,"
+                "\"repairScore\":%d,\"timeBonus\":%d,\"levelBonus\":%d,\"held\":%d,\"lost\":%d,\"gapCells\":%d,"
+                "\"dropped\":%d,\"shotsFired\":%d,\"events\":%ld,\"frames\":%ld,\"hash\":\"%016llx\"}\n",
+                game.level, s.passed ? "true" : "false", game.score, s.overallPct, game.config.need, s.buildScore,
+                s.repairScore, s.timeBonus, s.levelBonus, s.held, s.lost, s.gapCells, s.dropped,
+                game.config.shots - game.shotsLeft, events, frames,
+                static_cast<unsigned long long>(StateHash(game)));
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    // The bot plays with the cursor following the goal and with automatic repair,
+    // as the application's unattended runs do; the options may change the latter.
+    GetSettings().auto_rotate = true;
+    GetSettings().repair_mode = 1;
+    Options options;
+    const int parsed = ParseOptions(argc, argv, options);
+    if (parsed == 1) {
+        std::fputs(kUsage, stdout);
+        return 0;
+    }
+    if (parsed != 0) return parsed;
+
+    Game game(options.seed);
+    game.NewGame();
+    if (options.level > 1) game.StartLevel(options.level);
+    game.TakeEvents();
+    AutoPlayer autoPlayer;
+    autoPlayer.repairs = !options.lazy;
+    float autoTimer = 0.0f;
+    Phase lastPhase = game.phase;
+    int32_t lastLevel = game.level;
+    bool ended = false;
+    frame::Hooks hooks;
+    hooks.phaseChanged = [&](Phase, Phase to) { ended = ended || to == Phase::Eval || to == Phase::Over; };
+    const frame::Refs refs{game, autoPlayer, autoTimer, lastPhase, lastLevel, true, false};
+    const float dt = frame::RulesStep(1.0f / options.fps);
+
+    long events = 0, frames = 0;
+    for (int done = 0; done < options.levels;) {
+        frame::RunRules(refs, dt, hooks);
+        events += static_cast<long>(game.TakeEvents().size());
+        ++frames;
+        if (!ended) continue;
+        PrintLevel(game, events, frames);
+        ended = false;
+        events = frames = 0;
+        ++done;
+        if (game.phase == Phase::Over) break;
+    }
+    return 0;
+}
