@@ -1,0 +1,96 @@
+#include "engine/Music.h"
+
+#include "engine/Assets.h"
+#include "engine/Sound.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <vector>
+
+namespace adv::Music {
+namespace {
+
+// The engine needs a little past the fade before a track may be destroyed.
+constexpr float kFadeMargin = 0.25f;
+
+struct Fading {
+    mixer::SoundPtr track;
+    float remaining = 0.0f;
+};
+
+mixer::EnginePtr s_engine;
+bool s_disabled = false;
+mixer::SoundPtr s_current;
+std::string s_currentPath;
+std::vector<Fading> s_fading;
+float s_volume = 0.65f;
+
+uint32_t Milliseconds(float seconds) { return seconds > 0.0f ? uint32_t(seconds * 1000.0f) : 0; }
+
+} // namespace
+
+void Disable() { s_disabled = true; }
+
+bool Init() {
+    if (s_disabled || s_engine) return bool(s_engine);
+    s_engine = mixer::Init();
+    if (!s_engine) std::fprintf(stderr, "[musik] Kein Tongeraet verfuegbar - das Spiel laeuft ohne Musik.\n");
+    return bool(s_engine);
+}
+
+void Shutdown() {
+    if (!s_engine) return;
+    Sound::StopAll();
+    s_fading.clear();
+    s_current.reset();
+    s_currentPath.clear();
+    s_engine.reset();
+}
+
+bool Available() { return bool(s_engine); }
+
+const std::string& Current() { return s_currentPath; }
+
+mixer::Engine* Engine() { return s_engine.get(); }
+
+void Play(const std::string& path, bool loop, float fadeSeconds) {
+    if (!s_engine || path.empty()) return;
+    if (s_current && path == s_currentPath && !mixer::AtEnd(*s_current)) return;
+    const std::string name = Assets::Root() + "/" + path;
+    mixer::SoundPtr track = mixer::InitFromFile(*s_engine, name);
+    if (!track) {
+        std::fprintf(stderr, "[musik] Konnte '%s' nicht laden - die Musik laeuft weiter.\n", name.c_str());
+        return;
+    }
+    Stop(fadeSeconds);
+    mixer::SetLooping(*track, loop);
+    mixer::SetVolume(*track, s_volume);
+    if (fadeSeconds > 0.0f) mixer::FadeIn(*track, Milliseconds(fadeSeconds));
+    mixer::Start(*track);
+    s_current = std::move(track);
+    s_currentPath = path;
+}
+
+void Stop(float fadeSeconds) {
+    if (!s_engine || !s_current) return;
+    mixer::StopWithFade(*s_current, Milliseconds(fadeSeconds));
+    s_fading.push_back({std::move(s_current), fadeSeconds + kFadeMargin});
+    s_currentPath.clear();
+}
+
+void Update(float dt) {
+    if (!s_engine) return;
+    for (Fading& f : s_fading) f.remaining -= dt;
+    s_fading.erase(std::remove_if(s_fading.begin(), s_fading.end(), [](const Fading& f) { return f.remaining <= 0.0f; }),
+                   s_fading.end());
+}
+
+void SetVolume(float volume) {
+    if (!s_engine) return;
+    s_volume = std::clamp(volume, 0.0f, 1.0f);
+    if (s_current) mixer::SetVolume(*s_current, s_volume);
+}
+
+float Volume() { return s_volume; }
+
+} // namespace adv::Music
