@@ -1,17 +1,27 @@
 #include "game/TorvaneApp.h"
 
+#include "engine/Assets.h"
+#include "engine/Canvas.h"
 #include "engine/PlatformKeys.h"
 #include "engine/Screenshot.h"
+#include "game/FrameSteps.h"
+#include "game/Lang.h"
+#include "game/Level.h"
 #include "pge/WindowTitle.h"
 
 #include <algorithm>
 #include <cstdio>
+#include <random>
 
 namespace torvane {
 namespace {
 
-constexpr float kMaxStep = 0.05f;     // longest step the rules are given
 constexpr float kLogoSeconds = 3.3f;
+constexpr const char* kLogoKey = "logo/logo.jpg";
+constexpr const char* kTitleKey = "torvane/title.png";
+
+// The phases' words, as "--exit-on=" takes them.
+constexpr const char* kNames[] = {"title", "build", "inspect", "announce", "attack", "eval", "over"};
 
 // True if arg starts with prefix; rest is then what follows it.
 bool TakePrefix(const std::string& arg, const char* prefix, std::string& rest) {
@@ -21,9 +31,16 @@ bool TakePrefix(const std::string& arg, const char* prefix, std::string& rest) {
     return true;
 }
 
+// Opacity of the logo: in over 0.9 s, held to 2.5 s, out over 0.8 s.
+float LogoOpacity(float t) {
+    const float o = t < 0.9f ? t / 0.9f : (t <= 2.5f ? 1.0f : 1.0f - (t - 0.9f - 1.6f) / 0.8f);
+    return std::clamp(o, 0.0f, 1.0f);
+}
+
 } // namespace
 
-TorvaneApp::TorvaneApp() { sAppName = "Torvane"; }
+// A run without "--seed=" is a different game each time.
+TorvaneApp::TorvaneApp() : game(std::random_device("default")()) { sAppName = "Torvane"; }
 
 bool ApplyRunOptions(TorvaneApp& app, int argc, const char* const* argv) {
     bool windowed = false;
@@ -33,7 +50,7 @@ bool ApplyRunOptions(TorvaneApp& app, int argc, const char* const* argv) {
         if (arg == "--no-sound") {
             // adv::Music::Disable() once the music module is there.
         } else if (arg == "--classic") {
-            // GetSettings().classic = 1 once the level settings are there.
+            GetSettings().classic = 1;
         } else if (arg == "--log-keys") {
             adv::platformkeys::SetLogging(true);
         } else if (arg == "--skip-intro") {
@@ -56,15 +73,14 @@ bool ApplyRunOptions(TorvaneApp& app, int argc, const char* const* argv) {
             windowed = true;
         } else if (arg == "--autoplay") {
             app.autoplay = true;
-            // autoPlayer.repairs = true once the bot is there.
+            app.autoPlayer.repairs = true;
         } else if (arg == "--autoplay=lazy") {
             app.autoplay = true;
-            // autoPlayer.repairs = false once the bot is there.
+            app.autoPlayer.repairs = false;
         } else if (TakePrefix(arg, "--level=", rest)) {
             app.startLevel = std::stoi(rest);
         } else if (TakePrefix(arg, "--seed=", rest)) {
-            [[maybe_unused]] const unsigned long seed = std::stoul(rest);
-            // app.game = Game(seed) once the rules are there.
+            app.game = Game(unsigned(std::stoul(rest)));
         } else if (TakePrefix(arg, "--exit-after=", rest)) {
             app.exitAt = std::stof(rest);
         } else if (TakePrefix(arg, "--screenshot=", rest)) {
@@ -80,32 +96,129 @@ bool TorvaneApp::OnUserCreate() {
     adv::SetWindowTitle("Torvane");
     adv::platformkeys::Install(this);
     adv::platformkeys::IgnoreKeyRepeat(true);
-    // Music and sounds start here; then the title picture, preferences, scores and packs.
-    // The start level or the title screen is laid out here.
-    if (!(skipIntro || startLevel != 0 || autoplay)) logoTime = 0.0f;
+    // adv::Music::Init() and sounds::Init() once the audio is there.
+
+    if (!adv::Assets::Missing(kTitleKey)) {
+        if (const pge::Sprite* picture = adv::Assets::Sprite(kTitleKey)->Sprite())
+            titleImage = adv::canvas::Downscale(*picture, 640, 400);
+    }
+    // Without a title picture the game opens on the first title page.
+    if (!titleImage) titlePage = 0;
+
+    // preferences::Load() here, once the preferences are there.
+    if (autoplay) {
+        GetSettings().auto_rotate = true;
+        GetSettings().repair_mode = 1;
+    }
+    // The scores, the pack storage, the first-run pack copy, RefreshPacks, ApplyPack
+    // and the editor at start follow here as they arrive.
+
+    // A level is always laid out: the title screen shows it behind its card.
+    if (startLevel < 1) {
+        game.StartLevel(1);
+        game.phase = Phase::Title;
+    } else {
+        game.NewGame();
+        if (startLevel > 1) game.StartLevel(startLevel);
+    }
+    lastPhase = game.phase;
+    lastLevel = game.level;
+
+    if (skipIntro || startLevel != 0 || autoplay) {
+        // PlayMusicFor(game.phase) once the music is there.
+    } else {
+        logoTime = 0.0f;
+    }
+    game.TakeEvents();
     return true;
 }
 
 bool TorvaneApp::OnUserUpdate(float elapsed) {
-    const float dt = std::min(elapsed, kMaxStep);
+    const float dt = frame::RulesStep(elapsed);
     clock += elapsed;
-    // Sound and music update.
+    // adv::Sound::Update() and adv::Music::Update(dt) once the audio is there.
+
     if (logoTime >= 0.0f) {
         UpdateLogo(dt);
         return FinishFrame();
     }
-    // HandleInput(dt).
+
+    // HandleInput(dt) here, once the input handling is there.
     if (quit) return false;
-    // The rules, the camera, the bot, phase changes, events and the test hint.
-    // The buttons of the last frame are dropped here; the title screen returns early.
+
+    frame::Hooks hooks;
+    // hooks.camera: camera.Update(game, dt) and the view centre, once the camera is there.
+    hooks.beforeRestart = [this] {
+        // ApplyPack() first, once the packs are there.
+        nameEntry = false;
+        scoreSaved = false;
+        attractScores = false;
+    };
+    hooks.phaseChanged = [this](Phase from, Phase to) { OnPhaseChanged(from, to); };
+    frame::RunRules({game, autoPlayer, autoTimer, lastPhase, lastLevel, autoplay, paused}, dt, hooks);
+
+    ProcessEvents();
+
+    if (testHintAt >= 0.0f && clock >= testHintAt) {
+        testHintAt = -1.0f;
+        if (testing) {
+            message = Tr("Test: Esc führt zurück in den Editor");
+            messageUntil = clock + 3.0f;
+        }
+    }
+
+    // buttons.clear() here, once the buttons are there; they are made anew by the drawing.
+    // DrawTitleScreen() and an early FinishFrame() in the title phase with a title picture.
+
     Clear(kBg);
-    // The stage, the message line, the banner, the HUD, the help bar and the overlay.
+    // view.Draw, view.DrawMessage, DrawBanner, DrawHud, DrawHelp and DrawOverlay, in
+    // this order, once they are there.
     return FinishFrame();
 }
 
 bool TorvaneApp::OnUserDestroy() {
-    // Music, sounds and assets are shut down here while the graphics context lives.
+    // adv::Music::Shutdown() and adv::Sound::Clear() come first, once the audio is there.
+    adv::Assets::Clear();
     return true;
+}
+
+void TorvaneApp::OnPhaseChanged(Phase, Phase to) {
+    // PlayMusicFor(to) once the music is there.
+    const int index = int(to);
+    if (!exitOnPhase.empty() && index >= 0 && index < int(std::size(kNames)) && exitOnPhase == kNames[index])
+        exitAt = clock + 0.3f;
+    // The bot's pause at a card is set by frame::RunRules before this call.
+    phaseStart = clock;
+    // view.Reset() for the title and the build phase, once the view is there.
+    if (to == Phase::Title) {
+        titlePage = titleImage ? -1 : 0;
+        // scores = highscores::Load() once the high scores are there.
+    }
+    if (to == Phase::Over) {
+        // scores anew and nameEntry from highscores::Qualifies, once they are there.
+        scoreSaved = false;
+        highlightRow = -1;
+        playerName.clear();
+        lastKeySerial = adv::platformkeys::LastPress().serial;
+    }
+}
+
+void TorvaneApp::ProcessEvents() {
+    for (const Event& event : game.TakeEvents()) {
+        switch (event.kind) {
+        case Event::Say:
+            message = event.text;
+            messageUntil = clock + 1.8f;
+            break;
+        case Event::Banner:
+            bannerText = event.text;
+            bannerUntil = game.clock + event.value;
+            break;
+        default:
+            // Sounds go to sounds::Play and the rest to view.OnEvent once they are there.
+            break;
+        }
+    }
 }
 
 bool TorvaneApp::FinishFrame() {
@@ -128,11 +241,23 @@ void TorvaneApp::UpdateLogo(float dt) {
     if (skipped || logoTime >= kLogoSeconds) {
         phaseStart = clock;
         logoTime = -1.0f;
-        // PlayMusicFor(phase) once the music is there.
+        // PlayMusicFor(game.phase) once the music is there.
         return;
     }
     Clear(pge::BLACK);
-    // The logo picture fades in and out here once the assets and the canvas are there.
+    if (adv::Assets::Missing(kLogoKey)) return;
+    const pge::Sprite* logo = adv::Assets::Sprite(kLogoKey)->Sprite();
+    if (!logo || logo->width < 1 || logo->height < 1) return;
+
+    const float opacity = LogoOpacity(logoTime);
+    const int scale = std::max(1, int(std::min(537.6f / float(logo->width), 200.0f / float(logo->height))));
+    const int left = (640 - logo->width * scale) / 2;
+    const int top = (400 - logo->height * scale) / 2;
+    pge::Sprite* target = GetDrawTarget();
+    for (int y = 0; y < logo->height; ++y)
+        for (int x = 0; x < logo->width; ++x)
+            adv::canvas::FillRect(target, left + x * scale, top + y * scale, scale, scale,
+                                  adv::canvas::WithAlpha(logo->GetPixel(x, y), opacity));
 }
 
 } // namespace torvane

@@ -1,8 +1,11 @@
 #pragma once
 // The application: owns everything that lives for the whole run, and runs the frame.
+#include "game/AutoPlayer.h"
+#include "game/TorvaneGame.h"
 #include "pge/PixelEngine.h"
 
 #include <cstdint>
+#include <memory>
 #include <string>
 
 namespace torvane {
@@ -26,11 +29,14 @@ public:
     bool OnUserUpdate(float elapsed) override;
     bool OnUserDestroy() override;
 
-    // Members in this order; the rules, the views, the bot, the camera, the packs,
-    // the editor, the scores and the buttons take their places as they arrive.
+    // Members in this order; the tower view, the camera, the packs, the editor, the
+    // scores and the buttons take their places as they arrive.
+    Game game;
+    AutoPlayer autoPlayer;
     float clock = 0.0f; // real seconds since the start
     bool paused = false;
     bool quit = false;
+    Phase lastPhase = Phase::Title;
     float phaseStart = -1.0f;
     int32_t lastLevel = 0;
     std::string message;
@@ -47,6 +53,7 @@ public:
     bool attractScores = false;
     float lastInputAt = 0.0f;
     float attractSince = 0.0f;
+    std::unique_ptr<pge::Sprite> titleImage; // the title picture at 640 by 400
     bool nameEntry = false;
     bool scoreSaved = false;
     int32_t highlightRow = -1;
@@ -64,6 +71,9 @@ public:
     float logoTime = -1.0f; // seconds of the logo; negative when none is running
 
 private:
+    void OnPhaseChanged(Phase from, Phase to);
+    // Hands the rules' events on: messages, the banner, and later sounds and the view.
+    void ProcessEvents();
     // What OnUserUpdate returns: false once exitAt has come, after the screenshot.
     bool FinishFrame();
     void UpdateLogo(float dt);

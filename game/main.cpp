@@ -1,5 +1,6 @@
 // The process: finds the program, builds the application, applies the run options
 // and hands over to the frame loop.
+#include "engine/Assets.h"
 #include "game/TorvaneApp.h"
 
 #include <string>
@@ -10,7 +11,7 @@ int main(int argc, char** argv) {
     char buffer[4095];
     const ssize_t n = readlink("/proc/self/exe", buffer, sizeof(buffer));
     if (n > 0) path.assign(buffer, size_t(n));
-    // adv::Assets::Init(path) once the assets are there; it comes before everything else.
+    adv::Assets::Init(path);
 
     torvane::TorvaneApp app;
     const bool windowed = torvane::ApplyRunOptions(app, argc, argv);

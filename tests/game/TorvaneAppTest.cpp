@@ -1,5 +1,6 @@
 #include "game/TorvaneApp.h"
 
+#include "game/Level.h"
 #include "pge/Headless.h"
 
 #include <stb_image.h>
@@ -76,7 +77,28 @@ TEST(TorvaneAppRunOptions, FlagsSetTheirMembers) {
     TorvaneApp bot;
     Apply(bot, {"--autoplay=lazy", "--autoplay"});
     EXPECT_TRUE(bot.autoplay);
+    EXPECT_TRUE(bot.autoPlayer.repairs);
     EXPECT_FALSE(bot.skipIntro);
+    Apply(bot, {"--autoplay=lazy"});
+    EXPECT_TRUE(bot.autoplay);
+    EXPECT_FALSE(bot.autoPlayer.repairs);
+
+    torvane::GetSettings().classic = 0;
+    TorvaneApp classic;
+    Apply(classic, {"--classic"});
+    EXPECT_EQ(torvane::GetSettings().classic, 1);
+    torvane::GetSettings().classic = 0;
+}
+
+TEST(TorvaneAppRunOptions, SeedReplacesTheGame) {
+    TorvaneApp app;
+    Apply(app, {"--seed=7", "--seed=8"});
+    EXPECT_TRUE(app.game.rng == torvane::Game(8).rng);
+    EXPECT_FALSE(app.game.rng == torvane::Game(7).rng);
+    // The seed is narrowed to 32 bits: 2^32 + 8 is seed 8.
+    TorvaneApp wide;
+    Apply(wide, {"--seed=4294967304"});
+    EXPECT_TRUE(wide.game.rng == torvane::Game(8).rng);
 }
 
 TEST(TorvaneAppRunOptions, NumbersFollowTheStandardParsers) {
@@ -131,6 +153,89 @@ TEST(TorvaneAppFrame, HundredFramesWithoutAnyServer) {
     EXPECT_NEAR(app.clock, sum, 1e-3);
     EXPECT_EQ(run.Title(), "Torvane");
     for (const pge::Pixel& p : app.GetDrawTarget()->pColData) ASSERT_EQ(p, torvane::kBg);
+}
+
+TEST(TorvaneAppStart, LevelOptionDecidesBetweenTitleAndGame) {
+    for (const char* level : {"--level=0", "--level=-5"}) {
+        TorvaneApp app;
+        Apply(app, {level});
+        pge::Headless run(app);
+        ASSERT_TRUE(run.Create());
+        EXPECT_EQ(app.game.phase, torvane::Phase::Title) << level;
+        EXPECT_EQ(app.game.level, 1);
+        EXPECT_FALSE(app.game.towers.empty()); // laid out behind the title card
+    }
+    TorvaneApp first;
+    Apply(first, {"--level=1"});
+    pge::Headless run(first);
+    ASSERT_TRUE(run.Create());
+    EXPECT_EQ(first.game.phase, torvane::Phase::Build);
+    EXPECT_EQ(first.lastPhase, torvane::Phase::Build);
+    EXPECT_EQ(first.game.level, 1);
+    // Without a title picture the title is the first page.
+    EXPECT_EQ(first.titleImage, nullptr);
+    EXPECT_EQ(first.titlePage, 0);
+
+    TorvaneApp third;
+    Apply(third, {"--level=3"});
+    pge::Headless run3(third);
+    ASSERT_TRUE(run3.Create());
+    EXPECT_EQ(third.game.level, 3);
+    EXPECT_EQ(third.lastLevel, 3);
+}
+
+TEST(TorvaneAppFrame, RulesGetTheCutStepAndTheClockTheRawTime) {
+    TorvaneApp app;
+    Apply(app, {"--level=1"});
+    pge::Headless run(app);
+    ASSERT_TRUE(run.Create());
+    const float gameBefore = app.game.clock;
+    run.Frame(0.2f);
+    EXPECT_NEAR(app.game.clock - gameBefore, 0.05f, 1e-6);
+    EXPECT_NEAR(app.clock, 0.2f, 1e-6);
+    app.paused = true;
+    run.Frame(0.03f);
+    EXPECT_NEAR(app.game.clock - gameBefore, 0.05f, 1e-6);
+    EXPECT_NEAR(app.clock, 0.23f, 1e-6);
+}
+
+TEST(TorvaneAppFrame, ExitOnFiresOnAChangeNotAtStart) {
+    TorvaneApp app;
+    Apply(app, {"--skip-intro", "--exit-on=title"});
+    pge::Headless run(app);
+    ASSERT_TRUE(run.Create());
+    ASSERT_EQ(app.game.phase, torvane::Phase::Title);
+    for (int i = 0; i < 20; ++i) ASSERT_TRUE(run.Frame(0.1f));
+    EXPECT_EQ(app.exitAt, 0.0f);
+
+    // Back to the title from a game: the run ends 0.3 s after the change.
+    app.game.NewGame();
+    run.Frame(0.1f);
+    EXPECT_NE(app.game.phase, torvane::Phase::Title);
+    app.game.phase = torvane::Phase::Title;
+    ASSERT_TRUE(run.Frame(0.1f));
+    const float changedAt = app.clock;
+    EXPECT_NEAR(app.exitAt, changedAt + 0.3f, 1e-5);
+    EXPECT_NEAR(app.phaseStart, changedAt, 1e-5);
+    EXPECT_TRUE(run.Frame(0.1f));
+    EXPECT_TRUE(run.Frame(0.1f));
+    run.Frame(0.1f);
+    if (run.Running()) run.Frame(0.1f); // float sums may need one frame more
+    EXPECT_FALSE(run.Running());
+}
+
+TEST(TorvaneAppFrame, LazyBotLosesAndTheRunEndsAtTheOverPhase) {
+    TorvaneApp app;
+    Apply(app, {"--level=3", "--exit-on=over", "--autoplay=lazy"});
+    pge::Headless run(app);
+    ASSERT_TRUE(run.Create());
+    EXPECT_LT(app.logoTime, 0.0f);
+    int frames = 0;
+    while (run.Frame(0.05f) && frames < 40000) ++frames;
+    ASSERT_FALSE(run.Running()) << "still " << int(app.game.phase) << " after " << frames << " frames";
+    EXPECT_EQ(app.game.phase, torvane::Phase::Over);
+    EXPECT_FALSE(app.nameEntry);
+    EXPECT_NEAR(app.clock - app.phaseStart, 0.3f, 0.051f);
 }
 
 TEST(TorvaneAppFrame, LogoRunsForItsTimeOrUntilSkipped) {
