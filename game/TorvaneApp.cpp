@@ -2,8 +2,10 @@
 
 #include "engine/Assets.h"
 #include "engine/Canvas.h"
+#include "engine/Music.h"
 #include "engine/PlatformKeys.h"
 #include "engine/Screenshot.h"
+#include "engine/Sound.h"
 #include "game/FrameSteps.h"
 #include "game/Lang.h"
 #include "game/Level.h"
@@ -48,7 +50,7 @@ bool ApplyRunOptions(TorvaneApp& app, int argc, const char* const* argv) {
         const std::string arg = argv[i] ? argv[i] : "";
         std::string rest;
         if (arg == "--no-sound") {
-            // adv::Music::Disable() once the music module is there.
+            adv::Music::Disable();
         } else if (arg == "--classic") {
             GetSettings().classic = 1;
         } else if (arg == "--log-keys") {
@@ -96,7 +98,8 @@ bool TorvaneApp::OnUserCreate() {
     adv::SetWindowTitle("Torvane");
     adv::platformkeys::Install(this);
     adv::platformkeys::IgnoreKeyRepeat(true);
-    // adv::Music::Init() and sounds::Init() once the audio is there.
+    adv::Music::Init();
+    // sounds::Init() once the game's sounds are there.
 
     if (!adv::Assets::Missing(kTitleKey)) {
         if (const pge::Sprite* picture = adv::Assets::Sprite(kTitleKey)->Sprite())
@@ -125,9 +128,9 @@ bool TorvaneApp::OnUserCreate() {
     lastLevel = game.level;
 
     if (skipIntro || startLevel != 0 || autoplay) {
-        // PlayMusicFor(game.phase) once the music is there.
+        PlayMusicFor(game.phase);
     } else {
-        logoTime = 0.0f;
+        logoTime = 0.0f; // the music follows the logo
     }
     game.TakeEvents();
     return true;
@@ -136,7 +139,8 @@ bool TorvaneApp::OnUserCreate() {
 bool TorvaneApp::OnUserUpdate(float elapsed) {
     const float dt = frame::RulesStep(elapsed);
     clock += elapsed;
-    // adv::Sound::Update() and adv::Music::Update(dt) once the audio is there.
+    adv::Sound::Update();
+    adv::Music::Update(dt);
 
     if (logoTime >= 0.0f) {
         UpdateLogo(dt);
@@ -177,13 +181,26 @@ bool TorvaneApp::OnUserUpdate(float elapsed) {
 }
 
 bool TorvaneApp::OnUserDestroy() {
-    // adv::Music::Shutdown() and adv::Sound::Clear() come first, once the audio is there.
+    adv::Music::Shutdown();
+    adv::Sound::Clear();
     adv::Assets::Clear();
     return true;
 }
 
+void TorvaneApp::PlayMusicFor(Phase phase) {
+    switch (phase) {
+    case Phase::Title: adv::Music::Play("torvane/music/title.mp3", true, 1.2f); break;
+    case Phase::Build:
+    case Phase::Inspect: adv::Music::Play("torvane/music/build.mp3", true, 1.2f); break;
+    case Phase::Announce:
+    case Phase::Attack: adv::Music::Play("torvane/music/defend.mp3", true, 0.8f); break;
+    case Phase::Eval: adv::Music::Play("torvane/music/levelwon.mp3", false, 0.3f); break;
+    case Phase::Over: adv::Music::Play("torvane/music/defeated.mp3", false, 0.3f); break;
+    }
+}
+
 void TorvaneApp::OnPhaseChanged(Phase, Phase to) {
-    // PlayMusicFor(to) once the music is there.
+    PlayMusicFor(to);
     const int index = int(to);
     if (!exitOnPhase.empty() && index >= 0 && index < int(std::size(kNames)) && exitOnPhase == kNames[index])
         exitAt = clock + 0.3f;
@@ -241,7 +258,7 @@ void TorvaneApp::UpdateLogo(float dt) {
     if (skipped || logoTime >= kLogoSeconds) {
         phaseStart = clock;
         logoTime = -1.0f;
-        // PlayMusicFor(game.phase) once the music is there.
+        PlayMusicFor(game.phase);
         return;
     }
     Clear(pge::BLACK);

@@ -71,6 +71,7 @@ public:
     float logoTime = -1.0f; // seconds of the logo; negative when none is running
 
 private:
+    void PlayMusicFor(Phase phase);
     void OnPhaseChanged(Phase from, Phase to);
     // Hands the rules' events on: messages, the banner, and later sounds and the view.
     void ProcessEvents();
