@@ -41,9 +41,10 @@ void Game::BeginAttack() {
 void Game::StartWave(int index) {
     wave = index;
     if (Waves()) {
+        // An even share each; the surplus goes to the last waves, one shot apiece.
         const int sectors = static_cast<int>(config.sectors.size());
         const int n = config.shots;
-        waveShotsLeft = n * (index + 1) / sectors - n * index / sectors;
+        waveShotsLeft = n / sectors + (index >= sectors - n % sectors ? 1 : 0);
         const float pause = GetSettings().waveBanner;
         nextShotAt = clock + pause;
         const std::string label = Tr(config.sectors[static_cast<size_t>(index)].label);

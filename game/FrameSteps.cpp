@@ -13,7 +13,10 @@ void HoldBotAtCard(Phase to, bool autoplay, float& autoTimer) {
 
 bool RunRules(const Refs& refs, float dt, const Hooks& hooks) {
     Game& game = refs.game;
-    if (!refs.paused) game.Update(dt);
+    if (!refs.paused) {
+        game.Update(dt);
+        if (hooks.rulesStepped) hooks.rulesStepped();
+    }
 
     if (hooks.camera) hooks.camera(dt);
 

@@ -35,6 +35,10 @@ struct Refs {
 };
 
 struct Hooks {
+    // Right after the rules' step, before the bot acts: the one moment at which the
+    // end of a level is certain to be seen with its figures, since the bot may leave
+    // the result card within the same frame.
+    std::function<void()> rulesStepped;
     // The camera turns (also in the pause) and, once it exists, tells the rules
     // where it faces (viewCentre, viewKnown). Until then viewKnown stays false.
     std::function<void(float dt)> camera;

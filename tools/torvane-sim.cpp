@@ -214,15 +214,19 @@ uint64_t StateHash(const Game& game) {
     return h.value;
 }
 
-void PrintLevel(const Game& game, long events, long frames) {
+// One line of JSON for a level that has just been judged.
+std::string LevelLine(const Game& game, long events, long frames) {
     const RoundStats& s = game.stats;
-    std::printf("{\"level\":%d,\"passed\":%s,\"score\":%d,\"overallPct\":%d,\"need\":%d,\"buildScore\":%d,"
-                "\"repairScore\":%d,\"timeBonus\":%d,\"levelBonus\":%d,\"held\":%d,\"lost\":%d,\"gapCells\":%d,"
-                "\"dropped\":%d,\"shotsFired\":%d,\"events\":%ld,\"frames\":%ld,\"hash\":\"%016llx\"}\n",
-                game.level, s.passed ? "true" : "false", game.score, s.overallPct, game.config.need, s.buildScore,
-                s.repairScore, s.timeBonus, s.levelBonus, s.held, s.lost, s.gapCells, s.dropped,
-                game.config.shots - game.shotsLeft, events, frames,
-                static_cast<unsigned long long>(StateHash(game)));
+    char line[512];
+    std::snprintf(line, sizeof line,
+                  "{\"level\":%d,\"passed\":%s,\"score\":%d,\"overallPct\":%d,\"need\":%d,\"buildScore\":%d,"
+                  "\"repairScore\":%d,\"timeBonus\":%d,\"levelBonus\":%d,\"held\":%d,\"lost\":%d,\"gapCells\":%d,"
+                  "\"dropped\":%d,\"shotsFired\":%d,\"events\":%ld,\"frames\":%ld,\"hash\":\"%016llx\"}\n",
+                  game.level, s.passed ? "true" : "false", game.score, s.overallPct, game.config.need, s.buildScore,
+                  s.repairScore, s.timeBonus, s.levelBonus, s.held, s.lost, s.gapCells, s.dropped,
+                  game.config.shots - game.shotsLeft, events, frames,
+                  static_cast<unsigned long long>(StateHash(game)));
+    return line;
 }
 
 } // namespace
@@ -249,23 +253,38 @@ int main(int argc, char** argv) {
     float autoTimer = 0.0f;
     Phase lastPhase = game.phase;
     int32_t lastLevel = game.level;
-    bool ended = false;
+    // A level ends when the rules' step leaves the attack. The bot may start the
+    // next level within the same frame, so the figures are taken right there; what
+    // that frame queues afterwards belongs to the next level.
+    Phase before = game.phase;
+    std::string line;
+    long events = 0, frames = 0, queuedAtEnd = 0;
+    bool over = false;
     frame::Hooks hooks;
-    hooks.phaseChanged = [&](Phase, Phase to) { ended = ended || to == Phase::Eval || to == Phase::Over; };
+    hooks.rulesStepped = [&] {
+        if (before != Phase::Attack || (game.phase != Phase::Eval && game.phase != Phase::Over)) return;
+        queuedAtEnd = static_cast<long>(game.events.size());
+        over = game.phase == Phase::Over;
+        line = LevelLine(game, events + queuedAtEnd, frames + 1);
+    };
     const frame::Refs refs{game, autoPlayer, autoTimer, lastPhase, lastLevel, true, false};
     const float dt = frame::RulesStep(1.0f / options.fps);
 
-    long events = 0, frames = 0;
     for (int done = 0; done < options.levels;) {
+        before = game.phase;
         frame::RunRules(refs, dt, hooks);
-        events += static_cast<long>(game.TakeEvents().size());
+        const long taken = static_cast<long>(game.TakeEvents().size());
         ++frames;
-        if (!ended) continue;
-        PrintLevel(game, events, frames);
-        ended = false;
-        events = frames = 0;
+        if (line.empty()) {
+            events += taken;
+            continue;
+        }
+        std::fputs(line.c_str(), stdout);
+        line.clear();
+        events = taken - queuedAtEnd;
+        frames = 0;
         ++done;
-        if (game.phase == Phase::Over) break;
+        if (over) break;
     }
     return 0;
 }
