@@ -1,14 +1,18 @@
 #include "game/TorvaneApp.h"
 
+#include "engine/Assets.h"
 #include "engine/Music.h"
 #include "game/Level.h"
 #include "pge/Headless.h"
 
 #include <stb_image.h>
+#include <stb_image_write.h>
 
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <cstdlib>
+#include <filesystem>
 #include <stdexcept>
 #include <string>
 #include <unistd.h>
@@ -160,7 +164,8 @@ TEST(TorvaneAppFrame, HundredFramesWithoutAnyServer) {
     // The clock follows the raw frame times, stalls included.
     EXPECT_NEAR(app.clock, sum, 1e-3);
     EXPECT_EQ(run.Title(), "Torvane");
-    for (const pge::Pixel& p : app.GetDrawTarget()->pColData) ASSERT_EQ(p, torvane::kBg);
+    // The frame starts from the screen background; its top left corner stays free.
+    EXPECT_EQ(app.GetDrawTarget()->GetPixel(0, 0), torvane::kBg);
 }
 
 TEST(TorvaneAppStart, LevelOptionDecidesBetweenTitleAndGame) {
@@ -255,14 +260,15 @@ TEST(TorvaneAppFrame, LogoRunsForItsTimeOrUntilSkipped) {
         // Each logo step counts at most 0.05 s, whatever the frame took.
         for (int i = 0; i < 65; ++i) run.Frame(0.5f);
         EXPECT_NEAR(app.logoTime, 3.25f, 1e-3);
-        EXPECT_EQ(app.GetDrawTarget()->GetPixel(320, 200), pge::BLACK);
+        // The corner lies outside any logo picture.
+        EXPECT_EQ(app.GetDrawTarget()->GetPixel(0, 0), pge::BLACK);
         // 3.3 s is the 66th step; the float sum may fall just short and need one more.
         run.Frame(0.05f);
         if (app.logoTime >= 0.0f) run.Frame(0.05f);
         EXPECT_LT(app.logoTime, 0.0f);
         EXPECT_NEAR(app.phaseStart, app.clock, 1e-3);
         run.Frame(0.05f);
-        EXPECT_EQ(app.GetDrawTarget()->GetPixel(320, 200), torvane::kBg);
+        EXPECT_EQ(app.GetDrawTarget()->GetPixel(0, 0), torvane::kBg);
     }
     for (pge::Key skip : {pge::SPACE, pge::ENTER, pge::ESCAPE}) {
         TorvaneApp app;
@@ -287,6 +293,50 @@ TEST(TorvaneAppFrame, LogoRunsForItsTimeOrUntilSkipped) {
         ASSERT_TRUE(r.Create());
         EXPECT_LT(quiet.logoTime, 0.0f) << option;
     }
+}
+
+TEST(TorvaneAppFrame, LogoIsCentredScaledAndFadesIn) {
+    // An asset tree of its own, found as the bundle beside a program in bin/.
+    const std::string root = TempPath("assets_root");
+    std::filesystem::create_directories(root + "/bin");
+    std::filesystem::create_directories(root + "/Resources/assets/logo");
+    const int w = 160, h = 60;
+    std::vector<unsigned char> rgb(size_t(w * h * 3));
+    for (int i = 0; i < w * h; ++i) {
+        rgb[size_t(3 * i)] = uint8_t(i % w + 40);
+        rgb[size_t(3 * i + 1)] = uint8_t(i / w * 4);
+        rgb[size_t(3 * i + 2)] = 200;
+    }
+    // stb reads by content, so a PNG under the logo's name serves.
+    ASSERT_NE(stbi_write_png((root + "/Resources/assets/logo/logo.jpg").c_str(), w, h, 3, rgb.data(), w * 3), 0);
+    adv::Assets::Init(root + "/bin/torvane");
+
+    TorvaneApp app;
+    pge::Headless run(app);
+    ASSERT_TRUE(run.Create());
+    // Scale: the smaller of 537.6 / 160 and 200 / 60, cut to 3; the picture is 480 by 180.
+    const int scale = 3, left = (640 - w * scale) / 2, top = (400 - h * scale) / 2;
+    auto image = [&](int x, int y) {
+        const size_t i = size_t(y * w + x) * 3;
+        return pge::Pixel(rgb[i], rgb[i + 1], rgb[i + 2]);
+    };
+    for (int i = 0; i < 9; ++i) run.Frame(0.05f); // 0.45 s: half way in
+    const pge::Sprite& target = *app.GetDrawTarget();
+    const pge::Pixel half = target.GetPixel(left + 3 * 10 + 1, top + 3 * 5 + 2);
+    EXPECT_NEAR(half.r, image(10, 5).r / 2.0, 1.5);
+    EXPECT_NEAR(half.g, image(10, 5).g / 2.0, 1.5);
+    EXPECT_NEAR(half.b, image(10, 5).b / 2.0, 1.5);
+
+    for (int i = 0; i < 11; ++i) run.Frame(0.05f); // 1.0 s: fully there
+    EXPECT_EQ(target.GetPixel(left, top), image(0, 0));
+    EXPECT_EQ(target.GetPixel(left + scale - 1, top + scale - 1), image(0, 0));
+    EXPECT_EQ(target.GetPixel(left + scale, top), image(1, 0));
+    EXPECT_EQ(target.GetPixel(left + w * scale - 1, top + h * scale - 1), image(w - 1, h - 1));
+    EXPECT_EQ(target.GetPixel(left - 1, top), pge::BLACK);
+    EXPECT_EQ(target.GetPixel(left + w * scale, top + h * scale - 1), pge::BLACK);
+    EXPECT_EQ(target.GetPixel(left, top - 1), pge::BLACK);
+    adv::Assets::Clear();
+    std::filesystem::remove_all(root);
 }
 
 TEST(TorvaneAppFrame, ExitAfterWritesTheScreenshotOfThatFrame) {
