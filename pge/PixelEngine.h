@@ -95,7 +95,6 @@ public:
     void pge_UpdateKeyState(int32_t key, bool state);
     void pge_UpdateViewport();
     void pge_UpdateWindowSize(int32_t x, int32_t y);
-    void pge_UpdateMouseFocus(bool state) { bHasMouseFocus = state; }
     void pge_UpdateKeyFocus(bool state) { bHasInputFocus = state; }
 
 public:
