@@ -1,0 +1,26 @@
+#pragma once
+// The game's sound effects as clips of adv::Sound, and its music for each phase.
+#include "game/TorvaneGame.h"
+
+#include <string>
+
+namespace torvane::sounds {
+
+// Builds the clips of the fixed effects once; needs the audio engine.
+void Init();
+// Plays an effect; for Sfx::Whistle, `seconds` is the flight time, and each length in whole
+// milliseconds is synthesised once.
+void Play(Sfx effect, float seconds);
+
+struct Track {
+    std::string path; // asset path; empty: no music for that phase
+    bool loop = false;
+    float fadeSeconds = 0.0f;
+};
+
+// The music of a phase.
+Track MusicFor(Phase phase);
+// Starts the music of a phase; a track that already plays goes on.
+void PlayMusicFor(Phase phase);
+
+} // namespace torvane::sounds
