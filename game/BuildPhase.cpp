@@ -229,6 +229,9 @@ void Game::Drop() {
         Sound(Sfx::Deny, 0.0f);
         return;
     }
+    // Switching towers in the attack clamps the cursor the free way, which can
+    // leave it inside the wall; a drop always starts from a free position.
+    if (!Free(activeTower, shape, cursorX, cursorY)) cursorY = config.height;
     cursorY = LandingRow(shape);
     PlaceHere();
 }

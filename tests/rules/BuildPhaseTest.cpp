@@ -681,3 +681,20 @@ TEST_F(BuildWholePhase, PlacingUndoingAndTheInspection) {
               std::vector<std::string>{"Bauabnahme: 2 Felder eingestürzt"});
     EXPECT_FLOAT_EQ(g.inspectEndAt, g.clock + 1.8f);
 }
+
+TEST_F(BuildPlacing, ADropAfterSwitchingTowersInTheAttackNeverOverlapsTheWall) {
+    Game g = ClassicGame(2);
+    GetSettings().difficulty = 3;  // the falling cursor stays in the attack
+    g.phase = Phase::Attack;
+    FillColumn(g, 1, 0, 0, 13);
+    FillColumn(g, 1, 1, 0, 13);
+    g.supply = {'O', 'I'};
+    g.cursorX = 0;
+    g.SwitchTower(1);  // clamps the free way: the cursor lands inside the full columns
+    ASSERT_EQ(g.activeTower, 1);
+    g.TakeEvents();
+    g.Drop();
+    EXPECT_EQ(Texts(g.TakeEvents(), Event::Say), std::vector<std::string>{"Kein Platz mehr in dieser Spalte"});
+    EXPECT_EQ(g.supply.size(), 2u);
+    EXPECT_TRUE(GridMatchesPieces(g));
+}
