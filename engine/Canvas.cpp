@@ -249,13 +249,14 @@ void Polyline(pge::Sprite* sprite, const std::vector<pge::vf2d>& points, pge::Pi
         float pos = 0.0f;
         while (pos < length) {
             const float ph = std::fmod(phase + pos, period);
-            if (ph >= dash) {
-                pos += period - ph;
-                continue;
+            float next = pos + (period - ph);
+            if (ph < dash) {
+                next = std::min(pos + dash - ph, length);
+                if (next > pos) Line(sprite, at(pos), at(next), colour, width, mask);
             }
-            const float end = std::min(pos + dash - ph, length);
-            Line(sprite, at(pos), at(end), colour, width, mask);
-            pos = end;
+            // Rounding in phase + pos can leave a step too small to move pos at all;
+            // one step of float precision then keeps the walk going.
+            pos = next > pos ? next : std::nextafter(pos, length);
         }
         phase = std::fmod(length + phase, period);
     }
