@@ -215,16 +215,29 @@ uint64_t StateHash(const Game& game) {
 }
 
 // One line of JSON for a level that has just been judged.
-std::string LevelLine(const Game& game, long events, long frames) {
+// What a level has queued so far: all events, and the balls among them.
+struct Tally {
+    long events = 0;
+    long shots = 0;
+
+    void Add(std::vector<Event>::const_iterator first, std::vector<Event>::const_iterator last) {
+        for (; first != last; ++first) {
+            ++events;
+            if (first->kind == Event::Sound && first->sfx == Sfx::Cannon) ++shots;
+        }
+    }
+};
+
+std::string LevelLine(const Game& game, const Tally& tally, long frames) {
     const RoundStats& s = game.stats;
     char line[512];
     std::snprintf(line, sizeof line,
                   "{\"level\":%d,\"passed\":%s,\"score\":%d,\"overallPct\":%d,\"need\":%d,\"buildScore\":%d,"
                   "\"repairScore\":%d,\"timeBonus\":%d,\"levelBonus\":%d,\"held\":%d,\"lost\":%d,\"gapCells\":%d,"
-                  "\"dropped\":%d,\"shotsFired\":%d,\"events\":%ld,\"frames\":%ld,\"hash\":\"%016llx\"}\n",
+                  "\"dropped\":%d,\"shotsFired\":%ld,\"events\":%ld,\"frames\":%ld,\"hash\":\"%016llx\"}\n",
                   game.level, s.passed ? "true" : "false", game.score, s.overallPct, game.config.need, s.buildScore,
                   s.repairScore, s.timeBonus, s.levelBonus, s.held, s.lost, s.gapCells, s.dropped,
-                  game.config.shots - game.shotsLeft, events, frames,
+                  tally.shots, tally.events, frames,
                   static_cast<unsigned long long>(StateHash(game)));
     return line;
 }
@@ -258,14 +271,18 @@ int main(int argc, char** argv) {
     // that frame queues afterwards belongs to the next level.
     Phase before = game.phase;
     std::string line;
-    long events = 0, frames = 0, queuedAtEnd = 0;
+    Tally tally;
+    long frames = 0;
+    size_t queuedAtEnd = 0;
     bool over = false;
     frame::Hooks hooks;
     hooks.rulesStepped = [&] {
         if (before != Phase::Attack || (game.phase != Phase::Eval && game.phase != Phase::Over)) return;
-        queuedAtEnd = static_cast<long>(game.events.size());
+        queuedAtEnd = game.events.size();
         over = game.phase == Phase::Over;
-        line = LevelLine(game, events + queuedAtEnd, frames + 1);
+        Tally ended = tally;
+        ended.Add(game.events.begin(), game.events.end());
+        line = LevelLine(game, ended, frames + 1);
     };
     const frame::Refs refs{game, autoPlayer, autoTimer, lastPhase, lastLevel, true, false};
     const float dt = frame::RulesStep(1.0f / options.fps);
@@ -273,15 +290,16 @@ int main(int argc, char** argv) {
     for (int done = 0; done < options.levels;) {
         before = game.phase;
         frame::RunRules(refs, dt, hooks);
-        const long taken = static_cast<long>(game.TakeEvents().size());
+        const std::vector<Event> taken = game.TakeEvents();
         ++frames;
         if (line.empty()) {
-            events += taken;
+            tally.Add(taken.begin(), taken.end());
             continue;
         }
         std::fputs(line.c_str(), stdout);
         line.clear();
-        events = taken - queuedAtEnd;
+        tally = Tally{};
+        tally.Add(taken.begin() + static_cast<std::ptrdiff_t>(queuedAtEnd), taken.end());
         frames = 0;
         ++done;
         if (over) break;
