@@ -9,6 +9,7 @@
 #include "game/FrameSteps.h"
 #include "game/Lang.h"
 #include "game/Level.h"
+#include "game/TorvaneSounds.h"
 #include "pge/WindowTitle.h"
 
 #include <algorithm>
@@ -99,7 +100,7 @@ bool TorvaneApp::OnUserCreate() {
     adv::platformkeys::Install(this);
     adv::platformkeys::IgnoreKeyRepeat(true);
     adv::Music::Init();
-    // sounds::Init() once the game's sounds are there.
+    sounds::Init();
 
     if (!adv::Assets::Missing(kTitleKey)) {
         if (const pge::Sprite* picture = adv::Assets::Sprite(kTitleKey)->Sprite())
@@ -187,17 +188,7 @@ bool TorvaneApp::OnUserDestroy() {
     return true;
 }
 
-void TorvaneApp::PlayMusicFor(Phase phase) {
-    switch (phase) {
-    case Phase::Title: adv::Music::Play("torvane/music/title.mp3", true, 1.2f); break;
-    case Phase::Build:
-    case Phase::Inspect: adv::Music::Play("torvane/music/build.mp3", true, 1.2f); break;
-    case Phase::Announce:
-    case Phase::Attack: adv::Music::Play("torvane/music/defend.mp3", true, 0.8f); break;
-    case Phase::Eval: adv::Music::Play("torvane/music/levelwon.mp3", false, 0.3f); break;
-    case Phase::Over: adv::Music::Play("torvane/music/defeated.mp3", false, 0.3f); break;
-    }
-}
+void TorvaneApp::PlayMusicFor(Phase phase) { sounds::PlayMusicFor(phase); }
 
 void TorvaneApp::OnPhaseChanged(Phase, Phase to) {
     PlayMusicFor(to);
@@ -231,8 +222,11 @@ void TorvaneApp::ProcessEvents() {
             bannerText = event.text;
             bannerUntil = game.clock + event.value;
             break;
+        case Event::Sound:
+            sounds::Play(event.sfx, event.value);
+            break;
         default:
-            // Sounds go to sounds::Play and the rest to view.OnEvent once they are there.
+            // view.OnEvent(event, game) once the tower view is there.
             break;
         }
     }

@@ -1,7 +1,6 @@
 #include "game/TorvaneApp.h"
 
 #include "engine/Assets.h"
-#include "engine/Music.h"
 #include "game/Level.h"
 #include "pge/Headless.h"
 
@@ -22,13 +21,6 @@ using torvane::ApplyRunOptions;
 using torvane::TorvaneApp;
 
 namespace {
-
-// The frames here need no audio device.
-class Silence : public testing::Environment {
-public:
-    void SetUp() override { adv::Music::Disable(); }
-};
-testing::Environment* const s_silence = testing::AddGlobalTestEnvironment(new Silence);
 
 bool Apply(TorvaneApp& app, std::vector<const char*> args) {
     args.insert(args.begin(), "torvane");
