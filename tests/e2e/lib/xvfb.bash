@@ -3,30 +3,25 @@
 
 XVFB_PID=""
 
+# Xvfb picks a free display number itself (-displayfd), so scripts running side by
+# side never race for the same one.
 start_xvfb() {
-    local n
-    for n in $(seq 90 190); do
-        if [ ! -e "/tmp/.X${n}-lock" ] && [ ! -e "/tmp/.X11-unix/X${n}" ]; then
-            Xvfb ":${n}" -screen 0 1600x1000x24 -nolisten tcp >/dev/null 2>&1 &
-            XVFB_PID=$!
-            trap stop_xvfb EXIT
-            local i
-            for i in $(seq 1 100); do
-                if [ -e "/tmp/.X11-unix/X${n}" ]; then
-                    export DISPLAY=":${n}"
-                    export LIBGL_ALWAYS_SOFTWARE=1
-                    return 0
-                fi
-                if ! kill -0 "$XVFB_PID" 2>/dev/null; then break; fi
-                sleep 0.05
-            done
-            kill "$XVFB_PID" 2>/dev/null || true
-            wait "$XVFB_PID" 2>/dev/null || true
-            XVFB_PID=""
-        fi
+    local numberFile
+    numberFile=$(mktemp)
+    Xvfb -displayfd 3 -screen 0 1600x1000x24 -nolisten tcp 3>"$numberFile" >/dev/null 2>&1 &
+    XVFB_PID=$!
+    trap stop_xvfb EXIT
+    local i n=""
+    for i in $(seq 1 200); do
+        n=$(tr -dc '0-9' < "$numberFile")
+        [ -n "$n" ] && break
+        kill -0 "$XVFB_PID" 2>/dev/null || break
+        sleep 0.05
     done
-    echo "no free display for Xvfb" >&2
-    exit 1
+    rm -f "$numberFile"
+    [ -n "$n" ] || fail "Xvfb did not start"
+    export DISPLAY=":${n}"
+    export LIBGL_ALWAYS_SOFTWARE=1
 }
 
 stop_xvfb() {
