@@ -29,6 +29,12 @@ void Init() {
     }
 }
 
+void Clear() {
+    adv::Sound::Clear();
+    s_ids.clear();
+    s_whistles.clear();
+}
+
 void Play(Sfx effect, float seconds) {
     if (!adv::Music::Engine()) return;
     if (effect != Sfx::Whistle) {

@@ -8,6 +8,9 @@ namespace torvane::sounds {
 
 // Builds the clips of the fixed effects once; needs the audio engine.
 void Init();
+// Forgets every clip, the effects' and all others (adv::Sound::Clear), so that a later Init
+// builds them anew.
+void Clear();
 // Plays an effect; for Sfx::Whistle, `seconds` is the flight time, and each length in whole
 // milliseconds is synthesised once.
 void Play(Sfx effect, float seconds);

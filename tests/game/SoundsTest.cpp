@@ -94,7 +94,9 @@ int NextId() { return adv::Sound::Add({}, 44100); }
 class SoundsPlay : public ::testing::Test {
 protected:
     static void SetUpTestSuite() {
-        sounds::Init(); // no engine yet: builds nothing
+        adv::Music::Shutdown();
+        sounds::Clear();
+        sounds::Init(); // no engine: builds nothing
         s_idWithoutEngine = NextId();
         adv::mixer::UseOffline(44100);
         adv::Music::Init();
@@ -105,7 +107,7 @@ protected:
     }
     static void TearDownTestSuite() {
         adv::Music::Shutdown();
-        adv::Sound::Clear();
+        sounds::Clear();
         adv::mixer::UseOffline(0);
     }
     void TearDown() override { adv::Sound::StopAll(); }
@@ -117,6 +119,18 @@ TEST_F(SoundsPlay, InitBuildsTheNineFixedClipsOnceAndOnlyWithAnEngine) {
     EXPECT_EQ(s_idWithoutEngine, 0);
     EXPECT_EQ(s_idAfterInit, s_idWithoutEngine + 1 + 9);
     EXPECT_EQ(s_idAfterSecondInit, s_idAfterInit + 1);
+}
+
+TEST_F(SoundsPlay, ClearForgetsTheClipsSoThatInitBuildsThemAnew) {
+    sounds::Clear();
+    adv::Sound::Play(0, 1.0f);
+    EXPECT_EQ(adv::Sound::ActiveVoices(), 0u);
+    sounds::Play(Sfx::Tick, 0.0f);
+    EXPECT_EQ(adv::Sound::ActiveVoices(), 0u);
+    sounds::Init();
+    EXPECT_EQ(NextId(), 9);
+    sounds::Play(Sfx::Tick, 0.0f);
+    EXPECT_EQ(adv::Sound::ActiveVoices(), 1u);
 }
 
 TEST_F(SoundsPlay, EveryEffectSounds) {
