@@ -277,6 +277,19 @@ TEST_F(BuildCursor, KicksTryNeighbouringColumnsInOrder) {
     g.Rotate();
     EXPECT_EQ(g.rotation, 1);
     EXPECT_EQ(g.cursorX, 5);
+
+    // With columns 2 and 4 open the left kick comes before the right one,
+    // and with 1 and 5 open the left double kick before the right one.
+    for (const auto& [left, right] : {std::pair<int, int>{2, 4}, std::pair<int, int>{1, 5}}) {
+        Game h = ClassicGame(1);
+        for (int x = 0; x < 8; ++x)
+            if (x != left && x != right) FillColumn(h, 0, x, 0, 4);
+        h.supply = {'I'};
+        h.cursorX = 3;
+        h.cursorY = 0;
+        h.Rotate();
+        EXPECT_EQ(h.cursorX, left);
+    }
 }
 
 TEST_F(BuildCursor, RotationRefusedWhenNoKickFits) {

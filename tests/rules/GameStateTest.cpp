@@ -239,21 +239,6 @@ TEST_F(GameShares, ActiveSectorsFollowThePhaseAndTheWaves) {
     EXPECT_TRUE(classic.InActiveSector(3));  // no sectors: every column
 }
 
-TEST_F(GameShares, FindersResolveIdsOrGiveNull) {
-    Game g = ClassicGame(1);
-    g.targets.push_back(Target{5, 0, 0, 0.0f, 1.0f, {}, {}});
-    g.holes.push_back(Hole{6, 0, {}, 0.0f, 3.0f, 0});
-    ASSERT_NE(g.FindTarget(5), nullptr);
-    EXPECT_EQ(g.FindTarget(5)->hitAt, 1.0f);
-    EXPECT_EQ(g.FindTarget(6), nullptr);
-    ASSERT_NE(g.FindHole(6), nullptr);
-    EXPECT_EQ(g.FindHole(5), nullptr);
-    const int id = g.AddPiece(0, 'T', {{0, 0}}, false);
-    ASSERT_NE(g.GetPiece(id), nullptr);
-    EXPECT_EQ(g.GetPiece(id)->type, 'T');
-    EXPECT_EQ(g.GetPiece(id + 1), nullptr);
-}
-
 class GameUpdate : public RulesTest {};
 
 TEST_F(GameUpdate, ClockRunsInBuildAndInspectOnly) {
