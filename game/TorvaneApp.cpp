@@ -20,6 +20,8 @@ namespace torvane {
 namespace {
 
 constexpr float kLogoSeconds = 3.3f;
+// Between the HUD strip above and the help bar below.
+constexpr StageRect kStage{0, 18, 640, 368};
 constexpr const char* kLogoKey = "logo/logo.jpg";
 constexpr const char* kTitleKey = "torvane/title.png";
 
@@ -152,7 +154,11 @@ bool TorvaneApp::OnUserUpdate(float elapsed) {
     if (quit) return false;
 
     frame::Hooks hooks;
-    // hooks.camera: camera.Update(game, dt) and the view centre, once the camera is there.
+    hooks.camera = [this](float step) {
+        camera.Update(game, step);
+        game.viewCentre = camera.angle;
+        game.viewKnown = true;
+    };
     hooks.beforeRestart = [this] {
         // ApplyPack() first, once the packs are there.
         nameEntry = false;
@@ -176,8 +182,9 @@ bool TorvaneApp::OnUserUpdate(float elapsed) {
     // DrawTitleScreen() and an early FinishFrame() in the title phase with a title picture.
 
     Clear(kBg);
-    // view.Draw, view.DrawMessage, DrawBanner, DrawHud, DrawHelp and DrawOverlay, in
-    // this order, once they are there.
+    view.Draw(*this, game, kStage, clock, camera.angle);
+    // view.DrawMessage, DrawBanner, DrawHud, DrawHelp and DrawOverlay, in this order,
+    // once they are there.
     return FinishFrame();
 }
 
@@ -197,7 +204,7 @@ void TorvaneApp::OnPhaseChanged(Phase, Phase to) {
         exitAt = clock + 0.3f;
     // The bot's pause at a card is set by frame::RunRules before this call.
     phaseStart = clock;
-    // view.Reset() for the title and the build phase, once the view is there.
+    if (to == Phase::Title || to == Phase::Build) view.Reset();
     if (to == Phase::Title) {
         titlePage = titleImage ? -1 : 0;
         // scores = highscores::Load() once the high scores are there.

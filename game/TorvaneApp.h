@@ -1,7 +1,9 @@
 #pragma once
 // The application: owns everything that lives for the whole run, and runs the frame.
 #include "game/AutoPlayer.h"
+#include "game/RingCamera.h"
 #include "game/TorvaneGame.h"
+#include "game/TowerView.h"
 #include "pge/PixelEngine.h"
 
 #include <cstdint>
@@ -29,10 +31,12 @@ public:
     bool OnUserUpdate(float elapsed) override;
     bool OnUserDestroy() override;
 
-    // Members in this order; the tower view, the camera, the packs, the editor, the
-    // scores and the buttons take their places as they arrive.
+    // Members in this order; the packs, the editor, the scores and the buttons take
+    // their places as they arrive.
     Game game;
+    TowerView view;
     AutoPlayer autoPlayer;
+    RingCamera camera;
     float clock = 0.0f; // real seconds since the start
     bool paused = false;
     bool quit = false;
