@@ -11,43 +11,15 @@ namespace torvane {
 namespace {
 
 using testing_support::ExpectMatchesReference;
+using testing_support::IndexAt;
 using testing_support::MakeAssetRoot;
-using testing_support::WritePalettedPng;
+using testing_support::TestPalette;
 using testing_support::WriteText;
 
-constexpr int kW = 320, kH = 200;
-
-// Sky rows use indices 0..99 by row, the ground 100..149 in stripes, and a water
-// band at rows 140..159 the cycled indices 200..207.
-int IndexAt(int x, int y) {
-    if (y < 120) return y * 100 / 120;
-    if (y >= 140 && y < 160) return 200 + (x / 6 + y / 3) % 8;
-    return 100 + (x / 8 + y / 5) % 50;
-}
-
-std::vector<pge::Pixel> TestPalette() {
-    std::vector<pge::Pixel> pal(256, pge::Pixel(0, 0, 0));
-    for (int i = 0; i < 100; ++i)
-        pal[i] = pge::Pixel(static_cast<uint8_t>(90 + i), static_cast<uint8_t>(140 + i), static_cast<uint8_t>(230 - i / 4));
-    for (int i = 100; i < 150; ++i)
-        pal[i] = pge::Pixel(static_cast<uint8_t>(120 + (i - 100)), static_cast<uint8_t>(100 + (i - 100) / 2), 60);
-    for (int i = 0; i < 8; ++i)
-        pal[200 + i] = pge::Pixel(static_cast<uint8_t>(20 + i * 10), static_cast<uint8_t>(80 + i * 20), 200);
-    return pal;
-}
-
-// Writes the plain background of level 1's landscape, with its cycle (4 steps per
-// second) and, when asked, a tower frame on it.
+// The water picture in a fresh asset tree of its own.
 std::string WriteTestBackground(const std::string& name, const std::string& frame = "") {
     const std::string root = MakeAssetRoot(name);
-    std::vector<uint8_t> pixels(kW * kH);
-    for (int y = 0; y < kH; ++y)
-        for (int x = 0; x < kW; ++x) pixels[static_cast<size_t>(y * kW + x)] = static_cast<uint8_t>(IndexAt(x, y));
-    WritePalettedPng(root + "/torvane/torvane-bg-01-desert-cycle.png", kW, kH, pixels, TestPalette());
-    WriteText(root + "/torvane/color-cycles.json",
-              R"({"backgrounds": [{"file": "torvane-bg-01-desert-cycle.png", "palette_start": 200,
-                  "palette_end": 207, "fps": 4, "direction": 1)" +
-                  (frame.empty() ? std::string() : ", \"tower_frame\": " + frame) + "}]}");
+    testing_support::WriteWaterBackground(root, frame);
     return root;
 }
 
