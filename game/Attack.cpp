@@ -41,10 +41,11 @@ void Game::BeginAttack() {
 void Game::StartWave(int index) {
     wave = index;
     if (Waves()) {
-        // An even share each; the surplus goes to the last waves, one shot apiece.
+        // The shots shared out as evenly as they go: each wave takes the difference of
+        // two running shares, so no wave is more than one shot above another.
         const int sectors = static_cast<int>(config.sectors.size());
         const int n = config.shots;
-        waveShotsLeft = n / sectors + (index >= sectors - n % sectors ? 1 : 0);
+        waveShotsLeft = n * (index + 1) / sectors - n * index / sectors;
         const float pause = GetSettings().waveBanner;
         nextShotAt = clock + pause;
         const std::string label = Tr(config.sectors[static_cast<size_t>(index)].label);

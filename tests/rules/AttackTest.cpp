@@ -95,10 +95,12 @@ std::vector<int> WaveShots(Game& game, int sectors, int shots) {
 
 using AttackWaves = AttackFixture;
 
-TEST_F(AttackWaves, LaterWavesGetTheSurplus) {
+TEST_F(AttackWaves, ShotsAreSharedByRunningShares) {
+    // Wave i takes floor(n(i+1)/S) - floor(ni/S).
     EXPECT_EQ(WaveShots(game, 2, 5), (std::vector<int>{2, 3}));
-    EXPECT_EQ(WaveShots(game, 4, 2), (std::vector<int>{0, 0, 1, 1}));
+    EXPECT_EQ(WaveShots(game, 4, 2), (std::vector<int>{0, 1, 0, 1}));
     EXPECT_EQ(WaveShots(game, 3, 10), (std::vector<int>{3, 3, 4}));
+    EXPECT_EQ(WaveShots(game, 4, 14), (std::vector<int>{3, 4, 3, 4}));
 }
 
 TEST_F(AttackWaves, EmptyWavesPassOneFrameAfterAnother) {
@@ -107,15 +109,14 @@ TEST_F(AttackWaves, EmptyWavesPassOneFrameAfterAnother) {
     game.config.shots = 2;
     game.phase = Phase::Announce;
     game.BeginAttack();
+    EXPECT_EQ(game.waveShotsLeft, 0);
     EXPECT_EQ(CountSound(game.TakeEvents(), Sfx::Horn), 1);
-    game.Update(0.01f);
+    game.Update(0.01f); // the empty first wave gives way at once
     EXPECT_EQ(game.wave, 1);
+    EXPECT_EQ(game.waveShotsLeft, 1);
     EXPECT_EQ(CountSound(game.TakeEvents(), Sfx::Horn), 1);
     game.Update(0.01f);
-    EXPECT_EQ(game.wave, 2);
-    EXPECT_EQ(game.waveShotsLeft, 1);
-    game.Update(0.01f);
-    EXPECT_EQ(game.wave, 2); // this wave has a shot to fire first
+    EXPECT_EQ(game.wave, 1); // this wave has a shot to fire first
 }
 
 TEST_F(AttackWaves, TheNextWaveWaitsForTheBannerAfterTheLastImpact) {
