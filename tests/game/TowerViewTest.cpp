@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 namespace torvane {
 namespace {
 
@@ -93,6 +95,85 @@ TEST_F(TowerViewFrameTest, ClassicLevelSevenWithFiveTowers) {
     g.clock = 2.0f;
     view.Draw(engine, g, stage, 0.5f, 0.0f);
     ExpectMatchesReference(Screen(), "classic_level7");
+}
+
+// The marks on the wall, each drawn once with and once without its cause; the
+// landscape is the same in both, so only the mark can make a difference.
+class TowerMarksTest : public TowerViewFrameTest {
+protected:
+    // Pixels of the screen that differ between two pictures.
+    static std::vector<pge::vi2d> Differences(const pge::Sprite& a, const pge::Sprite& b) {
+        std::vector<pge::vi2d> out;
+        for (int y = 0; y < a.height; ++y)
+            for (int x = 0; x < a.width; ++x)
+                if (a.GetPixel(x, y) != b.GetPixel(x, y)) out.push_back({x, y});
+        return out;
+    }
+    pge::Sprite Frame(const Game& g, float camera) {
+        view.Draw(engine, g, stage, 1.0f, camera);
+        pge::Sprite copy(Screen().width, Screen().height);
+        copy.pColData = Screen().pColData;
+        return copy;
+    }
+};
+
+TEST_F(TowerMarksTest, RedGapsEndBelowTheDefenceLine) {
+    GetSettings().classic = 0;
+    Game g = testing_support::RingGame(1);
+    g.config.sectors.clear(); // every column is attacked
+    g.phase = Phase::Eval;    // no marks outside the build and the attack
+    const pge::Sprite plain = Frame(g, 0.0f);
+    g.phase = Phase::Attack;
+    const pge::Sprite marked = Frame(g, 0.0f);
+    const std::vector<pge::vi2d> diff = Differences(plain, marked);
+    ASSERT_FALSE(diff.empty());
+    const TowerView::Geo geo = view.TowerGeo(view.layout, 0);
+    const float line = static_cast<float>(g.config.line);
+    for (const pge::vi2d& p : diff) {
+        // The line's ring at this x: baseY - cellH * line + ry cos(asin((x - cx) / rx)).
+        const float n = (static_cast<float>(p.x) + 0.5f - geo.cx) / geo.rx;
+        ASSERT_LT(std::fabs(n), 1.0f);
+        const float lineY = geo.baseY - geo.cellH * line + geo.ry * std::cos(std::asin(n));
+        EXPECT_GE(static_cast<float>(p.y) + 0.5f, lineY - 1.0f) << p.x << "," << p.y;
+    }
+}
+
+TEST_F(TowerMarksTest, OldFlashesDrawNothing) {
+    GetSettings().classic = 0;
+    Game g = testing_support::RingGame(1);
+    const int id = Lay(g, 0, 'O', 0, 0, 0);
+    g.clock = 10.0f;
+    const pge::Sprite plain = Frame(g, 0.5f);
+    view.flashes.push_back({g.pieces.at(id).cells, 8.7f, 0}); // 1.3 seconds old
+    view.flashes.push_back({g.pieces.at(id).cells, 9.0f, 3}); // on a tower that does not exist
+    EXPECT_TRUE(Differences(plain, Frame(g, 0.5f)).empty());
+    view.flashes.push_back({g.pieces.at(id).cells, 9.5f, 0});
+    EXPECT_FALSE(Differences(plain, Frame(g, 0.5f)).empty());
+}
+
+TEST_F(TowerMarksTest, GhostOnlyOnTheActiveTowerAndWhenItLands) {
+    GetSettings().classic = 1;
+    Game g = testing_support::ClassicGame(2);
+    ASSERT_EQ(g.config.towers, 2);
+    ASSERT_NE(g.SelectedType(), 0);
+    g.cursorX = 2;
+    const pge::Sprite withGhost = Frame(g, 0.0f);
+    const TowerView::Geo right = view.TowerGeo(view.layout, 1);
+    const float rightEdge = right.cx - std::sin(right.halfAngle) * right.rx;
+    // Without a piece in hand nothing of the ghost is drawn.
+    std::vector<char> supply = g.supply;
+    g.supply.clear();
+    std::vector<pge::vi2d> diff = Differences(withGhost, Frame(g, 0.0f));
+    ASSERT_FALSE(diff.empty());
+    for (const pge::vi2d& p : diff) EXPECT_LT(static_cast<float>(p.x), rightEdge) << "ghost off the active tower";
+    // A column filled to the top leaves no landing row: GhostY is negative, no ghost.
+    g.supply = supply;
+    for (int x = 0; x < g.config.width; ++x)
+        for (int y = 0; y < g.config.height; ++y) g.AddPiece(0, '1', {{x, y}}, false);
+    ASSERT_LT(g.GhostY(), 0);
+    const pge::Sprite full = Frame(g, 0.0f);
+    g.supply.clear();
+    EXPECT_TRUE(Differences(full, Frame(g, 0.0f)).empty());
 }
 
 } // namespace
