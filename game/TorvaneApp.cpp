@@ -150,7 +150,7 @@ bool TorvaneApp::OnUserUpdate(float elapsed) {
         return FinishFrame();
     }
 
-    // HandleInput(dt) here, once the input handling is there.
+    HandleInput(dt);
     if (quit) return false;
 
     frame::Hooks hooks;
@@ -178,8 +178,10 @@ bool TorvaneApp::OnUserUpdate(float elapsed) {
         }
     }
 
-    // buttons.clear() here, once the buttons are there; they are made anew by the drawing.
-    // DrawTitleScreen() and an early FinishFrame() in the title phase with a title picture.
+    // Made anew by the drawing below; input reads the frame before's.
+    buttons.clear();
+    // DrawTitleScreen() and an early FinishFrame() in the title phase with a title
+    // picture, once the title screen is there.
 
     Clear(kBg);
     view.Draw(*this, game, kStage, clock, camera.angle);
@@ -190,7 +192,8 @@ bool TorvaneApp::OnUserUpdate(float elapsed) {
 
 bool TorvaneApp::OnUserDestroy() {
     adv::Music::Shutdown();
-    adv::Sound::Clear();
+    // Also forgets the effects' ids, so that a later start in this process makes them anew.
+    sounds::Clear();
     adv::Assets::Clear();
     return true;
 }

@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace torvane {
 
@@ -22,6 +23,37 @@ inline constexpr pge::Pixel kSlate{142, 162, 182};
 inline constexpr pge::Pixel kChestnut{208, 118, 74};
 inline constexpr pge::Pixel kDanger{236, 90, 77};
 inline constexpr pge::Pixel kOk{111, 191, 130};
+
+// What a click on a button, or the key standing for it, does: Press(id, arg).
+enum class ButtonId : int32_t {
+    NewGame = 0,
+    StartAttack,
+    NextLevel,
+    SaveScore,
+    EndBuild,
+    Resume,
+    ToTitle,
+    TitlePage,
+    ToggleAutoRotate,
+    ToggleRepairMode,
+    ToggleLanguage,
+    NextDifficulty,
+    TogglePieceChoice,
+    OpenSettings,
+    CloseSettings,
+    NextPack,
+    OpenEditor,
+};
+
+// One clickable rectangle of the last drawn frame.
+struct Button {
+    int32_t x = 0;
+    int32_t y = 0;
+    int32_t w = 0;
+    int32_t h = 0;
+    ButtonId id = ButtonId::NewGame;
+    int32_t arg = 0;
+};
 
 class TorvaneApp : public pge::PixelEngine {
 public:
@@ -63,6 +95,7 @@ public:
     int32_t highlightRow = -1;
     std::string playerName;
     uint64_t lastKeySerial = 0;
+    std::vector<Button> buttons; // those of the frame before; input reads them
     pge::Key repeatKey = pge::NONE;
     float repeatTimer = 0.0f;
     float exitAt = 0.0f; // clock value at which to stop; 0 never
@@ -74,7 +107,18 @@ public:
     bool skipIntro = false;
     float logoTime = -1.0f; // seconds of the logo; negative when none is running
 
+    // What clicks and keys have in common: everything around the rules.
+    void Press(ButtonId id, int arg);
+    // A key from A to CAPS_LOCK, or the left or right mouse button, pressed in this frame.
+    bool AnyInput();
+
 private:
+    // Reads the keys and the mouse once a frame; the overlays take them first.
+    void HandleInput(float dt);
+    void HandleTitleInput(bool confirm);
+    // Build and attack: the cursor with key repeat, or the camera, then the acts.
+    void HandlePlayInput(float dt);
+
     void PlayMusicFor(Phase phase);
     void OnPhaseChanged(Phase from, Phase to);
     // Hands the rules' events on: messages, the banner, and later sounds and the view.

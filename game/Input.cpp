@@ -1,0 +1,252 @@
+// The application's input: keys and clicks, read once a frame from the key state.
+#include "game/Lang.h"
+#include "game/Level.h"
+#include "game/TorvaneApp.h"
+
+namespace torvane {
+namespace {
+
+// Keys meant for the card before can't skip the next one within this time.
+constexpr float kConfirmLock = 0.6f;
+// Seconds of a held cursor key before it starts repeating.
+constexpr float kRepeatDelay = 0.22f;
+// Seconds without input before the title picture gives way to the high scores, and
+// how long they stay.
+constexpr float kAttractAfter = 15.0f;
+constexpr float kAttractFor = 10.0f;
+constexpr int kTitlePages = 4;
+
+} // namespace
+
+bool TorvaneApp::AnyInput() {
+    for (int k = pge::A; k <= pge::CAPS_LOCK; ++k)
+        if (GetKey(pge::Key(k)).bPressed) return true;
+    return GetMouse(0).bPressed || GetMouse(1).bPressed;
+}
+
+void TorvaneApp::Press(ButtonId id, int arg) {
+    Settings& settings = GetSettings();
+    switch (id) {
+    case ButtonId::NewGame:
+        // ApplyPack() first, once the level packs are there.
+        game.NewGame();
+        nameEntry = scoreSaved = attractScores = false;
+        return;
+    case ButtonId::StartAttack: game.BeginAttack(); return;
+    case ButtonId::NextLevel:
+        if (game.LastLevel()) {
+            Press(ButtonId::ToTitle, 0);
+        } else {
+            game.NextLevel();
+        }
+        return;
+    case ButtonId::SaveScore:
+        // The high-score entry is made here once the high scores are there.
+        return;
+    case ButtonId::EndBuild: game.EndBuild(true); return;
+    case ButtonId::Resume: paused = false; return;
+    case ButtonId::ToTitle:
+        paused = nameEntry = scoreSaved = attractScores = false;
+        lastInputAt = clock;
+        // ApplyPack() here, once the level packs are there.
+        game.StartLevel(1);
+        game.phase = Phase::Title;
+        game.TakeEvents();
+        // A test of the editor always returns to it: testing = false and the editor
+        // reopened here, once the editor is there.
+        return;
+    case ButtonId::TitlePage: titlePage = arg; return;
+    case ButtonId::ToggleAutoRotate:
+        if (settings.classic) return;
+        settings.auto_rotate = !settings.auto_rotate;
+        break;
+    case ButtonId::ToggleRepairMode: settings.repair_mode = settings.repair_mode == 0 ? 1 : 0; break;
+    case ButtonId::ToggleLanguage:
+        SetLanguage(CurrentLanguage() == Language::German ? Language::English : Language::German);
+        break;
+    case ButtonId::NextDifficulty: settings.difficulty = (settings.difficulty + 1) % kDifficulties; break;
+    case ButtonId::TogglePieceChoice: settings.piece_choice = !settings.piece_choice; break;
+    case ButtonId::OpenSettings: settingsOpen = true; return;
+    case ButtonId::CloseSettings: settingsOpen = false; return;
+    case ButtonId::NextPack:
+        // CyclePack() here, once the level packs are there.
+        return;
+    case ButtonId::OpenEditor:
+        // The editor opens here once it is there.
+        return;
+    }
+    // Only the settings' changes get here: preferences::Save() belongs here once the
+    // preferences file is there.
+}
+
+void TorvaneApp::HandleInput(float dt) {
+    if (GetMouse(0).bPressed) {
+        const pge::vi2d m = GetMousePos();
+        for (const Button& b : buttons) {
+            if (b.x <= m.x && m.x < b.x + b.w && b.y <= m.y && m.y < b.y + b.h) {
+                Press(b.id, b.arg);
+                return;
+            }
+        }
+    }
+    const bool confirm =
+        clock >= phaseStart + kConfirmLock && (GetKey(pge::SPACE).bPressed || GetKey(pge::ENTER).bPressed);
+    auto pressed = [this](pge::Key k) { return GetKey(k).bPressed; };
+
+    if (editorOpen) {
+        // All keys belong to the editor; HandleEditorInput() here once it is there.
+        lastInputAt = clock;
+        return;
+    }
+    if (settingsOpen) {
+        lastInputAt = clock;
+        if (pressed(pge::ESCAPE) || pressed(pge::S)) {
+            Press(ButtonId::CloseSettings, 0);
+        } else if (pressed(pge::D)) {
+            Press(ButtonId::NextDifficulty, 0);
+        } else if (pressed(pge::R)) {
+            Press(ButtonId::ToggleRepairMode, 0);
+        } else if (pressed(pge::A)) {
+            Press(ButtonId::ToggleAutoRotate, 0);
+        } else if (pressed(pge::T)) {
+            Press(ButtonId::TogglePieceChoice, 0);
+        }
+        return;
+    }
+    if (paused) {
+        if (pressed(pge::ESCAPE)) {
+            Press(ButtonId::Resume, 0);
+        } else if (pressed(pge::Q)) {
+            Press(ButtonId::ToTitle, 0);
+        } else if (pressed(pge::S)) {
+            Press(ButtonId::OpenSettings, 0);
+        } else if (pressed(pge::L)) {
+            Press(ButtonId::ToggleLanguage, 0);
+        }
+        return;
+    }
+
+    // Outside a test, ESCAPE at a card does nothing: there is no pause there.
+    const bool leaveTest = testing && pressed(pge::ESCAPE);
+    switch (game.phase) {
+    case Phase::Title: HandleTitleInput(confirm); return;
+    case Phase::Announce:
+    case Phase::Eval:
+        if (leaveTest) {
+            Press(ButtonId::ToTitle, 0);
+        } else if (confirm) {
+            Press(game.phase == Phase::Announce ? ButtonId::StartAttack : ButtonId::NextLevel, 0);
+        }
+        return;
+    case Phase::Over:
+        if (leaveTest) {
+            Press(ButtonId::ToTitle, 0);
+        } else if (nameEntry) {
+            // HandleNameEntry() takes all keys here once the high scores are there.
+        } else if (confirm) {
+            Press(ButtonId::ToTitle, 0);
+        }
+        return;
+    case Phase::Inspect:
+    case Phase::Build:
+    case Phase::Attack:
+        if (pressed(pge::ESCAPE)) {
+            if (testing) {
+                Press(ButtonId::ToTitle, 0);
+            } else {
+                paused = true;
+            }
+            return;
+        }
+        if (game.phase != Phase::Inspect) HandlePlayInput(dt);
+        return;
+    }
+}
+
+void TorvaneApp::HandleTitleInput(bool confirm) {
+    auto pressed = [this](pge::Key k) { return GetKey(k).bPressed; };
+    const bool any = AnyInput();
+    if (attractScores) {
+        if (confirm) {
+            Press(ButtonId::NewGame, 0);
+        } else if (any || clock >= attractSince + kAttractFor) {
+            attractScores = false;
+            lastInputAt = clock;
+        }
+        return;
+    }
+    if (any) {
+        lastInputAt = clock;
+    } else if (titlePage == -1 && titleImage && clock >= lastInputAt + kAttractAfter) {
+        attractScores = true;
+        attractSince = clock;
+        return;
+    }
+    if (pressed(pge::ESCAPE)) {
+        if (titlePage >= 0 && titleImage) {
+            titlePage = -1;
+        } else {
+            quit = true;
+        }
+        return;
+    }
+    if (pressed(pge::S)) Press(ButtonId::OpenSettings, 0);
+    if (pressed(pge::L)) Press(ButtonId::ToggleLanguage, 0);
+    if (pressed(pge::P)) Press(ButtonId::NextPack, 0);
+    if (pressed(pge::E)) {
+        Press(ButtonId::OpenEditor, 0);
+    } else if (pressed(pge::LEFT)) {
+        titlePage = titlePage <= 0 ? kTitlePages - 1 : titlePage - 1;
+    } else if (pressed(pge::RIGHT)) {
+        titlePage = (titlePage + 1) % kTitlePages;
+    } else if (confirm) {
+        Press(ButtonId::NewGame, 0);
+    }
+}
+
+void TorvaneApp::HandlePlayInput(float dt) {
+    auto pressed = [this](pge::Key k) { return GetKey(k).bPressed; };
+    auto held = [this](pge::Key k) { return GetKey(k).bHeld; };
+    auto sideways = [](pge::Key k) { return k == pge::LEFT ? Action::Left : Action::Right; };
+    const Settings& settings = GetSettings();
+    const bool handCursor = game.phase == Phase::Build || game.FreeRepair() || game.BuildsInAttack();
+    // The automatic repair on a ring with the turn by hand: the arrows drive the camera.
+    const bool manualCamera = !handCursor && game.config.ring && !settings.auto_rotate;
+
+    if (handCursor) {
+        for (pge::Key k : {pge::LEFT, pge::RIGHT}) {
+            if (!pressed(k)) continue;
+            game.Act(sideways(k));
+            repeatKey = k;
+            repeatTimer = kRepeatDelay;
+        }
+        if (repeatKey != pge::NONE) {
+            if (!held(repeatKey)) {
+                repeatKey = pge::NONE;
+            } else if ((repeatTimer -= dt) <= 0.0f) {
+                game.Act(sideways(repeatKey));
+                repeatTimer += settings.keyRepeat;
+            }
+        }
+    } else if (manualCamera) {
+        const float turn = dt * settings.cameraMaxSpeed;
+        if (held(pge::LEFT)) camera.Turn(-turn);
+        if (held(pge::RIGHT)) camera.Turn(turn);
+    } else if (!game.config.ring) {
+        if (pressed(pge::LEFT)) game.Act(Action::Left);
+        if (pressed(pge::RIGHT)) game.Act(Action::Right);
+    }
+
+    if (pressed(pge::DOWN)) game.Act(Action::Place);
+    if (pressed(pge::UP)) {
+        game.Act(Action::Undo);
+        // A new goal brings the camera to it once, even with the automatic turn off.
+        if (manualCamera && game.focus.kind != Focus::None)
+            camera.target = camera.Wrap(game.FocusCentre(game.focus));
+    }
+    if (pressed(pge::SPACE)) game.Act(Action::Rotate);
+    if (pressed(pge::TAB)) game.Act(Action::Cycle);
+    if (pressed(pge::ENTER)) game.Act(Action::Done);
+}
+
+} // namespace torvane
