@@ -13,37 +13,24 @@ using testing_support::WriteText;
 
 class ThemeTest : public testing_support::RulesTest {};
 
-TEST_F(ThemeTest, BackgroundIndexGoesRoundTheFiveLandscapes) {
+TEST_F(ThemeTest, LevelsGoRoundTheFiveLandscapesUnlessThePackChooses) {
     EXPECT_EQ(BackgroundIndex(1), 0);
-    EXPECT_EQ(BackgroundIndex(5), 4);
     EXPECT_EQ(BackgroundIndex(6), 0);
     EXPECT_EQ(BackgroundIndex(0), 4);
     EXPECT_EQ(BackgroundIndex(-1), 3);
-
+    EXPECT_EQ(&ThemeFor(7), &ThemeFor(2)); // built once, shared
+    EXPECT_EQ(ThemeFor(5).name, "Vulkanhang");
     LevelPack pack;
-    pack.name = "Probe";
     pack.levels.resize(2);
     pack.levels[0].background = 3;
     pack.levels[1].background = 5;
     SetActivePack(&pack);
     EXPECT_EQ(BackgroundIndex(1), 2);
     EXPECT_EQ(BackgroundIndex(2), 4);
-    EXPECT_EQ(BackgroundIndex(3), 2); // beyond the pack: the formula again
+    EXPECT_EQ(BackgroundIndex(3), 2); // beyond the pack: the turn again
 }
 
-TEST_F(ThemeTest, ThemesByLevel) {
-    EXPECT_EQ(ThemeFor(1).name, "Wüstenpass");
-    EXPECT_EQ(ThemeFor(1).material, "Sandstein");
-    EXPECT_TRUE(ThemeFor(2).planks);
-    EXPECT_FALSE(ThemeFor(3).planks);
-    EXPECT_EQ(ThemeFor(5).name, "Vulkanhang");
-    // The volcano has sky colours of its own; the others share them.
-    EXPECT_EQ(ThemeFor(5).cloud, pge::Pixel(50, 34, 34, 140));
-    EXPECT_EQ(ThemeFor(4).cloud, pge::Pixel(255, 255, 255, 153));
-    EXPECT_EQ(&ThemeFor(7), &ThemeFor(2)); // built once, shared
-}
-
-TEST_F(ThemeTest, ImageKeyPrefersThePaintedTowerOnRings) {
+TEST_F(ThemeTest, ImageKeyPrefersThePaintedTowerOnRingsOnly) {
     const std::string root = MakeAssetRoot("theme_keys");
     const Theme& theme = ThemeFor(1);
     GetSettings().classic = 0;
@@ -73,22 +60,17 @@ TEST_F(ThemeTest, ColourCycleFile) {
     EXPECT_EQ(a[1].start, 30);
     EXPECT_EQ(a[1].direction, -1);
     EXPECT_EQ(&ColorCyclesFor("a.png"), &a); // the folder does not matter
-
     const TowerFrame fa = TowerFrameFor("some/folder/a.png");
     EXPECT_TRUE(fa.valid); // a later object without a frame keeps it
     EXPECT_FLOAT_EQ(fa.centre_x, 160.0f);
     EXPECT_FLOAT_EQ(fa.base_y, 180.0f);
-    const TowerFrame fb = TowerFrameFor("b.png");
-    EXPECT_TRUE(fb.valid); // the last frame wins
-    EXPECT_FLOAT_EQ(fb.centre_x, 5.0f);
-    EXPECT_FLOAT_EQ(fb.rim_y, 7.0f);
-    // Objects without numbers give zero ranges and one step direction.
+    EXPECT_FLOAT_EQ(TowerFrameFor("b.png").rim_y, 7.0f); // the last frame wins
+    // Objects without numbers give zero ranges stepping forward; fps 0 never steps.
     const std::vector<adv::PaletteCycle>& b = ColorCyclesFor("b.png");
     ASSERT_EQ(b.size(), 3u);
-    EXPECT_EQ(b[0].Frame(100.0f), 0); // fps 0 never steps
-    EXPECT_EQ(b[2].start, 0);
+    EXPECT_EQ(b[0].Frame(100.0f), 0);
+    EXPECT_EQ(b[2].end, 0);
     EXPECT_EQ(b[2].direction, 1);
-
     EXPECT_TRUE(ColorCyclesFor("c.png").empty());
     EXPECT_FALSE(TowerFrameFor("c.png").valid);
 }

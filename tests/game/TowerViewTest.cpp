@@ -1,5 +1,5 @@
-// Whole frames of the stage, compared with reference pictures, and the rules of
-// the marks on the wall that can be checked pixel by pixel.
+// Whole frames of the stage compared with reference pictures, and the marks on the
+// wall, each drawn with and without its cause over the same landscape.
 #include "game/Pieces.h"
 #include "game/RingCamera.h"
 #include "tests/game/TowerViewTestSupport.h"
@@ -12,25 +12,36 @@ namespace torvane {
 namespace {
 
 using testing_support::ExpectMatchesReference;
-using testing_support::MakeAssetRoot;
 
-// Lays a piece of the given cells moved by (x, y) on a tower.
-int Lay(Game& g, int tower, char type, int rotation, int x, int y, bool ruin = false) {
+// Lays a piece of the given rotation moved by (x, y) on a tower.
+int Lay(Game& g, int tower, char type, int rotation, int x, int y) {
     std::vector<Cell> cells = Rotated(type, rotation);
-    for (Cell& c : cells) {
-        c.x = g.WrapX(c.x + x);
-        c.y += y;
-    }
-    return g.AddPiece(tower, type, cells, ruin);
+    for (Cell& c : cells) c = Cell{g.WrapX(c.x + x), c.y + y};
+    return g.AddPiece(tower, type, cells, false);
 }
 
 class TowerViewFrameTest : public testing_support::TowerViewTest {
 protected:
-    void SetUp() override {
-        TowerViewTest::SetUp();
-        MakeAssetRoot("painted"); // no images: the painted landscape
+    // Draws at the camera's own start, or at `camera` when given.
+    void DrawAt(const Game& g, float time, float camera = -1.0f) {
+        RingCamera ring;
+        ring.Update(g, 0.0f);
+        view.Draw(engine, g, stage, time, camera >= 0.0f ? camera : ring.angle);
+    }
+    std::vector<pge::Pixel> Frame(const Game& g, float camera) {
+        DrawAt(g, 1.0f, camera);
+        return Screen().pColData;
     }
 };
+using TowerViewMarksTest = TowerViewFrameTest;
+
+// The screen pixels that differ between two frames.
+std::vector<pge::vi2d> Differences(const std::vector<pge::Pixel>& a, const std::vector<pge::Pixel>& b) {
+    std::vector<pge::vi2d> out;
+    for (int i = 0; i < static_cast<int>(a.size()); ++i)
+        if (a[static_cast<size_t>(i)] != b[static_cast<size_t>(i)]) out.push_back({i % 640, i / 640});
+    return out;
+}
 
 TEST_F(TowerViewFrameTest, RingBuildPhase) {
     GetSettings().classic = 0;
@@ -46,9 +57,7 @@ TEST_F(TowerViewFrameTest, RingBuildPhase) {
     g.clock = 4.0f;
     view.flashes.push_back({g.pieces.at(flashed).cells, 3.7f, 0});
     g.cursorX = 1;
-    RingCamera camera;
-    camera.Update(g, 0.0f);
-    view.Draw(engine, g, stage, 1.25f, camera.angle);
+    DrawAt(g, 1.25f);
     ExpectMatchesReference(Screen(), "ring_build");
 }
 
@@ -70,13 +79,10 @@ TEST_F(TowerViewFrameTest, RingAttackWithHoleAndTarget) {
     g.pieces.erase(hit);
     g.holes.push_back(Hole{1, 0, holeCells, 8.0f, 11.0f, 0});
     g.targets.push_back(Target{1, aimed, 0, 9.0f, 12.0f, g.pieces.at(aimed).cells, {}});
-    Target withPrep{2, prepped, 0, 9.5f, 13.0f, g.pieces.at(prepped).cells, {}};
-    withPrep.preps.push_back(Prep{'1', {g.pieces.at(prepped).cells[0]}});
-    g.targets.push_back(withPrep);
+    g.targets.push_back(Target{2, prepped, 0, 9.5f, 13.0f, g.pieces.at(prepped).cells,
+                               {Prep{'1', {g.pieces.at(prepped).cells[0]}}}});
     g.focus = {Focus::Hole, 1};
-    RingCamera camera;
-    camera.Update(g, 0.0f);
-    view.Draw(engine, g, stage, 2.0f, camera.angle);
+    DrawAt(g, 2.0f);
     ExpectMatchesReference(Screen(), "ring_attack");
 }
 
@@ -93,85 +99,57 @@ TEST_F(TowerViewFrameTest, ClassicLevelSevenWithFiveTowers) {
     g.activeTower = 2;
     g.cursorX = 3;
     g.clock = 2.0f;
-    view.Draw(engine, g, stage, 0.5f, 0.0f);
+    DrawAt(g, 0.5f, 0.0f);
     ExpectMatchesReference(Screen(), "classic_level7");
 }
 
-// The marks on the wall, each drawn once with and once without its cause; the
-// landscape is the same in both, so only the mark can make a difference.
-class TowerMarksTest : public TowerViewFrameTest {
-protected:
-    // Pixels of the screen that differ between two pictures.
-    static std::vector<pge::vi2d> Differences(const pge::Sprite& a, const pge::Sprite& b) {
-        std::vector<pge::vi2d> out;
-        for (int y = 0; y < a.height; ++y)
-            for (int x = 0; x < a.width; ++x)
-                if (a.GetPixel(x, y) != b.GetPixel(x, y)) out.push_back({x, y});
-        return out;
-    }
-    pge::Sprite Frame(const Game& g, float camera) {
-        view.Draw(engine, g, stage, 1.0f, camera);
-        pge::Sprite copy(Screen().width, Screen().height);
-        copy.pColData = Screen().pColData;
-        return copy;
-    }
-};
-
-TEST_F(TowerMarksTest, RedGapsEndBelowTheDefenceLine) {
-    GetSettings().classic = 0;
+TEST_F(TowerViewMarksTest, RedGapsEndBelowTheDefenceLine) {
     Game g = testing_support::RingGame(1);
     g.config.sectors.clear(); // every column is attacked
     g.phase = Phase::Eval;    // no marks outside the build and the attack
-    const pge::Sprite plain = Frame(g, 0.0f);
+    const std::vector<pge::Pixel> plain = Frame(g, 0.0f);
     g.phase = Phase::Attack;
-    const pge::Sprite marked = Frame(g, 0.0f);
-    const std::vector<pge::vi2d> diff = Differences(plain, marked);
+    const std::vector<pge::vi2d> diff = Differences(plain, Frame(g, 0.0f));
     ASSERT_FALSE(diff.empty());
     const TowerView::Geo geo = view.TowerGeo(view.layout, 0);
-    const float line = static_cast<float>(g.config.line);
     for (const pge::vi2d& p : diff) {
         // The line's ring at this x: baseY - cellH * line + ry cos(asin((x - cx) / rx)).
         const float n = (static_cast<float>(p.x) + 0.5f - geo.cx) / geo.rx;
         ASSERT_LT(std::fabs(n), 1.0f);
-        const float lineY = geo.baseY - geo.cellH * line + geo.ry * std::cos(std::asin(n));
+        const float lineY = geo.baseY - geo.cellH * static_cast<float>(g.config.line) + geo.ry * std::cos(std::asin(n));
         EXPECT_GE(static_cast<float>(p.y) + 0.5f, lineY - 1.0f) << p.x << "," << p.y;
     }
 }
 
-TEST_F(TowerMarksTest, OldFlashesDrawNothing) {
-    GetSettings().classic = 0;
+TEST_F(TowerViewMarksTest, FlashesOlderThanTheirTimeOrOffTheTowersDrawNothing) {
     Game g = testing_support::RingGame(1);
-    const int id = Lay(g, 0, 'O', 0, 0, 0);
+    const std::vector<Cell> cells = g.pieces.at(Lay(g, 0, 'O', 0, 0, 0)).cells;
     g.clock = 10.0f;
-    const pge::Sprite plain = Frame(g, 0.5f);
-    view.flashes.push_back({g.pieces.at(id).cells, 8.7f, 0}); // 1.3 seconds old
-    view.flashes.push_back({g.pieces.at(id).cells, 9.0f, 3}); // on a tower that does not exist
+    const std::vector<pge::Pixel> plain = Frame(g, 0.5f);
+    view.flashes.push_back({cells, 8.7f, 0}); // 1.3 seconds old
+    view.flashes.push_back({cells, 9.0f, 3}); // on a tower that does not exist
     EXPECT_TRUE(Differences(plain, Frame(g, 0.5f)).empty());
-    view.flashes.push_back({g.pieces.at(id).cells, 9.5f, 0});
+    view.flashes.push_back({cells, 9.5f, 0});
     EXPECT_FALSE(Differences(plain, Frame(g, 0.5f)).empty());
 }
 
-TEST_F(TowerMarksTest, GhostOnlyOnTheActiveTowerAndWhenItLands) {
-    GetSettings().classic = 1;
+TEST_F(TowerViewMarksTest, GhostOnlyOnTheActiveTowerAndWhenItLands) {
     Game g = testing_support::ClassicGame(2);
     ASSERT_EQ(g.config.towers, 2);
+    const std::vector<char> supply = g.supply;
     ASSERT_NE(g.SelectedType(), 0);
     g.cursorX = 2;
-    const pge::Sprite withGhost = Frame(g, 0.0f);
+    const std::vector<pge::Pixel> withGhost = Frame(g, 0.0f);
     const TowerView::Geo right = view.TowerGeo(view.layout, 1);
-    const float rightEdge = right.cx - std::sin(right.halfAngle) * right.rx;
-    // Without a piece in hand nothing of the ghost is drawn.
-    std::vector<char> supply = g.supply;
-    g.supply.clear();
-    std::vector<pge::vi2d> diff = Differences(withGhost, Frame(g, 0.0f));
+    g.supply.clear(); // no piece in hand: no ghost
+    const std::vector<pge::vi2d> diff = Differences(withGhost, Frame(g, 0.0f));
     ASSERT_FALSE(diff.empty());
-    for (const pge::vi2d& p : diff) EXPECT_LT(static_cast<float>(p.x), rightEdge) << "ghost off the active tower";
-    // A column filled to the top leaves no landing row: GhostY is negative, no ghost.
+    for (const pge::vi2d& p : diff) EXPECT_LT(p.x, right.cx - std::sin(right.halfAngle) * right.rx) << "off tower 0";
+    // A tower filled to the top leaves no landing row: GhostY is negative, no ghost.
     g.supply = supply;
-    for (int x = 0; x < g.config.width; ++x)
-        for (int y = 0; y < g.config.height; ++y) g.AddPiece(0, '1', {{x, y}}, false);
+    for (int x = 0; x < g.config.width; ++x) testing_support::FillColumn(g, 0, x, 0, g.config.height);
     ASSERT_LT(g.GhostY(), 0);
-    const pge::Sprite full = Frame(g, 0.0f);
+    const std::vector<pge::Pixel> full = Frame(g, 0.0f);
     g.supply.clear();
     EXPECT_TRUE(Differences(full, Frame(g, 0.0f)).empty());
 }
