@@ -1,6 +1,6 @@
 #pragma once
-// Shared set-up for the rules tests: settings that are restored after each
-// test, towers laid by hand, and views of the event queue.
+// Shared set-up for the rules tests: settings restored after each test, walls
+// laid by hand, the clock run forward and views of the event queue.
 #include "game/Lang.h"
 #include "game/Level.h"
 #include "game/LevelPack.h"
@@ -8,13 +8,13 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
 namespace torvane::testing_support {
 
-// Restores the global settings, language and active pack after each test; the
-// texts of the game are checked in German, its source language.
+// Restores the settings, language and pack; texts are checked in German, the source language.
 class RulesTest : public ::testing::Test {
 protected:
     void SetUp() override {
@@ -34,45 +34,27 @@ private:
     Language savedLanguage_ = Language::English;
 };
 
-// Empties every tower and the piece map, keeping sizes and ids running.
-inline void ClearTowers(Game& g) {
-    g.pieces.clear();
-    for (Tower& t : g.towers) std::fill(t.cells.begin(), t.cells.end(), 0);
-}
-
-// A game in the classic rule set at `level`, its towers emptied and its events taken.
-inline Game ClassicGame(int level, unsigned seed = 1) {
-    GetSettings().classic = 1;
+// A game at `level` of the chosen rule set with empty towers and no events.
+inline Game EmptyGame(bool classic, int level, unsigned seed = 1) {
+    GetSettings().classic = classic ? 1 : 0;
     Game g(seed);
     g.StartLevel(level);
-    ClearTowers(g);
+    g.DebugClearTowers();
     g.TakeEvents();
     return g;
 }
-
-// A ring game at `level` with empty walls and no events.
-inline Game RingGame(int level, unsigned seed = 1) {
-    GetSettings().classic = 0;
-    Game g(seed);
-    g.StartLevel(level);
-    ClearTowers(g);
-    g.TakeEvents();
-    return g;
-}
+inline Game ClassicGame(int level) { return EmptyGame(true, level); }
+inline Game RingGame(int level) { return EmptyGame(false, level); }
 
 inline void Fill(Game& g, int tower, int x, int y) { g.AddPiece(tower, '1', {{x, y}}, false); }
-
 // Fills rows [y0, y1) of column x.
 inline void FillColumn(Game& g, int tower, int x, int y0, int y1) {
     for (int y = y0; y < y1; ++y) Fill(g, tower, x, y);
 }
-
 inline bool Occupied(const Game& g, int tower, int x, int y) { return g.CellAt(tower, x, y) != 0; }
-
 inline int CountCells(const Game& g, int tower) {
-    int n = 0;
-    for (int id : g.towers[tower].cells) n += id != 0;
-    return n;
+    return static_cast<int>(g.towers[tower].cells.size()) -
+           static_cast<int>(std::count(g.towers[tower].cells.begin(), g.towers[tower].cells.end(), 0));
 }
 
 inline std::vector<std::string> Texts(const std::vector<Event>& events, Event::Kind kind) {
@@ -81,31 +63,77 @@ inline std::vector<std::string> Texts(const std::vector<Event>& events, Event::K
         if (e.kind == kind) out.push_back(e.text);
     return out;
 }
-
 inline std::vector<Sfx> Sounds(const std::vector<Event>& events) {
     std::vector<Sfx> out;
     for (const Event& e : events)
         if (e.kind == Event::Sound) out.push_back(e.sfx);
     return out;
 }
+inline int CountSound(const std::vector<Event>& events, Sfx sfx) {
+    const std::vector<Sfx> s = Sounds(events);
+    return static_cast<int>(std::count(s.begin(), s.end(), sfx));
+}
+inline bool HasText(const std::vector<Event>& events, const std::string& text) {
+    return std::any_of(events.begin(), events.end(), [&](const Event& e) { return e.text == text; });
+}
+inline std::vector<Cell> Sorted(std::vector<Cell> cells) {
+    std::sort(cells.begin(), cells.end());
+    return cells;
+}
 
 // Grid and piece map agree: a cell holds id n exactly when pieces[n] lists it.
 inline ::testing::AssertionResult GridMatchesPieces(const Game& g) {
-    size_t listed = 0;
+    size_t listed = 0, occupied = 0;
     for (const auto& [id, piece] : g.pieces) {
-        if (piece.cells.empty()) return ::testing::AssertionFailure() << "piece " << id << " has no cells";
-        for (const Cell& c : piece.cells) {
+        for (const Cell& c : piece.cells)
             if (g.CellAt(piece.tower, c.x, c.y) != id)
-                return ::testing::AssertionFailure()
-                       << "piece " << id << " lists (" << c.x << "," << c.y << ") but the grid disagrees";
-        }
+                return ::testing::AssertionFailure() << "piece " << id << " at " << c.x << "," << c.y;
         listed += piece.cells.size();
     }
-    size_t occupied = 0;
     for (int t = 0; t < static_cast<int>(g.towers.size()); ++t) occupied += CountCells(g, t);
-    if (occupied != listed)
-        return ::testing::AssertionFailure() << occupied << " grid cells, " << listed << " listed";
+    if (occupied != listed) return ::testing::AssertionFailure() << occupied << " cells, " << listed << " listed";
     return ::testing::AssertionSuccess();
 }
+
+// A ring level 1 at default settings with an empty wall and no supply.
+class AttackFixture : public RulesTest {
+protected:
+    Game game{7};
+
+    void SetUp() override {
+        RulesTest::SetUp();
+        GetSettings() = Settings{};
+        game.NewGame();
+        game.DebugClearTowers();
+        game.supply.clear();
+        game.selected = 0;
+        game.TakeEvents();
+    }
+    // A horizontal run of `n` cells from (x, y), wrapped on the ring.
+    std::vector<Cell> Row(int x, int y, int n) const {
+        std::vector<Cell> cells;
+        for (int i = 0; i < n; ++i) cells.push_back(Cell{game.WrapX(x + i), y});
+        return cells;
+    }
+    int Put(char type, const std::vector<Cell>& cells) {
+        const int id = game.nextPieceId;
+        game.DebugPlace(0, type, cells);
+        return id;
+    }
+    // An attack with no shots of its own: only FireAt fires, and one shot stays
+    // owed to a wave that never comes, so the attack does not end.
+    void QuietAttack() {
+        game.config.shots = game.config.spareOnes = game.config.spareTwos = 0;
+        game.phase = Phase::Announce;
+        game.BeginAttack();
+        game.shotsLeft = 1;
+        game.TakeEvents();
+    }
+    void AdvanceTo(float t) { game.Update(std::max(t - game.clock, 0.0f)); }
+    void HitNow(int piece) {
+        game.FireAt(piece);
+        AdvanceTo(game.targets.back().hitAt);
+    }
+};
 
 } // namespace torvane::testing_support
