@@ -12,30 +12,19 @@
 namespace {
 
 using Bytes = std::vector<uint8_t>;
+constexpr int kW = 7, kH = 5;
 
 void PutU32(Bytes& out, uint32_t v) {
     for (int shift = 24; shift >= 0; shift -= 8) out.push_back(uint8_t(v >> shift));
 }
 
-// A zlib stream of stored (uncompressed) deflate blocks.
+// A zlib stream of one stored (uncompressed) deflate block.
 Bytes Zlib(const Bytes& raw) {
-    Bytes out = {0x78, 0x01};
-    size_t at = 0;
-    do {
-        const size_t n = std::min<size_t>(raw.size() - at, 65535);
-        out.push_back(at + n == raw.size() ? 1 : 0);
-        out.push_back(uint8_t(n));
-        out.push_back(uint8_t(n >> 8));
-        out.push_back(uint8_t(~n));
-        out.push_back(uint8_t(~n >> 8));
-        out.insert(out.end(), raw.begin() + long(at), raw.begin() + long(at + n));
-        at += n;
-    } while (at < raw.size());
+    const size_t n = raw.size();
+    Bytes out = {0x78, 0x01, 1, uint8_t(n), uint8_t(n >> 8), uint8_t(~n), uint8_t(~n >> 8)};
+    out.insert(out.end(), raw.begin(), raw.end());
     uint32_t a = 1, b = 0;
-    for (uint8_t byte : raw) {
-        a = (a + byte) % 65521;
-        b = (b + a) % 65521;
-    }
+    for (uint8_t byte : raw) b = (b + (a = (a + byte) % 65521)) % 65521;
     PutU32(out, b << 16 | a);
     return out;
 }
@@ -56,219 +45,144 @@ Bytes Header(int w, int h, uint8_t depth = 8, uint8_t colourType = 3, uint8_t in
     return d;
 }
 
-const Bytes kSignature = {0x89, 0x50, 0x4E, 0x47, 0x0D, 0x0A, 0x1A, 0x0A};
-
-// The encoder side of the PNG filters, one byte per pixel.
-Bytes Filter(const Bytes& pixels, int w, int h, const std::vector<uint8_t>& filterPerRow) {
+// The encoder side of the PNG filters, one byte per pixel, filter type filters[y % size] on row y.
+Bytes Filter(const Bytes& px, const Bytes& filters) {
     Bytes out;
-    for (int y = 0; y < h; ++y) {
-        const uint8_t f = filterPerRow[size_t(y) % filterPerRow.size()];
+    for (int y = 0; y < kH; ++y) {
+        const uint8_t f = filters[size_t(y) % filters.size()];
         out.push_back(f);
-        for (int x = 0; x < w; ++x) {
-            const int cur = pixels[size_t(y * w + x)];
-            const int a = x > 0 ? pixels[size_t(y * w + x - 1)] : 0;
-            const int b = y > 0 ? pixels[size_t((y - 1) * w + x)] : 0;
-            const int c = x > 0 && y > 0 ? pixels[size_t((y - 1) * w + x - 1)] : 0;
-            int pred = 0;
-            if (f == 1) pred = a;
-            if (f == 2) pred = b;
-            if (f == 3) pred = (a + b) >> 1;
-            if (f == 4) {
-                const int p = a + b - c, pa = std::abs(p - a), pb = std::abs(p - b), pc = std::abs(p - c);
-                pred = (pa <= pb && pa <= pc) ? a : (pb <= pc ? b : c);
-            }
-            out.push_back(uint8_t(cur - pred));
+        for (int x = 0; x < kW; ++x) {
+            const auto at = [&](int dx, int dy) { return x >= dx && y >= dy ? px[size_t((y - dy) * kW + x - dx)] : 0; };
+            const int a = at(1, 0), b = at(0, 1), c = at(1, 1), p = a + b - c;
+            const int pa = std::abs(p - a), pb = std::abs(p - b), pc = std::abs(p - c);
+            const int pred[5] = {0, a, b, (a + b) >> 1, (pa <= pb && pa <= pc) ? a : (pb <= pc ? b : c)};
+            out.push_back(uint8_t(at(0, 0) - pred[f]));
         }
     }
     return out;
 }
 
+// Entry i is (i, 255 - i, 7 i).
 Bytes Palette(int entries) {
-    Bytes d;
-    for (int i = 0; i < entries; ++i) {
-        d.push_back(uint8_t(i));
-        d.push_back(uint8_t(255 - i));
-        d.push_back(uint8_t(i * 7));
-    }
+    Bytes d(size_t(entries) * 3);
+    for (size_t i = 0; i < d.size(); ++i) d[i] = uint8_t(i % 3 == 0 ? i / 3 : i % 3 == 1 ? 255 - i / 3 : i / 3 * 7);
     return d;
 }
 
-Bytes TestPixels(int w, int h) {
+const Bytes kPixels = [] {
     std::mt19937 rng(1234);
-    Bytes p(size_t(w * h));
+    Bytes p(kW * kH);
     for (uint8_t& v : p) v = uint8_t(rng());
     return p;
-}
+}();
 
-Bytes PngFile(const Bytes& header, const Bytes& palette, const Bytes& idat) {
-    Bytes file = kSignature;
+Bytes Png(const Bytes& header, const Bytes& palette, const Bytes& idat, const Bytes& trns = {}) {
+    Bytes file = {0x89, 0x50, 0x4E, 0x47, 0x0D, 0x0A, 0x1A, 0x0A};
     Chunk(file, "IHDR", header);
+    Chunk(file, "tEXt", {'h', 'i'}); // unknown chunks are skipped
     if (!palette.empty()) Chunk(file, "PLTE", palette);
-    Chunk(file, "IDAT", idat);
+    if (!trns.empty()) Chunk(file, "tRNS", trns);
+    if (!idat.empty()) { // split over two chunks
+        Chunk(file, "IDAT", Bytes(idat.begin(), idat.begin() + long(idat.size() / 2)));
+        Chunk(file, "IDAT", Bytes(idat.begin() + long(idat.size() / 2), idat.end()));
+    }
     Chunk(file, "IEND", {});
     return file;
 }
 
-std::string Write(const std::string& name, const Bytes& bytes) {
-    const std::string path = std::string(TORVANE_BINARY_DIR) + "/indexed_test_" + name + ".png";
-    std::ofstream(path, std::ios::binary | std::ios::trunc).write(reinterpret_cast<const char*>(bytes.data()),
-                                                                 std::streamsize(bytes.size()));
-    return path;
-}
-
-bool LoadBytes(const std::string& name, const Bytes& bytes, adv::IndexedImage* into = nullptr) {
+// The bytes loaded as a file, into *image when given.
+bool Load(const Bytes& bytes, adv::IndexedImage* image = nullptr) {
     adv::IndexedImage local;
-    adv::IndexedImage& image = into ? *into : local;
-    const std::string path = Write(name, bytes);
-    const bool ok = image.Load(path);
+    const std::string path = std::string(TORVANE_BINARY_DIR) + "/indexed_test.png";
+    std::ofstream(path, std::ios::binary | std::ios::trunc)
+        .write(reinterpret_cast<const char*>(bytes.data()), std::streamsize(bytes.size()));
+    const bool ok = (image ? *image : local).Load(path);
     std::remove(path.c_str());
     return ok;
 }
 
-constexpr int kW = 7, kH = 5;
-
 } // namespace
 
-TEST(IndexedImageLoad, EveryFilterTypeGivesBackTheIndices) {
-    const Bytes pixels = TestPixels(kW, kH);
-    const std::vector<std::vector<uint8_t>> filterSets = {{0}, {1}, {2}, {3}, {4}, {4, 3, 2, 1, 0}};
-    for (const auto& filters : filterSets) {
+TEST(IndexedImageLoad, EveryFilterTypeAndPaletteGiveBackTheFile) {
+    for (const Bytes& filters : {Bytes{0}, Bytes{1}, Bytes{2}, Bytes{3}, Bytes{4}, Bytes{4, 3, 2, 1, 0}}) {
         adv::IndexedImage image;
-        ASSERT_TRUE(LoadBytes("filter", PngFile(Header(kW, kH), Palette(256), Zlib(Filter(pixels, kW, kH, filters))),
-                              &image))
-            << int(filters[0]);
+        ASSERT_TRUE(Load(Png(Header(kW, kH), Palette(256), Zlib(Filter(kPixels, filters))), &image)) << int(filters[0]);
         EXPECT_EQ(image.width, kW);
         EXPECT_EQ(image.height, kH);
-        EXPECT_EQ(image.pixels, pixels) << "filter " << int(filters[0]);
+        EXPECT_EQ(image.pixels, kPixels) << "filter " << int(filters[0]);
         EXPECT_EQ(image.palette[200], pge::Pixel(200, 55, uint8_t(200 * 7), 255));
     }
-}
-
-TEST(IndexedImageLoad, DataSplitOverChunksAndUnknownChunksSkipped) {
-    const Bytes pixels = TestPixels(kW, kH);
-    const Bytes z = Zlib(Filter(pixels, kW, kH, {2}));
-    Bytes file = kSignature;
-    Chunk(file, "IHDR", Header(kW, kH));
-    Chunk(file, "tEXt", {'h', 'i'});
-    Chunk(file, "IDAT", Bytes(z.begin(), z.begin() + 10));
-    Chunk(file, "IDAT", Bytes(z.begin() + 10, z.end()));
-    Chunk(file, "IEND", {});
+    // A short palette with transparency; the rest of the entries, and all without PLTE, are opaque black.
     adv::IndexedImage image;
-    ASSERT_TRUE(LoadBytes("split", file, &image));
-    EXPECT_EQ(image.pixels, pixels);
-    // Without PLTE every entry is opaque black.
-    for (const pge::Pixel& p : image.palette) EXPECT_EQ(p, pge::Pixel(0, 0, 0, 255));
-}
-
-TEST(IndexedImageLoad, ShortPaletteAndTransparency) {
-    const Bytes pixels = TestPixels(kW, kH);
-    Bytes file = kSignature;
-    Chunk(file, "IHDR", Header(kW, kH));
-    Chunk(file, "PLTE", Palette(3));
-    Chunk(file, "tRNS", {0, 128});
-    Chunk(file, "IDAT", Zlib(Filter(pixels, kW, kH, {0})));
-    Chunk(file, "IEND", {});
-    adv::IndexedImage image;
-    ASSERT_TRUE(LoadBytes("short_palette", file, &image));
+    ASSERT_TRUE(Load(Png(Header(kW, kH), Palette(3), Zlib(Filter(kPixels, {0})), {0, 128}), &image));
     EXPECT_EQ(image.palette[0], pge::Pixel(0, 255, 0, 0));
     EXPECT_EQ(image.palette[1], pge::Pixel(1, 254, 7, 128));
     EXPECT_EQ(image.palette[2], pge::Pixel(2, 253, 14, 255));
-    for (size_t i = 3; i < 256; ++i) EXPECT_EQ(image.palette[i], pge::Pixel(0, 0, 0, 255)) << i;
+    ASSERT_TRUE(Load(Png(Header(kW, kH), {}, Zlib(Filter(kPixels, {2}))), &image));
+    for (const pge::Pixel& p : image.palette) EXPECT_EQ(p, pge::Pixel(0, 0, 0, 255));
 }
 
-TEST(IndexedImageLoad, OtherKindsOfPictureAreRefused) {
-    const Bytes raw = Filter(TestPixels(kW, kH), kW, kH, {0});
-    EXPECT_FALSE(LoadBytes("rgb", PngFile(Header(kW, kH, 8, 2), {}, Zlib(Bytes(size_t(kW * 3 + 1) * kH, 0)))));
-    EXPECT_FALSE(LoadBytes("four_bit", PngFile(Header(kW, kH, 4, 3), Palette(16), Zlib(raw))));
-    EXPECT_FALSE(LoadBytes("interlaced", PngFile(Header(kW, kH, 8, 3, 1), Palette(16), Zlib(raw))));
-    EXPECT_FALSE(LoadBytes("zero_width", PngFile(Header(0, kH), Palette(16), Zlib(raw))));
-    EXPECT_FALSE(LoadBytes("huge_height", PngFile(Header(kW, -1), Palette(16), Zlib(raw))));
-}
-
-TEST(IndexedImageLoad, BrokenFilesFailWithoutCrashing) {
-    const Bytes pixels = TestPixels(kW, kH);
-    const Bytes raw = Filter(pixels, kW, kH, {1});
-    const Bytes good = PngFile(Header(kW, kH), Palette(256), Zlib(raw));
-    ASSERT_TRUE(LoadBytes("good", good));
-
+TEST(IndexedImageLoad, OtherKindsAndBrokenFilesFailWithoutCrashing) {
+    const Bytes raw = Filter(kPixels, {1});
+    const Bytes good = Png(Header(kW, kH), Palette(256), Zlib(raw));
+    ASSERT_TRUE(Load(good));
+    EXPECT_FALSE(Load(Png(Header(kW, kH, 8, 2), {}, Zlib(Bytes(size_t(kW * 3 + 1) * kH, 0))))); // RGB
+    EXPECT_FALSE(Load(Png(Header(kW, kH, 4, 3), Palette(16), Zlib(raw))));
+    EXPECT_FALSE(Load(Png(Header(kW, kH, 8, 3, 1), Palette(16), Zlib(raw)))); // interlaced
+    EXPECT_FALSE(Load(Png(Header(0, kH), Palette(16), Zlib(raw))));
+    EXPECT_FALSE(Load(Png(Header(kW, -1), Palette(16), Zlib(raw))));
     EXPECT_FALSE(adv::IndexedImage().Load(std::string(TORVANE_BINARY_DIR) + "/indexed_test_missing.png"));
-    EXPECT_FALSE(LoadBytes("tiny", Bytes(kSignature.begin(), kSignature.begin() + 7)));
-    Bytes wrongSignature = good;
-    wrongSignature[1] = 'Q';
-    EXPECT_FALSE(LoadBytes("signature", wrongSignature));
+    EXPECT_FALSE(Load(Bytes(good.begin(), good.begin() + 7)));
+    Bytes damaged = good;
+    damaged[1] = 'Q';
+    EXPECT_FALSE(Load(damaged));
+    EXPECT_FALSE(Load(Png(Header(kW, kH), Palette(4), {}))); // no data at all
+    EXPECT_FALSE(Load(Bytes(good.begin(), good.end() - 20))); // the last IDAT runs past the end
+    damaged = good;
+    damaged[8] = 0x7F; // IHDR claims about two gigabytes
+    EXPECT_FALSE(Load(damaged));
+    EXPECT_FALSE(Load(Png(Header(kW, kH), Palette(4), Zlib(Bytes(raw.begin(), raw.end() - 1))))); // truncated rows
+    damaged = raw;
+    damaged[size_t(kW + 1) * 2] = 5; // no such filter
+    EXPECT_FALSE(Load(Png(Header(kW, kH), Palette(4), Zlib(damaged))));
+    EXPECT_FALSE(Load(Png(Header(kW, kH), Palette(4), Bytes(40, 0xAB)))); // not zlib
 
-    Bytes noData = kSignature;
-    Chunk(noData, "IHDR", Header(kW, kH));
-    Chunk(noData, "PLTE", Palette(4));
-    Chunk(noData, "IEND", {});
-    EXPECT_FALSE(LoadBytes("no_idat", noData));
-
-    // Cut inside the IDAT chunk: its data runs past the end of the file.
-    EXPECT_FALSE(LoadBytes("cut", Bytes(good.begin(), good.end() - 20)));
-    Bytes overlong = good;
-    overlong[8] = 0x7F; // IHDR claims about two gigabytes
-    EXPECT_FALSE(LoadBytes("overlong", overlong));
-
-    // Inflates fine, but one row short.
-    EXPECT_FALSE(LoadBytes("short_data", PngFile(Header(kW, kH), Palette(4), Zlib(Bytes(raw.begin(), raw.end() - 1)))));
-    Bytes badFilter = raw;
-    badFilter[size_t(kW + 1) * 2] = 5;
-    EXPECT_FALSE(LoadBytes("filter5", PngFile(Header(kW, kH), Palette(4), Zlib(badFilter))));
-    EXPECT_FALSE(LoadBytes("not_zlib", PngFile(Header(kW, kH), Palette(4), Bytes(40, 0xAB))));
-
-    // Random damage anywhere must never crash; whatever loads has the promised size.
     std::mt19937 rng(99);
     for (int round = 0; round < 300; ++round) {
-        Bytes damaged = good;
+        damaged = good;
         for (int k = 0; k < 3; ++k) damaged[8 + rng() % (damaged.size() - 8)] = uint8_t(rng());
         adv::IndexedImage image;
-        if (LoadBytes("damaged", damaged, &image)) {
-            ASSERT_GE(image.width, 1);
+        if (Load(damaged, &image)) {
             ASSERT_EQ(image.pixels.size(), size_t(image.width) * size_t(image.height));
         }
     }
 }
 
-TEST(PaletteCycleFrame, RotationOverTime) {
-    const adv::PaletteCycle down{0, 3, 2.0f, -1};
-    EXPECT_EQ(down.Frame(0.0f), 0);
-    EXPECT_EQ(down.Frame(0.5f), 3);
-    EXPECT_EQ(down.Frame(1.0f), 2);
-    const adv::PaletteCycle up{0, 3, 2.0f, 1};
-    EXPECT_EQ(up.Frame(0.0f), 0);
-    EXPECT_EQ(up.Frame(0.5f), 1);
-    EXPECT_EQ(up.Frame(0.99f), 1);
-    EXPECT_EQ(up.Frame(2.0f), 0);
-    // floor(-1) = -1 steps: one back, still inside the range.
-    EXPECT_EQ(up.Frame(-0.5f), 3);
-    EXPECT_EQ(down.Frame(-0.5f), 1);
+TEST(PaletteCycle, FrameOverTimeAndRangesReadOnlyTheOriginal) {
+    const adv::PaletteCycle up{0, 3, 2.0f, 1}, down{0, 3, 2.0f, -1};
+    const float times[] = {0.0f, 0.5f, 0.99f, 2.0f, -0.5f};
+    const int ups[] = {0, 1, 1, 0, 3}, downs[] = {0, 3, 3, 0, 1}; // floor(time * fps) steps, wrapped
+    for (size_t i = 0; i < 5; ++i) {
+        EXPECT_EQ(up.Frame(times[i]), ups[i]) << times[i];
+        EXPECT_EQ(down.Frame(times[i]), downs[i]) << times[i];
+    }
     EXPECT_EQ(adv::PaletteCycle({0, 3, 0.0f, 1}).Frame(5.0f), 0);
     EXPECT_EQ(adv::PaletteCycle({5, 4, 2.0f, 1}).Frame(5.0f), 0);
-    EXPECT_EQ(adv::PaletteCycle({10, 10, 2.0f, 1}).Frame(5.0f), 0);
     const int far = up.Frame(1e30f);
     EXPECT_TRUE(far >= 0 && far < 4);
-}
 
-TEST(PaletteCycleApply, RangesReadOnlyTheOriginalPalette) {
     adv::IndexedImage image;
     for (size_t i = 0; i < 256; ++i) image.palette[i] = pge::Pixel(uint8_t(i), 0, 0, 255);
-    const auto red = [](const std::array<pge::Pixel, 256>& p, size_t i) { return int(p[i].r); };
-
-    // One step of +1 moves each colour one index lower.
-    auto p = image.CycledPalette({{4, 7, 1.0f, 1}}, 1.0f);
-    EXPECT_EQ(red(p, 3), 3);
-    EXPECT_EQ(red(p, 4), 5);
-    EXPECT_EQ(red(p, 5), 6);
-    EXPECT_EQ(red(p, 6), 7);
-    EXPECT_EQ(red(p, 7), 4);
-    EXPECT_EQ(red(p, 8), 8);
-
-    // Overlapping ranges do not compound; the later one wins where they meet.
-    p = image.CycledPalette({{0, 3, 1.0f, 1}, {2, 5, 1.0f, 1}}, 1.0f);
-    const int expected[6] = {1, 2, 3, 4, 5, 2};
-    for (size_t i = 0; i < 6; ++i) EXPECT_EQ(red(p, i), expected[i]) << i;
-
-    // Single-colour and out-of-range cycles change nothing.
-    p = image.CycledPalette({{10, 10, 5.0f, 1}, {-1, 3, 1.0f, 1}, {250, 256, 1.0f, 1}}, 1.0f);
-    for (size_t i = 0; i < 256; ++i) EXPECT_EQ(red(p, i), int(i));
+    const auto reds = [&](const std::vector<adv::PaletteCycle>& cycles, size_t count) {
+        const auto p = image.CycledPalette(cycles, 1.0f);
+        std::vector<int> r;
+        for (size_t i = 0; i < count; ++i) r.push_back(p[i].r);
+        return r;
+    };
+    // One step of +1 moves each colour one index lower; overlapping ranges do not compound, the later wins.
+    EXPECT_EQ(reds({{4, 7, 1.0f, 1}}, 9), (std::vector<int>{0, 1, 2, 3, 5, 6, 7, 4, 8}));
+    EXPECT_EQ(reds({{0, 3, 1.0f, 1}, {2, 5, 1.0f, 1}}, 6), (std::vector<int>{1, 2, 3, 4, 5, 2}));
+    std::vector<int> identity(256);
+    for (int i = 0; i < 256; ++i) identity[size_t(i)] = i;
+    EXPECT_EQ(reds({{10, 10, 5.0f, 1}, {-1, 3, 1.0f, 1}, {250, 256, 1.0f, 1}}, 256), identity);
 }
