@@ -1,17 +1,48 @@
-// Whole frames of the stage compared with reference pictures, and the marks on the
-// wall, each drawn with and without its cause over the same landscape.
+// The stage: whole frames compared with reference pictures, the marks on the wall,
+// the ray-cast wall itself and the landscape behind it.
+#include "engine/Screenshot.h"
 #include "game/Pieces.h"
 #include "game/RingCamera.h"
+#include "pge/Headless.h"
 #include "tests/game/TowerViewTestSupport.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdlib>
+#include <set>
 
 namespace torvane {
 namespace {
 
-using testing_support::ExpectMatchesReference;
+using Pixels = std::vector<pge::Pixel>;
+
+// The screen against tests/reference/<name>.png, colour channels each within 2. A
+// failure writes <name>-actual.png and <name>-diff.png (differing pixels red) into the
+// build folder; with TORVANE_UPDATE_REFERENCES set the reference is rewritten.
+void ExpectMatchesReference(const pge::Sprite& actual, const std::string& name) {
+    const std::string reference = std::string(TORVANE_SOURCE_DIR) + "/tests/reference/" + name + ".png";
+    if (std::getenv("TORVANE_UPDATE_REFERENCES")) {
+        ASSERT_TRUE(adv::screenshot::SavePng(actual, reference));
+        return;
+    }
+    const pge::Sprite expected(reference);
+    ASSERT_EQ(expected.pColData.size(), actual.pColData.size()) << reference;
+    pge::Sprite diff(actual.width, actual.height);
+    int differing = 0;
+    for (size_t i = 0; i < actual.pColData.size(); ++i) {
+        const pge::Pixel a = actual.pColData[i], e = expected.pColData[i];
+        const bool same = std::abs(a.r - e.r) <= 2 && std::abs(a.g - e.g) <= 2 && std::abs(a.b - e.b) <= 2;
+        differing += same ? 0 : 1;
+        diff.pColData[i] = same ? pge::Pixel(e.r / 4, e.g / 4, e.b / 4) : pge::Pixel(255, 0, 0);
+    }
+    const std::string out = std::string(TORVANE_BINARY_DIR) + "/tower_view_tests/" + name;
+    if (differing > 0) {
+        adv::screenshot::SavePng(actual, out + "-actual.png");
+        adv::screenshot::SavePng(diff, out + "-diff.png");
+    }
+    EXPECT_EQ(differing, 0) << name << ": see " << out << "-diff.png";
+}
 
 // Lays a piece of the given rotation moved by (x, y) on a tower.
 int Lay(Game& g, int tower, char type, int rotation, int x, int y) {
@@ -20,56 +51,71 @@ int Lay(Game& g, int tower, char type, int rotation, int x, int y) {
     return g.AddPiece(tower, type, cells, false);
 }
 
-class TowerViewFrameTest : public testing_support::TowerViewTest {
-protected:
-    // Draws at the camera's own start, or at `camera` when given.
-    void DrawAt(const Game& g, float time, float camera = -1.0f) {
-        RingCamera ring;
-        ring.Update(g, 0.0f);
-        view.Draw(engine, g, stage, time, camera >= 0.0f ? camera : ring.angle);
-    }
-    std::vector<pge::Pixel> Frame(const Game& g, float camera) {
-        DrawAt(g, 1.0f, camera);
-        return Screen().pColData;
-    }
-};
-using TowerViewMarksTest = TowerViewFrameTest;
-
 // The screen pixels that differ between two frames.
-std::vector<pge::vi2d> Differences(const std::vector<pge::Pixel>& a, const std::vector<pge::Pixel>& b) {
+std::vector<pge::vi2d> Differences(const Pixels& a, const Pixels& b) {
     std::vector<pge::vi2d> out;
     for (int i = 0; i < static_cast<int>(a.size()); ++i)
         if (a[static_cast<size_t>(i)] != b[static_cast<size_t>(i)]) out.push_back({i % 640, i / 640});
     return out;
 }
 
+struct DrawOnlyEngine : pge::PixelEngine {
+    bool OnUserCreate() override { return true; }
+};
+
+// A headless engine with its 640 by 400 draw target and an empty asset tree: the
+// painted landscape.
+class TowerViewFrameTest : public testing_support::RulesTest {
+protected:
+    void SetUp() override {
+        RulesTest::SetUp();
+        testing_support::MakeAssetRoot("painted");
+        ASSERT_TRUE(run.Create());
+    }
+    pge::Sprite& Screen() { return *engine.GetDrawTarget(); }
+    // Draws at the camera's own start, or at `camera` when given.
+    Pixels DrawAt(const Game& g, float time, float camera = -1.0f) {
+        RingCamera ring;
+        ring.Update(g, 0.0f);
+        view.Draw(engine, g, stage, time, camera >= 0.0f ? camera : ring.angle);
+        return Screen().pColData;
+    }
+    // A game at `level` as it starts, before any clearing.
+    static Game Started(bool classic, unsigned seed, int level) {
+        GetSettings().classic = classic ? 1 : 0;
+        Game g(seed);
+        g.StartLevel(level);
+        return g;
+    }
+
+    DrawOnlyEngine engine;
+    pge::Headless run{engine};
+    TowerView view;
+    const StageRect stage{0, 18, 640, 368};
+};
+using TowerViewMarksTest = TowerViewFrameTest;
+using BackgroundTest = TowerViewFrameTest;
+
 TEST_F(TowerViewFrameTest, RingBuildPhase) {
-    GetSettings().classic = 0;
-    Game g(7);
-    g.StartLevel(1);
-    ASSERT_EQ(g.phase, Phase::Build);
+    Game g = Started(false, 7, 1);
     const int top = g.ColumnTop(0, 0);
     Lay(g, 0, 'O', 0, 0, top);
     Lay(g, 0, 'T', 0, 2, top);
     Lay(g, 0, 'I', 1, 30, top);
     Lay(g, 0, 'L', 0, 5, top + 2); // over a gap
-    const int flashed = Lay(g, 0, 'S', 0, 27, top);
     g.clock = 4.0f;
-    view.flashes.push_back({g.pieces.at(flashed).cells, 3.7f, 0});
+    view.flashes.push_back({g.pieces.at(Lay(g, 0, 'S', 0, 27, top)).cells, 3.7f, 0});
     g.cursorX = 1;
     DrawAt(g, 1.25f);
     ExpectMatchesReference(Screen(), "ring_build");
 }
 
 TEST_F(TowerViewFrameTest, RingAttackWithHoleAndTarget) {
-    GetSettings().classic = 0;
-    Game g(11);
-    g.StartLevel(2);
+    Game g = Started(false, 11, 2);
     const int top = g.ColumnTop(0, 0);
     for (int x = 0; x < 32; x += 2) Lay(g, 0, 'O', 0, x, top);
     Lay(g, 0, 'I', 0, 0, top + 2);
-    const int hit = Lay(g, 0, 'I', 0, 4, top + 2);
-    const int aimed = Lay(g, 0, 'T', 0, 28, top + 2);
+    const int hit = Lay(g, 0, 'I', 0, 4, top + 2), aimed = Lay(g, 0, 'T', 0, 28, top + 2);
     const int prepped = Lay(g, 0, 'O', 0, 2, top + 3);
     g.phase = Phase::Attack;
     g.clock = 10.0f;
@@ -78,18 +124,16 @@ TEST_F(TowerViewFrameTest, RingAttackWithHoleAndTarget) {
     for (const Cell& c : holeCells) g.RemoveCell(0, c.x, c.y);
     g.pieces.erase(hit);
     g.holes.push_back(Hole{1, 0, holeCells, 8.0f, 11.0f, 0});
+    const std::vector<Cell>& prep = g.pieces.at(prepped).cells;
     g.targets.push_back(Target{1, aimed, 0, 9.0f, 12.0f, g.pieces.at(aimed).cells, {}});
-    g.targets.push_back(Target{2, prepped, 0, 9.5f, 13.0f, g.pieces.at(prepped).cells,
-                               {Prep{'1', {g.pieces.at(prepped).cells[0]}}}});
+    g.targets.push_back(Target{2, prepped, 0, 9.5f, 13.0f, prep, {Prep{'1', {prep[0]}}}});
     g.focus = {Focus::Hole, 1};
     DrawAt(g, 2.0f);
     ExpectMatchesReference(Screen(), "ring_attack");
 }
 
 TEST_F(TowerViewFrameTest, ClassicLevelSevenWithFiveTowers) {
-    GetSettings().classic = 1;
-    Game g(3);
-    g.StartLevel(7);
+    Game g = Started(true, 3, 7);
     ASSERT_EQ(g.config.towers, 5);
     for (int t = 0; t < 5; ++t) {
         const int top = g.ColumnTop(t, 0);
@@ -104,12 +148,12 @@ TEST_F(TowerViewFrameTest, ClassicLevelSevenWithFiveTowers) {
 }
 
 TEST_F(TowerViewMarksTest, RedGapsEndBelowTheDefenceLine) {
-    Game g = testing_support::RingGame(1);
+    Game g = testing_support::EmptyGame(false, 1);
     g.config.sectors.clear(); // every column is attacked
     g.phase = Phase::Eval;    // no marks outside the build and the attack
-    const std::vector<pge::Pixel> plain = Frame(g, 0.0f);
+    const Pixels plain = DrawAt(g, 1.0f, 0.0f);
     g.phase = Phase::Attack;
-    const std::vector<pge::vi2d> diff = Differences(plain, Frame(g, 0.0f));
+    const std::vector<pge::vi2d> diff = Differences(plain, DrawAt(g, 1.0f, 0.0f));
     ASSERT_FALSE(diff.empty());
     const TowerView::Geo geo = view.TowerGeo(view.layout, 0);
     for (const pge::vi2d& p : diff) {
@@ -122,36 +166,170 @@ TEST_F(TowerViewMarksTest, RedGapsEndBelowTheDefenceLine) {
 }
 
 TEST_F(TowerViewMarksTest, FlashesOlderThanTheirTimeOrOffTheTowersDrawNothing) {
-    Game g = testing_support::RingGame(1);
+    Game g = testing_support::EmptyGame(false, 1);
     const std::vector<Cell> cells = g.pieces.at(Lay(g, 0, 'O', 0, 0, 0)).cells;
     g.clock = 10.0f;
-    const std::vector<pge::Pixel> plain = Frame(g, 0.5f);
+    const Pixels plain = DrawAt(g, 1.0f, 0.5f);
     view.flashes.push_back({cells, 8.7f, 0}); // 1.3 seconds old
     view.flashes.push_back({cells, 9.0f, 3}); // on a tower that does not exist
-    EXPECT_TRUE(Differences(plain, Frame(g, 0.5f)).empty());
+    EXPECT_TRUE(Differences(plain, DrawAt(g, 1.0f, 0.5f)).empty());
     view.flashes.push_back({cells, 9.5f, 0});
-    EXPECT_FALSE(Differences(plain, Frame(g, 0.5f)).empty());
+    EXPECT_FALSE(Differences(plain, DrawAt(g, 1.0f, 0.5f)).empty());
 }
 
 TEST_F(TowerViewMarksTest, GhostOnlyOnTheActiveTowerAndWhenItLands) {
     Game g = testing_support::ClassicGame(2);
-    ASSERT_EQ(g.config.towers, 2);
     const std::vector<char> supply = g.supply;
-    ASSERT_NE(g.SelectedType(), 0);
     g.cursorX = 2;
-    const std::vector<pge::Pixel> withGhost = Frame(g, 0.0f);
+    const Pixels withGhost = DrawAt(g, 1.0f, 0.0f);
     const TowerView::Geo right = view.TowerGeo(view.layout, 1);
     g.supply.clear(); // no piece in hand: no ghost
-    const std::vector<pge::vi2d> diff = Differences(withGhost, Frame(g, 0.0f));
+    const std::vector<pge::vi2d> diff = Differences(withGhost, DrawAt(g, 1.0f, 0.0f));
     ASSERT_FALSE(diff.empty());
     for (const pge::vi2d& p : diff) EXPECT_LT(p.x, right.cx - std::sin(right.halfAngle) * right.rx) << "off tower 0";
     // A tower filled to the top leaves no landing row: GhostY is negative, no ghost.
     g.supply = supply;
     for (int x = 0; x < g.config.width; ++x) testing_support::FillColumn(g, 0, x, 0, g.config.height);
     ASSERT_LT(g.GhostY(), 0);
-    const std::vector<pge::Pixel> full = Frame(g, 0.0f);
+    const Pixels full = DrawAt(g, 1.0f, 0.0f);
     g.supply.clear();
-    EXPECT_TRUE(Differences(full, Frame(g, 0.0f)).empty());
+    EXPECT_TRUE(Differences(full, DrawAt(g, 1.0f, 0.0f)).empty());
+}
+
+// The ray-cast wall on small pictures, where the cell seen at a pixel can be worked
+// out by hand: angle = asin((x + 0.5 - cx) / rx), row = (baseY + ry cos(angle) - y - 0.5) / cellH.
+class WallTest : public testing_support::RulesTest {
+protected:
+    // Tower 0 on a 200 by 200 picture of one colour: cx 100, rx 50, ry 9, foot at 180, rows 10 high.
+    pge::Sprite Draw(const Game& g, pge::Pixel colour = pge::Pixel(0, 0, 0), float camera = 0.0f) {
+        geo = {100.0f, 50.0f, 9.0f, 180.0f, 10.0f, g.config.width, g.config.height, g.config.ring, camera,
+               g.config.ring ? 80.0f * 3.1415927f / 180.0f : 1.2f};
+        pge::Sprite s(200, 200);
+        for (pge::Pixel& p : s.pColData) p = colour;
+        view.DrawWall(&s, g, geo, 0);
+        return s;
+    }
+    // The grid cell the wall map shows at a screen pixel, -1 for none.
+    int MapAt(int x, int y) const {
+        return view.wallMap[static_cast<size_t>((y - view.mapY) * view.mapW + (x - view.mapX))];
+    }
+    TowerView view;
+    TowerView::Geo geo;
+};
+
+TEST_F(WallTest, EmptyTowerIsADarkenedGridWithoutFaces) {
+    EXPECT_FALSE(view.FilledAt(100, 184)); // no map yet
+    const Game g = testing_support::ClassicGame(1);
+    // 255 darkened by 33/255 gives 222; a grid line of 28/255 white on that gives 225.
+    std::set<uint32_t> seen;
+    for (const pge::Pixel& p : Draw(g, pge::Pixel(255, 255, 255)).pColData) seen.insert(p.n);
+    EXPECT_EQ(seen, (std::set<uint32_t>{pge::Pixel(222, 222, 222).n, pge::Pixel(225, 225, 225).n,
+                                        pge::Pixel(255, 255, 255).n}));
+    EXPECT_FALSE(view.FilledAt(100, 184));
+}
+
+TEST_F(WallTest, ClassicEdgeColumnsAreClampedIntoTheGrid) {
+    Game g = testing_support::ClassicGame(1);
+    testing_support::FillColumn(g, 0, 0, 0, 14);
+    testing_support::FillColumn(g, 0, 7, 0, 14);
+    Draw(g);
+    int lastX = -1; // the rightmost pixel of the wall in row 0 (y 180: row 0 at every x)
+    for (int i = 0; i < view.mapW * view.mapH; ++i) {
+        ASSERT_LT(view.wallMap[static_cast<size_t>(i)], 8 * 14);
+        if (view.wallMap[static_cast<size_t>(i)] >= 0 && i / view.mapW == 180 - view.mapY)
+            lastX = std::max(lastX, view.mapX + i % view.mapW);
+    }
+    // There n lies just below sin 1.2 and the column computed may reach 8: it shows column 7.
+    EXPECT_EQ(MapAt(lastX, 180), 7);
+    EXPECT_TRUE(view.FilledAt(lastX, 180));
+    // x 54: asin(-0.91) = -1.1433, column 8 * 0.0567 / 2.4 = 0.19; x 100: column 4.03, empty.
+    EXPECT_EQ(MapAt(54, 180), 0);
+    EXPECT_EQ(MapAt(100, 180), 4);
+    EXPECT_FALSE(view.FilledAt(100, 180));
+    EXPECT_FALSE(view.FilledAt(54, 185)); // below the foot: row -0.18
+    EXPECT_FALSE(view.FilledAt(-5000, 184));
+}
+
+TEST_F(WallTest, RingSeamShowsNoGap) {
+    Game g = testing_support::EmptyGame(false, 1);
+    for (int x = 0; x < 32; ++x) testing_support::Fill(g, 0, x, 0);
+    for (const float camera : {31.9f, 16.0f, 0.0f}) {
+        Draw(g, pge::Pixel(0, 0, 0), camera);
+        // Every pixel of row 0 (y 180) across the visible width shows a filled cell.
+        for (int x = 0; x < 200; ++x)
+            if (std::fabs((static_cast<float>(x) + 0.5f - 100.0f) / 50.0f) < std::sin(geo.halfAngle) - 1e-3f) {
+                ASSERT_TRUE(view.FilledAt(x, 180)) << "camera " << camera << " x " << x;
+            }
+    }
+    // With the camera at 0, x 99 sees column -0.05, wrapped to 31, and x 100 column 0.
+    EXPECT_EQ(MapAt(99, 180), 31);
+    EXPECT_EQ(MapAt(100, 180), 0);
+}
+
+TEST_F(WallTest, RuinIsDarkerThanAPlacedPiece) {
+    Pixels at; // x 106: column 4.43; y 173: row 1.54, inside the piece
+    for (const bool ruin : {false, true}) {
+        Game g = testing_support::ClassicGame(1);
+        g.AddPiece(0, 'O', {{4, 1}, {5, 1}, {4, 2}, {5, 2}}, ruin);
+        at.push_back(Draw(g).GetPixel(106, 173));
+        EXPECT_TRUE(view.FilledAt(106, 173));
+    }
+    EXPECT_GT(at[1].r, 0);
+    EXPECT_LT(at[1].r, at[0].r);
+    EXPECT_LT(at[1].g, at[0].g);
+    EXPECT_LT(at[1].b, at[0].b);
+}
+
+// The landscape from the water picture: shown 640 by 400 from the screen's top.
+TEST_F(BackgroundTest, PalettedImageHangsFromTheTopOfTheScreenUnderTheVignette) {
+    testing_support::WriteWaterBackground(testing_support::MakeAssetRoot("paletted_rows"));
+    const Game g = Started(false, 5, 1);
+    view.BuildBackground(g, view.ComputeLayout(g, stage));
+    ASSERT_TRUE(view.indexed);
+    // Vignette centre (320, 202.4), inner 368 * 0.35 = 128.8, outer 640 * 0.75 = 480:
+    // (d - 128.8) / 351.2 * 71 is 50.5 at (0, 0) and 14.9 at (320, 0).
+    EXPECT_EQ(view.vignette[202 * 640 + 320], 0);
+    EXPECT_EQ(view.vignette[0], 50);
+    EXPECT_EQ(view.vignette[320], 14);
+    // The stage's top row is screen row 18, image row 18 * 200 / 400 = 9.
+    const pge::Pixel sky = testing_support::TestPalette()[9 * 100 / 120];
+    EXPECT_EQ(view.background->GetPixel(320, 0), pge::Pixel(sky.r * 241 / 255, sky.g * 241 / 255, sky.b * 241 / 255));
+    // Every pixel of the water band is listed for cycling, and only those.
+    size_t water = 0;
+    for (int i = 0; i < 640 * 368; ++i) water += testing_support::IndexAt(i % 640 / 2, (i / 640 + 18) / 2) >= 200;
+    EXPECT_EQ(view.cyclePixels.size(), water);
+    for (const TowerView::CyclePixel& c : view.cyclePixels) EXPECT_GE(c.index, 200);
+}
+
+TEST_F(BackgroundTest, CyclingTouchesOnlyCycledPixelsAndOnlyAtASteps) {
+    testing_support::WriteWaterBackground(testing_support::MakeAssetRoot("paletted_cycle"));
+    const Game g = Started(false, 5, 1);
+    const TowerView::Layout layout = view.ComputeLayout(g, stage);
+    view.DrawBackground(engine, g, layout, 0.0f);
+    const Pixels before = view.background->pColData;
+    view.DrawBackground(engine, g, layout, 0.2f); // 0.8 steps: none yet
+    EXPECT_EQ(view.background->pColData, before);
+    view.DrawBackground(engine, g, layout, 0.3f); // step 1
+    std::vector<bool> cycled(before.size(), false);
+    for (const TowerView::CyclePixel& c : view.cyclePixels) cycled[static_cast<size_t>(c.pixel)] = true;
+    size_t changed = 0;
+    for (size_t i = 0; i < before.size(); ++i)
+        if (view.background->pColData[i] != before[i]) {
+            ++changed;
+            EXPECT_TRUE(cycled[i]) << i;
+        }
+    EXPECT_GT(changed, 0u);
+    // The stage is the sprite, copied row for row: no clouds over an image.
+    EXPECT_TRUE(std::equal(view.background->pColData.begin(), view.background->pColData.end(),
+                           Screen().pColData.begin() + 18 * 640));
+}
+
+TEST_F(BackgroundTest, PalettedFrameWithCycle) {
+    testing_support::WriteWaterBackground(testing_support::MakeAssetRoot("paletted_reference"));
+    Game g = Started(false, 5, 1);
+    g.cursorX = 3;
+    DrawAt(g, 0.3f);
+    ExpectMatchesReference(Screen(), "paletted_cycle");
 }
 
 } // namespace
