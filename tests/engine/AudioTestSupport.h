@@ -11,10 +11,9 @@
 namespace audiotest {
 
 constexpr size_t kCh = adv::mixer::kChannels;
-
 inline std::string Fixtures() { return std::string(TORVANE_SOURCE_DIR) + "/tests/engine/audio"; }
 
-// Renders frames of stereo output in device-sized pieces, decoding streams ahead before each.
+// Stereo output in device-sized pieces, decoding streams ahead before each.
 inline std::vector<float> Render(adv::mixer::Engine& engine, size_t frames) {
     std::vector<float> out(frames * kCh);
     for (size_t at = 0; at < frames; at += 512) {
