@@ -16,10 +16,12 @@ constexpr uint32_t kRate = 44100;
 
 class Mixer : public ::testing::Test {
 protected:
-    mixer::SoundPtr Clip(const std::vector<float>& samples) { return mixer::InitFromMemory(*engine, samples.data(), samples.size(), kRate); }
+    mixer::SoundPtr Clip(const std::vector<float>& v) { return mixer::InitFromMemory(*engine, v.data(), v.size(), kRate); }
     mixer::SoundPtr Track(const char* name) { return mixer::InitFromFile(*engine, audiotest::Fixtures() + name); }
     // The level of a 440 Hz (or hz) tone over 0.1 s of out from frame at.
-    static double Level(const std::vector<float>& out, size_t at, double hz = 440) { return audiotest::Level(out, at, 4410, hz, kRate); }
+    static double Level(const std::vector<float>& out, size_t at, double hz = 440) {
+        return audiotest::Level(out, at, 4410, hz, kRate);
+    }
 
     mixer::EnginePtr engine = mixer::InitOffline(kRate);
 };
@@ -51,19 +53,6 @@ TEST_F(Mixer, ClipPlaysInPlaceAtItsVolumeLoopsAndTheMixIsClipped) {
     mixer::Start(*b);
     EXPECT_EQ(Render(*engine, 5)[4], 1.0f);
     EXPECT_FALSE(mixer::InitFromMemory(*engine, nullptr, 0, kRate));
-}
-
-TEST_F(Mixer, ClipsAreResampledToTheEngineRate) {
-    std::vector<float> sine(11025); // 441 Hz stored at 22050 Hz
-    for (size_t k = 0; k < sine.size(); ++k) sine[k] = 0.5f * float(std::sin(2 * M_PI * 441.0 * double(k) / 22050));
-    for (uint32_t rate : {44100u, 48000u}) {
-        auto e = mixer::InitOffline(rate);
-        auto s = mixer::InitFromMemory(*e, sine.data(), sine.size(), 22050);
-        mixer::Start(*s);
-        const auto out = Render(*e, rate / 4);
-        for (size_t j = 4; j < rate / 4; ++j)
-            ASSERT_NEAR(out[2 * j], 0.5 * std::sin(2 * M_PI * 441.0 * double(j) / rate), 0.002) << rate << " " << j;
-    }
 }
 
 TEST_F(Mixer, FadesAreLinearAndStopWithoutFadeSilencesAtOnce) {
@@ -123,13 +112,8 @@ TEST(MixerDevice, DummyDriverPlaysInItsOwnThreadAndNoDeviceGivesNoEngine) {
     auto engine = mixer::Init();
     unsetenv("SDL_AUDIODRIVER");
     ASSERT_TRUE(engine);
-    std::vector<float> samples(kRate / 20, 0.5f);
-    auto s = mixer::InitFromMemory(*engine, samples.data(), samples.size(), kRate);
     auto track = mixer::InitFromFile(*engine, audiotest::Fixtures() + "/tone440.mp3");
-    mixer::Start(*s);
     mixer::Start(*track);
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(3);
-    while (!(mixer::AtEnd(*s) && mixer::AtEnd(*track)) && std::chrono::steady_clock::now() < deadline)
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    EXPECT_TRUE(mixer::AtEnd(*s) && mixer::AtEnd(*track)); // the decoder thread kept the stream fed to its end
+    for (int tries = 0; tries < 300 && !mixer::AtEnd(*track); ++tries) std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    EXPECT_TRUE(mixer::AtEnd(*track)); // the decoder thread kept the stream fed to its end
 }
