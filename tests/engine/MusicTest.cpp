@@ -50,16 +50,12 @@ protected:
 
 TEST_F(MusicTest, OneEngineAndShutdownSilencesEffectsToo) {
     adv::mixer::Engine* first = Music::Engine();
-    EXPECT_TRUE(Music::Init());
-    EXPECT_EQ(Music::Engine(), first);
+    EXPECT_TRUE(Music::Init() && Music::Engine() == first);
     adv::Sound::Play(adv::Sound::Add(std::vector<float>(kRate, 0.5f), kRate), 1.0f);
     Music::Play(kA, true, 0.0f);
     Music::Shutdown();
-    EXPECT_EQ(adv::Sound::ActiveVoices(), 0u);
-    EXPECT_EQ(Music::Current() + (Music::Available() ? "ready" : ""), "");
     Music::Play(kA, true, 1.0f); // without an engine nothing happens
-    EXPECT_EQ(Music::Current(), "");
-    EXPECT_TRUE(Music::Init());
+    EXPECT_EQ(Music::Current() + (Music::Available() ? "ready" : "") + std::to_string(adv::Sound::ActiveVoices()), "0");
 }
 
 TEST(MusicDevice, NoDeviceIsToldAndDisableNeverOpensOne) {
@@ -71,15 +67,9 @@ TEST(MusicDevice, NoDeviceIsToldAndDisableNeverOpensOne) {
     EXPECT_TRUE(Music::Init()); // may be tried again
     Music::Shutdown();
     // Disable is for good in a process, so it is tried in child processes; a running engine goes on.
-    EXPECT_EXIT(
-        {
-            bool ok = Music::Init();
-            Music::Disable();
-            ok = ok && Music::Init() && Music::Available();
-            Music::Shutdown();
-            std::exit(ok && !Music::Init() && SDL_WasInit(SDL_INIT_AUDIO) == 0 ? 0 : 1);
-        },
-        ::testing::ExitedWithCode(0), "");
+    EXPECT_EXIT(const bool ok = Music::Init(); Music::Disable(); const bool on = Music::Init(); Music::Shutdown();
+                std::exit(ok && on && !Music::Init() && SDL_WasInit(SDL_INIT_AUDIO) == 0 ? 0 : 1),
+                ::testing::ExitedWithCode(0), "");
     EXPECT_EXIT(Music::Disable(); std::exit(!Music::Init() && SDL_WasInit(SDL_INIT_AUDIO) == 0 ? 0 : 1),
                 ::testing::ExitedWithCode(0), "");
     unsetenv("SDL_AUDIODRIVER");
@@ -126,11 +116,9 @@ TEST_F(MusicTest, SameTrackGoesOnEndedTrackRestartsBadPathKeepsTheOld) {
 
 TEST_F(MusicTest, StopSilencesAtOnceOrFadesUntilItsMarginIsOver) {
     Music::Play(kA, true, 0.0f);
-    Render(kTenth);
     Music::Stop(0.0f);
     EXPECT_EQ(Music::Current(), "");
     EXPECT_EQ(Peak(Render(kTenth), 0, kTenth), 0.0);
-
     Music::Play(kA, true, 0.0f);
     Render(kTenth);
     Music::Stop(1.0f);
@@ -143,14 +131,11 @@ TEST_F(MusicTest, StopSilencesAtOnceOrFadesUntilItsMarginIsOver) {
 
 TEST_F(MusicTest, VolumeIsClampedAndAppliesToTheCurrentTrackOnly) {
     Music::Play(kA, true, 0.0f);
+    Music::SetVolume(-1.0f);
+    EXPECT_EQ(Peak(Render(kTenth), 0, kTenth) + Music::Volume(), 0.0);
     Music::SetVolume(2.0f);
     EXPECT_EQ(Music::Volume(), 1.0f);
-    EXPECT_NEAR(Level(Render(kTenth), 1, 440), 0.5, 0.03);
-    Music::SetVolume(-1.0f);
-    EXPECT_EQ(Music::Volume(), 0.0f);
-    EXPECT_EQ(Peak(Render(kTenth), 0, kTenth), 0.0);
-    Music::SetVolume(0.5f);
     Music::Stop(10.0f); // a slow fade: the level hardly moves, whatever the volume now
     Music::SetVolume(0.1f);
-    EXPECT_NEAR(Level(Render(kTenth), 1, 440), 0.25, 0.02);
+    EXPECT_NEAR(Level(Render(kTenth), 1, 440), 0.5, 0.03);
 }
