@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <fstream>
 #include <random>
@@ -52,16 +53,15 @@ Bytes Filter(const Bytes& px, const Bytes& filters) {
 }
 
 // Entry i of a palette is (i, 255 - i, 7 i).
-Bytes Palette(int entries) {
-    Bytes d(size_t(entries) * 3);
-    for (size_t i = 0; i < d.size(); ++i) d[i] = uint8_t(i % 3 == 0 ? i / 3 : i % 3 == 1 ? 255 - i / 3 : i / 3 * 7);
+Bytes Palette(size_t entries) {
+    Bytes d;
+    for (size_t i = 0; i < entries; ++i) d.insert(d.end(), {uint8_t(i), uint8_t(255 - i), uint8_t(i * 7)});
     return d;
 }
 
 const Bytes kPixels = [] {
-    std::mt19937 rng(1234);
     Bytes p(kW * kH);
-    for (uint8_t& v : p) v = uint8_t(rng());
+    std::generate(p.begin(), p.end(), std::mt19937(1234));
     return p;
 }();
 
@@ -140,26 +140,17 @@ TEST(IndexedImageLoad, OtherKindsAndBrokenFilesFailWithoutCrashing) {
 TEST(PaletteCycle, FrameOverTimeAndRangesReadOnlyTheOriginal) {
     const adv::PaletteCycle up{0, 3, 2.0f, 1}, down{0, 3, 2.0f, -1};
     // floor(time * fps) steps, wrapped into the range.
-    EXPECT_EQ(std::vector<int>({up.Frame(0.5f), up.Frame(0.99f), up.Frame(2.0f), up.Frame(-0.5f), up.Frame(1e30f) >> 2}),
-              std::vector<int>({1, 1, 0, 3, 0}));
-    EXPECT_EQ(std::vector<int>({down.Frame(0.0f), down.Frame(0.5f), down.Frame(1.0f), down.Frame(-0.5f)}),
-              std::vector<int>({0, 3, 2, 1}));
-    EXPECT_EQ(adv::PaletteCycle({5, 4, 2.0f, 1}).Frame(5.0f) + adv::PaletteCycle({0, 3, 0.0f, 1}).Frame(5.0f), 0);
-
+    EXPECT_EQ(std::vector<int>({up.Frame(0.99f), up.Frame(2.0f), up.Frame(-0.5f), down.Frame(0.5f), down.Frame(-0.5f)}),
+              std::vector<int>({1, 0, 3, 3, 1}));
+    EXPECT_EQ(up.Frame(1e30f) >> 2, 0);
     adv::IndexedImage image;
     for (size_t i = 0; i < 256; ++i) image.palette[i] = pge::Pixel(uint8_t(i), 0, 0, 255);
     const auto reds = [&](const std::vector<adv::PaletteCycle>& cycles) {
-        std::vector<int> r;
-        for (const pge::Pixel& p : image.CycledPalette(cycles, 1.0f)) r.push_back(p.r);
-        return r;
+        const auto p = image.CycledPalette(cycles, 1.0f);
+        return std::vector<int>({p[0].r, p[1].r, p[2].r, p[3].r, p[4].r, p[5].r, p[6].r, p[7].r, p[8].r, p[255].r});
     };
-    std::vector<int> want = reds({});
-    for (int i = 0; i < 256; ++i) ASSERT_EQ(want[size_t(i)], i);
-    EXPECT_EQ(reds({{10, 10, 5.0f, 1}, {-1, 3, 1.0f, 1}, {250, 256, 1.0f, 1}}), want); // nothing to rotate
     // One step of +1 moves each colour one index lower; overlapping ranges do not compound, the later wins.
-    want[4] = 5, want[5] = 6, want[6] = 7, want[7] = 4;
-    EXPECT_EQ(reds({{4, 7, 1.0f, 1}}), want);
-    want = reds({});
-    want[0] = 1, want[1] = 2, want[2] = 3, want[3] = 4, want[4] = 5, want[5] = 2;
-    EXPECT_EQ(reds({{0, 3, 1.0f, 1}, {2, 5, 1.0f, 1}}), want);
+    EXPECT_EQ(reds({{4, 7, 1.0f, 1}}), std::vector<int>({0, 1, 2, 3, 5, 6, 7, 4, 8, 255}));
+    EXPECT_EQ(reds({{0, 3, 1.0f, 1}, {2, 5, 1.0f, 1}}), std::vector<int>({1, 2, 3, 4, 5, 2, 6, 7, 8, 255}));
+    EXPECT_EQ(reds({{5, 5, 5.0f, 1}, {-1, 3, 1.0f, 1}, {250, 256, 1.0f, 1}, {5, 4, 2.0f, 1}}), reds({}));
 }

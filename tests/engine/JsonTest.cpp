@@ -1,7 +1,6 @@
 #include "engine/Json.h"
 
 #include <gtest/gtest.h>
-
 #include <cstdio>
 #include <fstream>
 #include <random>
@@ -45,19 +44,12 @@ TEST(JsonErrors, MessagesPositionsAndNesting) {
     };
     for (const auto& [text, message] : cases) EXPECT_EQ(ErrorOf(text), message) << text;
     // 65 levels still parse; objects count the same: the 66th opens at byte 5 * 65 of {"a":{"a":...
-    const Value deep = Parsed(std::string(65, '[') + std::string(65, ']'));
-    const Value* inner = &deep;
-    for (int i = 0; i < 64; ++i) inner = &(*inner)[size_t(0)];
-    EXPECT_EQ(inner->type, Value::Type::Array);
+    EXPECT_EQ(Parsed(std::string(65, '[') + std::string(65, ']'))[size_t(0)][size_t(0)].type, Value::Type::Array);
     std::string objects;
     for (int i = 0; i < 66; ++i) objects += "{\"a\":";
     EXPECT_EQ(ErrorOf(objects + "1" + std::string(66, '}')), "zu tief verschachtelt (Zeichen 325)");
-
     Value v;
     EXPECT_FALSE(adv::json::Parse("[1,", v, nullptr));
-    std::string error = "untouched";
-    EXPECT_TRUE(adv::json::Parse("[1]", v, &error));
-    EXPECT_EQ(error, "untouched");
 }
 
 TEST(JsonErrors, HundredMegabyteNestingIsRejectedAtTheLimit) {
@@ -82,13 +74,6 @@ TEST(JsonValues, EscapesLiteralsContainersAndFallbacks) {
     // Asking for what is not there gives the fallback.
     EXPECT_TRUE(b[3].String().empty() && b[3].Bool(true) && b[3].Items().empty() && !v["x"]["y"][3].Bool(false));
     EXPECT_EQ(b[3]["a"].Number(7.5) + b[6].Number(-1), 6.5);
-
-    Value moved = v;
-    Value c = std::move(moved);
-    EXPECT_TRUE(moved.type == Value::Type::Null && moved.members.empty()); // NOLINT(bugprone-use-after-move)
-    moved = std::move(c);
-    EXPECT_EQ(c.type, Value::Type::Null); // NOLINT(bugprone-use-after-move)
-    EXPECT_EQ(moved["b"][5].Number(0), 16.0);
 }
 
 TEST(JsonFiles, MissingBrokenAndRandomFiles) {
