@@ -3,7 +3,6 @@
 // an 8-bit paletted PNG writer and a landscape with a cycled water band.
 #include "pge/Pixel.h"
 
-#include <cstdint>
 #include <fstream>
 #include <string>
 #include <vector>
@@ -37,7 +36,7 @@ inline void WritePalettedPng(const std::string& path, int w, int h, const std::v
     Bytes header, pal, z{0x78, 0x01};
     u32(header, static_cast<uint32_t>(w));
     u32(header, static_cast<uint32_t>(h));
-    header.insert(header.end(), {8, 3, 0, 0, 0});
+    header.insert(header.end(), {8, 3, 0, 0, 0}); // 8-bit indices
     for (const pge::Pixel& p : palette) pal.insert(pal.end(), {p.r, p.g, p.b});
     uint32_t a = 1, b = 0; // Adler-32 of the raw rows, filter bytes (0) included
     for (int y = 0; y < h; ++y) {
@@ -70,10 +69,9 @@ inline int IndexAt(int x, int y) {
 
 inline std::vector<pge::Pixel> TestPalette() {
     std::vector<pge::Pixel> pal(256, pge::Pixel(0, 0, 0));
-    const auto u8 = [](int v) { return static_cast<uint8_t>(v); };
-    for (int i = 0; i < 100; ++i) pal[i] = pge::Pixel(u8(90 + i), u8(140 + i), u8(230 - i / 4));
-    for (int i = 100; i < 150; ++i) pal[i] = pge::Pixel(u8(20 + i), u8(50 + i / 2), 60);
-    for (int i = 0; i < 8; ++i) pal[200 + i] = pge::Pixel(u8(20 + i * 10), u8(80 + i * 20), 200);
+    for (uint8_t i = 0; i < 100; ++i) pal[i] = pge::Pixel(90 + i, 140 + i, 230 - i / 4);
+    for (uint8_t i = 100; i < 150; ++i) pal[i] = pge::Pixel(20 + i, 50 + i / 2, 60);
+    for (uint8_t i = 0; i < 8; ++i) pal[200 + i] = pge::Pixel(20 + i * 10, 80 + i * 20, 200);
     return pal;
 }
 
