@@ -75,8 +75,7 @@ inline std::vector<pge::Pixel> TestPalette() {
     return pal;
 }
 
-// Writes the water picture as level 1's plain background below the asset root
-// `root`, with its cycle of 4 steps per second.
+// The water picture as level 1's plain background below `root`, cycling 4 steps a second.
 inline void WriteWaterBackground(const std::string& root) {
     std::vector<uint8_t> pixels(kW * kH);
     for (int i = 0; i < kW * kH; ++i) pixels[static_cast<size_t>(i)] = static_cast<uint8_t>(IndexAt(i % kW, i / kW));

@@ -1,4 +1,4 @@
-// The sound effects: their recipes, the clips made of them, and the music by phase.
+// The sound effects: their recipes and the clips made of them.
 #include "engine/Music.h"
 #include "engine/Sound.h"
 #include "game/SfxDefs.h"
@@ -43,25 +43,27 @@ TEST(SoundsRecipes, EachEffectLastsAsLongAsItsLongestCall) {
 // The next clip id, which tells how many clips were made.
 int NextId() { return adv::Sound::Add({}, 44100); }
 
-class SoundsPlay : public ::testing::Test {
-protected:
-    void SetUp() override {
-        adv::Music::Shutdown();
-        sounds::Clear();
-        sounds::Init(); // no engine: builds nothing
-        EXPECT_EQ(NextId(), 0);
-        adv::mixer::UseOffline(44100);
-        ASSERT_TRUE(adv::Music::Init());
-        sounds::Init();
-    }
-    void TearDown() override {
-        adv::Music::Shutdown();
-        sounds::Clear();
-        adv::mixer::UseOffline(0);
-    }
-};
-
-TEST_F(SoundsPlay, AllTenEffectsSound) {
+TEST(SoundsPlay, ClipsAreMadeOnceAndEveryEffectSounds) {
+    adv::Music::Shutdown();
+    sounds::Clear();
+    sounds::Init(); // no engine: builds nothing
+    const int first = NextId();
+    EXPECT_EQ(first, 0);
+    adv::mixer::UseOffline(44100);
+    ASSERT_TRUE(adv::Music::Init());
+    sounds::Init();
+    sounds::Init();
+    EXPECT_EQ(NextId(), first + 1 + 9); // the nine fixed clips, once
+    sounds::Play(Sfx(42), 1.0f);
+    sounds::Play(Sfx::Whistle, 0.0f);
+    sounds::Play(Sfx::Whistle, -1.0f);
+    EXPECT_EQ(adv::Sound::ActiveVoices(), 0u);
+    sounds::Play(Sfx::Whistle, 1.2004f); // key 1200: new
+    sounds::Play(Sfx::Whistle, 1.2f);    // key 1200 again
+    EXPECT_EQ(NextId(), first + 12);
+    sounds::Play(Sfx::Whistle, 1.2006f); // key 1201: new
+    EXPECT_EQ(NextId(), first + 14);
+    EXPECT_EQ(adv::Sound::ActiveVoices(), 3u);
     for (int e = 0; e < 10; ++e) {
         adv::Sound::StopAll();
         sounds::Play(Sfx(e), 0.3f);
@@ -69,32 +71,9 @@ TEST_F(SoundsPlay, AllTenEffectsSound) {
         const auto out = audiotest::Render(*adv::Music::Engine(), 13230); // 0.3 s: the whistle swells late
         EXPECT_GT(audiotest::Peak(out, 0, 13230), 0.01) << e;
     }
-}
-
-TEST_F(SoundsPlay, InitOnceWhistlesByWholeMillisecondsUnknownsSilent) {
-    const int first = NextId();
-    EXPECT_EQ(first, 1 + 9); // the nine fixed clips after the probe's
-    sounds::Init();
-    EXPECT_EQ(NextId(), first + 1);
-    sounds::Play(Sfx(42), 1.0f);
-    sounds::Play(Sfx::Whistle, 0.0f);
-    sounds::Play(Sfx::Whistle, -1.0f);
-    EXPECT_EQ(adv::Sound::ActiveVoices(), 0u);
-    sounds::Play(Sfx::Whistle, 1.2004f); // key 1200: new
-    sounds::Play(Sfx::Whistle, 1.2f);    // key 1200 again
-    EXPECT_EQ(NextId(), first + 3);
-    sounds::Play(Sfx::Whistle, 1.2006f); // key 1201: new
-    EXPECT_EQ(NextId(), first + 5);
-    EXPECT_EQ(adv::Sound::ActiveVoices(), 3u);
-}
-
-TEST(SoundsMusic, PhasesShareTracksAndOnlyTheEndingsPlayOnce) {
-    EXPECT_EQ(sounds::MusicFor(Phase::Inspect).path, sounds::MusicFor(Phase::Build).path);
-    EXPECT_EQ(sounds::MusicFor(Phase::Announce).path, sounds::MusicFor(Phase::Attack).path);
-    EXPECT_NE(sounds::MusicFor(Phase::Build).path, sounds::MusicFor(Phase::Attack).path);
-    for (const Phase p : {Phase::Title, Phase::Build, Phase::Attack}) EXPECT_TRUE(sounds::MusicFor(p).loop);
-    for (const Phase p : {Phase::Eval, Phase::Over}) EXPECT_FALSE(sounds::MusicFor(p).loop);
-    EXPECT_TRUE(sounds::MusicFor(Phase(99)).path.empty());
+    adv::Music::Shutdown();
+    sounds::Clear();
+    adv::mixer::UseOffline(0);
 }
 
 } // namespace

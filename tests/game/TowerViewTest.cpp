@@ -34,9 +34,8 @@ std::string MakeAssetRoot(const std::string& name) {
     return adv::Assets::Root();
 }
 
-// The screen against tests/reference/<name>.png, colour channels each within 2. A
-// failure writes <name>-actual.png and <name>-diff.png (differing pixels red) into the
-// build folder, to be looked at.
+// The screen against tests/reference/<name>.png, colour channels each within 2. A failure
+// writes <name>-actual.png and <name>-diff.png (differing pixels red) into the build folder.
 void ExpectMatchesReference(const pge::Sprite& actual, const std::string& name) {
     const std::string reference = std::string(TORVANE_SOURCE_DIR) + "/tests/reference/" + name + ".png";
     const pge::Sprite expected(reference);
@@ -67,13 +66,12 @@ int Lay(Game& g, int tower, char type, int rotation, int x, int y) {
 // The screen pixels that differ between two frames.
 std::vector<pge::vi2d> Differences(const Pixels& a, const Pixels& b) {
     std::vector<pge::vi2d> out;
-    for (int i = 0; i < static_cast<int>(a.size()); ++i)
-        if (a[static_cast<size_t>(i)] != b[static_cast<size_t>(i)]) out.push_back({i % 640, i / 640});
+    for (size_t i = 0; i < a.size(); ++i)
+        if (a[i] != b[i]) out.push_back({static_cast<int>(i % 640), static_cast<int>(i / 640)});
     return out;
 }
 
-// A headless engine with its 640 by 400 draw target and an empty asset tree: the
-// painted landscape.
+// A headless engine with its 640 by 400 draw target; no images: the painted landscape.
 class TowerViewFrameTest : public RulesTest {
 protected:
     void SetUp() override {
@@ -191,10 +189,10 @@ TEST_F(TowerViewMarksTest, GhostOnlyOnTheActiveTowerAndWhenItLands) {
     g.cursorX = 2;
     const Pixels withGhost = DrawAt(g, 1.0f, 0.0f);
     const TowerView::Geo right = view.TowerGeo(view.layout, 1);
-    g.supply.clear(); // no piece in hand: no ghost
-    const std::vector<pge::vi2d> diff = Differences(withGhost, DrawAt(g, 1.0f, 0.0f));
-    ASSERT_FALSE(diff.empty());
-    for (const pge::vi2d& p : diff) EXPECT_LT(p.x, right.cx - std::sin(right.halfAngle) * right.rx) << "off tower 0";
+    g.supply.clear(); // no piece in hand: no ghost, and none ever on tower 1
+    for (const pge::vi2d& p : Differences(withGhost, DrawAt(g, 1.0f, 0.0f)))
+        ASSERT_LT(p.x, right.cx - std::sin(right.halfAngle) * right.rx) << "off tower 0";
+    EXPECT_FALSE(withGhost == Screen().pColData);
     // A tower filled to the top leaves no landing row: GhostY is negative, no ghost.
     g.supply = supply;
     for (int x = 0; x < g.config.width; ++x) FillColumn(g, 0, x, 0, g.config.height);
@@ -298,7 +296,6 @@ TEST_F(BackgroundTest, PalettedImageHangsFromTheTopOfTheScreenUnderTheVignette) 
     size_t water = 0;
     for (int i = 0; i < 640 * 368; ++i) water += IndexAt(i % 640 / 2, (i / 640 + 18) / 2) >= 200;
     EXPECT_EQ(view.cyclePixels.size(), water);
-    for (const TowerView::CyclePixel& c : view.cyclePixels) EXPECT_GE(c.index, 200);
 }
 
 TEST_F(BackgroundTest, CyclingTouchesOnlyCycledPixelsAndOnlyAtASteps) {
@@ -336,7 +333,6 @@ using ThemeTest = WallTest;
 TEST_F(ThemeTest, LevelsGoRoundTheFiveLandscapesUnlessThePackChooses) {
     for (const auto& [level, index] : {std::pair{1, 0}, std::pair{6, 0}, std::pair{0, 4}, std::pair{-1, 3}})
         EXPECT_EQ(BackgroundIndex(level), index) << level;
-    EXPECT_EQ(&ThemeFor(7), &ThemeFor(2)); // built once, shared
     LevelPack pack;
     pack.levels.resize(2);
     pack.levels[1].background = 5;
@@ -379,7 +375,6 @@ TEST_F(ThemeTest, ColourCycleFile) {
     EXPECT_EQ(b[0].Frame(100.0f), 0);
     EXPECT_EQ(b[2].direction, 1);
     EXPECT_TRUE(ColorCyclesFor("c.png").empty());
-    EXPECT_FALSE(TowerFrameFor("c.png").valid);
 }
 
 TEST_F(ThemeTest, UnreadableCycleFileIsReportedOnce) {
