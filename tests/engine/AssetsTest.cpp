@@ -1,9 +1,6 @@
 #include "engine/Assets.h"
-
 #include "engine/Screenshot.h"
-
 #include <gtest/gtest.h>
-
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -34,7 +31,6 @@ protected:
         adv::Assets::Init(executable);
         return adv::Assets::Root();
     }
-
     std::string top, base;
     fs::path oldDir = fs::current_path();
 };
@@ -61,7 +57,6 @@ TEST_F(AssetSearch, ImagesAreCachedUntilClearAndMissingOnesGetThePlaceholder) {
     std::ofstream(dir + "broken.png", std::ios::binary) << "\x89PNG\r\n\x1a\nnot really";
     EXPECT_FALSE(adv::Assets::Missing("torvane/broken.png"));
     EXPECT_TRUE(adv::Assets::Missing("torvane/other.json") && adv::Assets::Missing("torvane/folder.png"));
-
     pge::Sprite picture(3, 2);
     picture.pColData.assign(6, pge::Pixel(10, 20, 30));
     ASSERT_TRUE(adv::screenshot::SavePng(picture, dir + "title.png"));
@@ -74,7 +69,6 @@ TEST_F(AssetSearch, ImagesAreCachedUntilClearAndMissingOnesGetThePlaceholder) {
     EXPECT_EQ(adv::Assets::Sprite("torvane/title.png"), first); // cached until Clear
     adv::Assets::Clear();
     EXPECT_EQ(adv::Assets::Sprite("torvane/title.png")->Sprite()->pColData, picture.pColData);
-
     for (const std::string key : {"torvane/none.png", "torvane/broken.png", "torvane/folder.png"}) {
         testing::internal::CaptureStderr();
         pge::Renderable* r = adv::Assets::Sprite(key);

@@ -1,7 +1,6 @@
 #pragma once
 // Helpers of the audio tests: render an offline engine and measure tone levels in the output.
 #include "engine/Mixer.h"
-
 #include <algorithm>
 #include <cmath>
 #include <string>

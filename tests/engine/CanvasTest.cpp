@@ -1,7 +1,5 @@
 #include "engine/Canvas.h"
-
 #include <gtest/gtest.h>
-
 #include <array>
 #include <functional>
 #include <set>
@@ -97,7 +95,6 @@ TEST(CanvasBlend, AlphaRulesSpritesAndColours) {
                                                    pge::Pixel(100, 50, 25, 128), pge::Pixel(1, 2, 3, 255)}));
     canvas::Blend(&s, 2, 0, pge::Pixel(200, 100, 50, 128));
     EXPECT_EQ(s.GetPixel(2, 0).a, 191); // 128 + 127 * 128 / 255
-
     // Flipped, a mirrored part, half alpha (255 * 0.5 truncates to 127), reading past the source.
     pge::Sprite src(3, 2), dst(5, 3);
     const pge::Pixel a(10, 0, 0), b(20, 0, 0), c(30, 0, 0), o;
@@ -112,7 +109,6 @@ TEST(CanvasBlend, AlphaRulesSpritesAndColours) {
         for (int x = 0; x < 4; ++x) grid.SetPixel(x, y, pge::Pixel(uint8_t(x * 10 + y * 40), 0, 0, uint8_t(100 + x)));
     EXPECT_EQ(canvas::Downscale(grid, 2, 2)->GetPixel(1, 1), pge::Pixel(125, 0, 0, 102)); // 100, 110, 140, 150
     EXPECT_EQ(canvas::Downscale(grid, 3, 1)->GetPixel(2, 0), pge::Pixel(85, 0, 0, 102));  // columns [2, 4), all rows
-
     EXPECT_EQ(canvas::Mix(pge::Pixel(0, 0, 0, 0), pge::Pixel(255, 100, 50, 200), 0.5f), pge::Pixel(128, 50, 25, 100));
     EXPECT_EQ(canvas::Mix(a, b, 1.5f), b);
     EXPECT_EQ(canvas::Shade(pge::Pixel(200, 100, 50), 1.5f, 77), pge::Pixel(255, 150, 75, 77));

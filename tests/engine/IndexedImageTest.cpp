@@ -1,7 +1,5 @@
 #include "engine/IndexedImage.h"
-
 #include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cstdio>
 #include <fstream>
@@ -125,15 +123,12 @@ TEST(IndexedImageLoad, OtherKindsAndBrokenFilesFailWithoutCrashing) {
                              Png(Zlib(Bytes(raw.begin(), raw.end() - 1))), Png(Zlib(badFilter)), Png(Bytes(40, 0xAB))})
         EXPECT_FALSE(Load(bad));
     EXPECT_FALSE(adv::IndexedImage().Load(std::string(TORVANE_BINARY_DIR) + "/indexed_test_missing.png"));
-
-    std::mt19937 rng(99);
+    std::mt19937 rng(99); // random damage anywhere: no crash, and whatever loads has its promised size
     for (int round = 0; round < 300; ++round) {
         Bytes damaged = good;
         for (int k = 0; k < 3; ++k) damaged[8 + rng() % (damaged.size() - 8)] = uint8_t(rng());
         adv::IndexedImage image;
-        if (Load(damaged, &image)) {
-            ASSERT_EQ(image.pixels.size(), size_t(image.width) * size_t(image.height));
-        }
+        EXPECT_TRUE(!Load(damaged, &image) || image.pixels.size() == size_t(image.width) * size_t(image.height));
     }
 }
 

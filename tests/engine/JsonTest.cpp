@@ -1,5 +1,4 @@
 #include "engine/Json.h"
-
 #include <gtest/gtest.h>
 #include <cstdio>
 #include <fstream>
@@ -64,7 +63,6 @@ TEST(JsonValues, EscapesLiteralsContainersAndFallbacks) {
     EXPECT_EQ(Parsed("\"\\u00e4\\u0041\\u20AC\\ud83d\\ude00\"").String(), "\xC3\xA4" "A\xE2\x82\xAC\xED\xA0\xBD\xED\xB8\x80");
     EXPECT_EQ(Parsed("\"a\\nb\\rc\\td\\be\\ff\\\"\\\\\\/\\q\"").String(), "a\nb\rc\td\be\ff\"\\/q");
     EXPECT_EQ(Parsed("\"x\ny\xFF\"").String(), "x\ny\xFF");
-
     const Value v = Parsed(" { \"b\" : [true, false, null, -2.5e1, +3, 0x10], \"a\": \"s\", \"a\": 4 } ");
     EXPECT_EQ(v["a"].Number(0), 4.0); // the later duplicate wins
     const Value& b = v["b"];
@@ -88,7 +86,6 @@ TEST(JsonFiles, MissingBrokenAndRandomFiles) {
     std::ofstream(path, std::ios::binary | std::ios::trunc) << "[1,";
     EXPECT_FALSE(adv::json::ParseFile(path, v, &error));
     EXPECT_EQ(error, "unerwartetes Ende (Zeichen 3)"); // without the file's name
-
     std::mt19937 rng(7);
     for (int round = 0; round < 20; ++round) {
         std::string bytes(4096, '\0');

@@ -1,9 +1,6 @@
 #include "engine/Mixer.h"
-
 #include "tests/engine/AudioTestSupport.h"
-
 #include <gtest/gtest.h>
-
 #include <chrono>
 #include <thread>
 
@@ -22,7 +19,6 @@ protected:
     static double Level(const std::vector<float>& out, size_t at, double hz = 440) {
         return audiotest::Level(out, at, 4410, hz, kRate);
     }
-
     mixer::EnginePtr engine = mixer::InitOffline(kRate);
 };
 
@@ -41,7 +37,6 @@ TEST_F(Mixer, ClipPlaysInPlaceAtItsVolumeLoopsAndTheMixIsClipped) {
               std::vector<float>({0.3f, 0.3f, -0.15f, -0.15f, 0.3f, 0.3f}));
     EXPECT_EQ(Peak(Render(*engine, 200), 0, 200), 0.0);
     EXPECT_TRUE(mixer::AtEnd(*s));
-
     for (size_t k = 0; k < ramp.size(); ++k) ramp[k] = float(k) / 100.0f;
     auto loop = Clip(ramp), a = Clip(loud), b = Clip(loud);
     mixer::SetLooping(*loop, true);
@@ -67,7 +62,6 @@ TEST_F(Mixer, FadesAreLinearAndStopWithoutFadeSilencesAtOnce) {
     for (size_t j = 0; j < 882; ++j) ASSERT_NEAR(out[2 * j], 0.5 * 220.0 / 441.0 * (1.0 - double(j) / 882.0), 1e-6);
     EXPECT_EQ(Peak(out, 882, 118), 0.0);
     EXPECT_FALSE(mixer::AtEnd(*s)); // stopped, not played to its end
-
     mixer::FadeIn(*t, 10);
     mixer::Start(*t);
     out = Render(*engine, 1000);
@@ -90,7 +84,6 @@ TEST_F(Mixer, StreamsPlayToTheirEndLoopResampleAndWaitForTheDecoder) {
     EXPECT_NEAR(Level(out, 4410), 0.5, 0.03);
     EXPECT_LT(Peak(out, kRate * 6 / 10, kRate / 10), 0.01); // ends after its full second
     EXPECT_TRUE(mixer::AtEnd(*once));
-
     // The file holds exactly 440 periods, so the seams do not break the tone.
     mixer::SetLooping(*looped, true);
     mixer::Start(*looped);
@@ -98,7 +91,6 @@ TEST_F(Mixer, StreamsPlayToTheirEndLoopResampleAndWaitForTheDecoder) {
     for (size_t at : {kRate - 2205, 2 * kRate - 2205, kRate * 2 + 4410}) EXPECT_NEAR(Level(out, at), 0.5, 0.03);
     EXPECT_FALSE(mixer::AtEnd(*looped));
     mixer::StopWithFade(*looped, 0);
-
     mixer::Start(*other); // 48000 Hz, stereo
     out = Render(*engine, kRate / 2);
     EXPECT_NEAR(Level(out, 4410, 1000), 0.5, 0.03);

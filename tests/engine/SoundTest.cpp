@@ -1,8 +1,6 @@
 #include "engine/Sound.h"
-
 #include "engine/Music.h"
 #include "tests/engine/AudioTestSupport.h"
-
 #include <gtest/gtest.h>
 
 namespace {
@@ -54,7 +52,6 @@ TEST_F(SoundTest, ClipsVoicesAndTheMasterVolume) {
     Sound::Clear();
     Sound::Play(2, 1.0f);
     EXPECT_EQ(Sound::ActiveVoices() + Constant(0.5f), 0u);
-
     adv::Music::Shutdown(); // without an engine clips are kept but nothing plays
     Sound::Play(0, 1.0f);
     Sound::PlayOnce(std::vector<float>(100, 0.5f), kRate, 1.0f);

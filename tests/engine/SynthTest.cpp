@@ -1,7 +1,5 @@
 #include "engine/Synth.h"
-
 #include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cmath>
 #include <random>
@@ -82,7 +80,6 @@ TEST(SynthTone, BufferGrowthOffsetsEmptyArgumentsAndClip) {
     EXPECT_EQ(b.samples[3], 0.5f);
     EXPECT_EQ(std::count(b.samples.begin() + 4, b.samples.begin() + long(kR), 0.0f), long(kR) - 4);
     EXPECT_NEAR(b.samples[size_t(kR)], 0.5, 1e-6); // the square starts at full level
-
     synth::Buffer none;
     synth::Tone(none, 0.0f, 0.2f, Wave::Sine, 0.5f, 0.0f, 0.0f, Envelope::Decay);
     synth::Tone(none, 300.0f, 0.2f, Wave::Sine, -0.5f, 0.0f, 0.0f, Envelope::Decay);

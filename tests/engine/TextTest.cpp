@@ -1,5 +1,4 @@
 #include "engine/Text.h"
-
 #include "pge/FontSheet.h"
 #include "pge/Headless.h"
 #include <gtest/gtest.h>
@@ -30,7 +29,6 @@ protected:
     bool Set(int x, int y) { return app.GetDrawTarget()->GetPixel(x, y) != pge::BLANK; }
     // Ink of an ASCII glyph's cell on the font sheet.
     bool Sheet(char ch, int col, int row) { return sheet.GetPixel((ch - 32) % 16 * 8 + col, (ch - 32) / 16 * 8 + row).r; }
-
     Idle app;
     pge::Headless run{app};
     const pge::Sprite sheet = pge::BuildFontSheet();
@@ -65,7 +63,6 @@ TEST_F(TextDrawing, GlyphsMatchTheFontSheetAtEveryScaleAndAlignment) {
         ink += Sheet('i', 3 + i % 3, i / 3);
     }
     EXPECT_EQ(long(hi.size()) - std::count(hi.begin(), hi.end(), pge::BLANK), ink);
-
     const auto left = Drawn("A", 2);
     for (int i = 0; i < 256; ++i) EXPECT_EQ(Set(100 + i % 16, 100 + i / 16), Sheet('A', i % 16 / 2, i / 32));
     // 16 wide at scale 2: right-aligned at 116 and centred at 108 land on 100.
