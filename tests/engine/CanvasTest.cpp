@@ -26,9 +26,8 @@ Points Drawn(int w, int h, const std::function<void(S)>& draw) {
     pge::Sprite s(w, h);
     draw(&s);
     Points p;
-    for (int y = 0; y < h; ++y)
-        for (int x = 0; x < w; ++x)
-            if (s.GetPixel(x, y) != pge::Pixel()) p.insert({x, y});
+    for (int i = 0; i < w * h; ++i)
+        if (s.GetPixel(i % w, i / w) != pge::Pixel()) p.insert({i % w, i / w});
     return p;
 }
 
@@ -37,11 +36,7 @@ bool Checker(int x, int y) { return (x + y) % 2 == 0; }
 } // namespace
 
 TEST(CanvasShapes, PixelsSampledAtTheirCentres) {
-    const struct {
-        int w, h;
-        std::function<void(S)> draw;
-        Points want;
-    } cases[] = {
+    const struct { int w, h; std::function<void(S)> draw; Points want; } cases[] = {
         {6, 5, [](S s) { canvas::FillRect(s, -2, 3, 4, 10, kInk); }, Blocks({{0, 3, 1, 4}})},
         {3, 3, [](S s) { canvas::FillRect(s, 0, 0, -3, 3, kInk); }, {}},
         {10, 10, [](S s) { canvas::FillCircle(s, {5, 5}, 2, kInk); }, Blocks({{4, 3, 5, 3}, {3, 4, 6, 5}, {4, 6, 5, 6}})},

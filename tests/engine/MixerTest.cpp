@@ -16,9 +16,7 @@ protected:
     mixer::SoundPtr Clip(const std::vector<float>& v) { return mixer::InitFromMemory(*engine, v.data(), v.size(), kRate); }
     mixer::SoundPtr Track(const char* name) { return mixer::InitFromFile(*engine, audiotest::Fixtures() + name); }
     // The level of a 440 Hz (or hz) tone over 0.1 s of out from frame at.
-    static double Level(const std::vector<float>& out, size_t at, double hz = 440) {
-        return audiotest::Level(out, at, 4410, hz, kRate);
-    }
+    static double Level(const std::vector<float>& o, size_t at, double hz = 440) { return audiotest::Level(o, at, 4410, hz, kRate); }
     mixer::EnginePtr engine = mixer::InitOffline(kRate);
 };
 

@@ -64,8 +64,7 @@ TEST(MusicDevice, NoDeviceIsToldAndDisableNeverOpensOne) {
     Music::Shutdown();
     // Disable is for good in a process, so it is tried in child processes; a running engine goes on.
     EXPECT_EXIT(const bool ok = Music::Init(); Music::Disable(); const bool on = Music::Init(); Music::Shutdown();
-                std::exit(ok && on && !Music::Init() && SDL_WasInit(SDL_INIT_AUDIO) == 0 ? 0 : 1),
-                ::testing::ExitedWithCode(0), "");
+                std::exit(ok && on && !Music::Init() && SDL_WasInit(SDL_INIT_AUDIO) == 0 ? 0 : 1), testing::ExitedWithCode(0), "");
     EXPECT_EXIT(Music::Disable(); std::exit(!Music::Init() && SDL_WasInit(SDL_INIT_AUDIO) == 0 ? 0 : 1),
                 ::testing::ExitedWithCode(0), "");
     unsetenv("SDL_AUDIODRIVER");

@@ -44,11 +44,7 @@ std::vector<double> ExpectedNoise(double seconds, double cutoff, double volume, 
 } // namespace
 
 TEST(SynthTone, WavesEnvelopesAndGlideFollowTheirFormulas) {
-    const struct {
-        Wave wave;
-        Envelope envelope;
-        double hz, endHz, volume, seconds;
-    } tones[] = {{Wave::Sine, Envelope::Decay, 523, 0, 0.4, 0.25},  {Wave::Square, Envelope::Decay, 523, 0, 0.4, 0.25},
+    const struct { Wave wave; Envelope envelope; double hz, endHz, volume, seconds; } tones[] = {{Wave::Sine, Envelope::Decay, 523, 0, 0.4, 0.25},  {Wave::Square, Envelope::Decay, 523, 0, 0.4, 0.25},
                  {Wave::Saw, Envelope::Decay, 523, 0, 0.4, 0.25},   {Wave::Triangle, Envelope::Decay, 523, 0, 0.4, 0.25},
                  {Wave::Saw, Envelope::Swell, 1000, 0, 0.3, 0.5},   {Wave::Sine, Envelope::Decay, 2100, 520, 0.06, 0.3}};
     for (const auto& c : tones) {
