@@ -39,16 +39,11 @@ std::string Snapshot(const Game& g) {
     return o.str();
 }
 
-// One step of play chosen by `choice`, through the application's ways into the
-// rules: the build operations, Act, the clock and the buttons between phases.
+// One step of play through the application's ways into the rules.
 void Step(Game& g, int choice, float dt) {
-    switch (g.phase) {
-    case Phase::Title:
-    case Phase::Over: g.NewGame(); return;
-    case Phase::Announce: g.BeginAttack(); return;
-    case Phase::Eval: g.NextLevel(); return;
-    default: break;
-    }
+    if (g.phase == Phase::Title || g.phase == Phase::Over) return g.NewGame();
+    if (g.phase == Phase::Announce) return g.BeginAttack();
+    if (g.phase == Phase::Eval) return g.NextLevel();
     if (g.phase == Phase::Build && choice % 16 < 8) {
         switch (choice % 16) {
         case 0: g.Move(-1); break;

@@ -42,7 +42,7 @@ TEST_F(FrameSteps, ThePauseStopsRulesAndBotButNotTheCameraAndACardHoldsTheBot) {
     EXPECT_TRUE(Run(0.05f));
     EXPECT_EQ(changes, (std::vector<std::pair<Phase, Phase>>{{Phase::Inspect, Phase::Announce}}));
     EXPECT_FLOAT_EQ(timer, 2.0f);
-    for (int i = 0; i < 39; ++i) Run(0.05f);
+    Run(1.95f);
     EXPECT_EQ(game.phase, Phase::Announce);
     Run(0.06f);
     EXPECT_EQ(game.phase, Phase::Attack);

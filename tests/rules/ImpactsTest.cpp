@@ -1,6 +1,8 @@
 // What a ball does to the wall, the holes it tears and their fuse.
 #include "RulesTestSupport.h"
 
+#include <tuple>
+
 using namespace torvane;
 using namespace torvane::testing_support;
 
@@ -22,18 +24,6 @@ protected:
 };
 
 using ImpactHole = ImpactFixture;
-
-TEST_F(ImpactHole, APieceWithoutLoadComesBackAndOpensNoHole) {
-    game.supply = {'T', 'S'};
-    HitNow(load);
-    EXPECT_EQ(game.stats.lost, 4);
-    EXPECT_EQ(game.supply, (std::vector<char>{'T', 'O', 'S'}));
-    EXPECT_TRUE(game.holes.empty());
-    const auto events = game.TakeEvents();
-    EXPECT_TRUE(HasText(events, "Teil zurück"));
-    EXPECT_EQ(CountSound(events, Sfx::Impact), 1);
-    EXPECT_EQ(CountSound(events, Sfx::Bell), 0);
-}
 
 TEST_F(ImpactHole, BellsStrikeEachSecondAndTheLoadHoldsAt2_9AndFallsAt3_0) {
     HitNow(base);
@@ -116,39 +106,23 @@ TEST_F(ImpactPrep, AHalfPrepStandsAndTheHoleKeepsTheRest) {
     EXPECT_FALSE(HasText(game.TakeEvents(), "Sofort ersetzt! +150"));
 }
 
-TEST_F(ImpactPrep, APieceGoneBeforeTheImpactLeavesThePrepsAndABurst) {
-    game.FireAt(base);
-    game.targets[0].preps.push_back(Prep{'2', {{2, 0}, {3, 0}}});
-    for (const Cell& c : Row(0, 0, 4)) game.RemoveCell(0, c.x, c.y);
-    game.TakeEvents();
-    AdvanceTo(game.targets[0].hitAt);
-    EXPECT_EQ(game.supply, (std::vector<char>{'T'}));
-    EXPECT_TRUE(Occupied(game, 0, 2, 0));
-    const auto events = game.TakeEvents();
-    ASSERT_GE(events.size(), 2u);
-    EXPECT_EQ(events[1].kind, Event::Burst);
-    EXPECT_EQ(events[1].count, 6);
-}
-
 using ImpactGiveBack = AttackFixture;
 
 TEST_F(ImpactGiveBack, LettersFollowWhatIsLeftOfThePieceAndDoNotJoinOverTheSeam) {
     QuietAttack();
-    struct Case {
-        char type;
-        std::vector<Cell> cells;
-        std::vector<char> back;
-    };
+    using Case = std::tuple<char, std::vector<Cell>, std::vector<char>>;
     const std::vector<Case> cases = {{'I', Row(0, 0, 3), {'1', '1', '1'}}, {'I', Row(0, 1, 2), {'2'}},
                                      {'I', {{0, 2}, {2, 2}}, {'1', '1'}},  {'2', {{0, 4}}, {'1'}},
                                      {'I', {{31, 5}, {0, 5}}, {'1', '1'}}, {'2', {{31, 6}, {0, 6}}, {'2'}}};
-    for (const Case& c : cases) {
-        const int id = game.nextPieceId;
-        game.DebugPlace(0, c.type, c.cells);
+    for (const auto& [type, cells, back] : cases) {
         game.supply.clear();
-        HitNow(id);
-        EXPECT_EQ(game.supply, c.back) << c.type << c.cells.size();
+        HitNow(Put(type, cells));
+        EXPECT_EQ(game.supply, back) << type << cells.size();
+        EXPECT_TRUE(game.holes.empty());  // nothing rests on it
     }
+    const auto events = game.TakeEvents();
+    EXPECT_TRUE(HasText(events, "Teil zurück"));
+    EXPECT_EQ(CountSound(events, Sfx::Bell), 0);
 }
 
 } // namespace

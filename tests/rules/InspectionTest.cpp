@@ -17,9 +17,7 @@ TEST_F(InspectionGaps, GroupsStartAtTheLowestRowAndJoinOverTheRingSeamOnly) {
     EXPECT_EQ(groups[0], (std::vector<Cell>{{0, 0}}));
     EXPECT_EQ(groups[1], (std::vector<Cell>{{5, 0}, {5, 1}, {5, 2}}));
     EXPECT_EQ(groups[3], (std::vector<Cell>{{2, 2}, {2, 3}}));
-    EXPECT_TRUE(g.Loaded(0, 2, 3));
-    EXPECT_FALSE(g.Loaded(0, 2, 4));
-    Game ring = RingGame(1);
+    Game ring = EmptyGame(false, 1);
     Fill(ring, 0, 31, 1);
     Fill(ring, 0, 0, 1);
     ASSERT_EQ(ring.GapGroups(0).size(), 1u);
@@ -58,11 +56,9 @@ TEST_F(InspectionGaps, ACleanWallIsShortlyInspectedAndEarlyEndsEarnTwoPerWholeSe
         EXPECT_EQ(Texts(g.TakeEvents(), Event::Say), std::vector<std::string>{"Bauabnahme: sauber gemauert!"});
         EXPECT_FLOAT_EQ(g.inspectEndAt, 10.9f);
     }
-    for (Phase p : {Phase::Title, Phase::Inspect, Phase::Attack, Phase::Over}) {  // only the build can end
-        Game g = ClassicGame(1);
-        g.phase = p;
-        g.EndBuild(true);
-        EXPECT_EQ(g.phase, p);
-        EXPECT_TRUE(g.TakeEvents().empty());
-    }
+    Game g = ClassicGame(1);
+    g.phase = Phase::Attack;
+    g.EndBuild(true);  // only the build can end
+    EXPECT_EQ(g.phase, Phase::Attack);
+    EXPECT_TRUE(g.TakeEvents().empty());
 }

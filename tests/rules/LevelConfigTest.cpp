@@ -50,13 +50,11 @@ TEST_F(LevelConfigRing, StatedLevelsAndInvariantsOverThirtyLevels) {
     EXPECT_EQ(Letters(ConfigFor(1)), "N");
     EXPECT_EQ(Letters(ConfigFor(7)), "NSOW");
     EXPECT_EQ(ConfigFor(7).sectors[3].centre, 8);  // west a quarter round
-    EXPECT_EQ(ConfigFor(0).shots, ConfigFor(1).shots);
-    EXPECT_EQ(ConfigFor(-5).pieces, ConfigFor(1).pieces);
+    EXPECT_EQ(ConfigFor(-5).pieces, ConfigFor(1).pieces);  // levels below one count as one
     LevelConfig previous = ConfigFor(1);
     for (int level = 1; level <= 30; ++level) {
         SCOPED_TRACE(level);
         const LevelConfig c = ConfigFor(level);
-        EXPECT_TRUE(c.ring);
         EXPECT_GE(c.line, 5);
         EXPECT_LE(c.line, c.height - 2);
         EXPECT_GE(c.need, 50);
@@ -79,42 +77,10 @@ TEST_F(LevelConfigRing, StatedLevelsAndInvariantsOverThirtyLevels) {
     }
 }
 
-TEST_F(LevelConfigRing, RingSizeAndRuinComeFromTheSettings) {
-    GetSettings().ringWidth = 40;
-    GetSettings().ringHeight = 18;
-    GetSettings().ruinRows = 6;
-    const LevelConfig c = ConfigFor(30);
-    EXPECT_EQ(c.width, 40);
-    EXPECT_EQ(c.ruinRows, 6);
-    EXPECT_EQ(c.line, 16);
-    EXPECT_EQ(c.sectors[1].centre, 20);  // south at half the ring
-    const Sector east = CompassSector('x', GetSettings());  // unknown letters are the east
-    EXPECT_EQ(east.letter, 'O');
-    EXPECT_EQ(east.centre, 30);
-    EXPECT_EQ(east.label, "Osten");
-}
-
-TEST_F(LevelConfigRing, SectorsTakeEightColumnsAroundTheCentreAcrossTheSeam) {
-    const Sector north{0, 8, 'N', "Norden"};
-    std::vector<int> inside;
-    for (int x = -4; x < 36; ++x)
-        if (north.Contains(x, 32)) inside.push_back(x);
-    EXPECT_EQ(inside, (std::vector<int>{-4, -3, -2, -1, 0, 1, 2, 3, 28, 29, 30, 31, 32, 33, 34, 35}));
-    EXPECT_EQ(north.First(32), 28);
-    const Sector odd{5, 3, 'W', "Westen"};
-    EXPECT_TRUE(odd.Contains(4, 32));
-    EXPECT_FALSE(odd.Contains(6, 32));
-}
-
-class LevelConfigClassic : public RulesTest {
-protected:
-    void SetUp() override {
-        RulesTest::SetUp();
-        GetSettings().classic = 1;
-    }
-};
+class LevelConfigClassic : public RulesTest {};
 
 TEST_F(LevelConfigClassic, StatedLevelsAndInvariantsOverTenLevels) {
+    GetSettings().classic = 1;
     ExpectRow({1, 1, 8, 14, 6, 6, 17, -1, 4, 70.0f, 4.0f, 5.0f});
     // 2 towers of 10 by 16: 62 percent of 320 cells, a quarter, is 49.6 -> 50 pieces.
     ExpectRow({3, 2, 10, 16, 7, 15, 50, -1, -1, 83.0f, 4.0f * 0.86f * 0.86f, 4.1f / 1.25f});
@@ -128,7 +94,6 @@ TEST_F(LevelConfigClassic, StatedLevelsAndInvariantsOverTenLevels) {
     for (int level = 1; level <= 10; ++level) {
         SCOPED_TRACE(level);
         const LevelConfig c = ConfigFor(level);
-        EXPECT_FALSE(c.ring);
         EXPECT_LE(c.towers, 5);
         EXPECT_TRUE(c.width == 8 || c.width == 10);
         EXPECT_LE(c.need, 85);
@@ -151,68 +116,37 @@ TEST_F(LevelConfigClassic, StatedLevelsAndInvariantsOverTenLevels) {
 
 class LevelConfigPack : public RulesTest {};
 
-TEST_F(LevelConfigPack, ALevelOfTheActivePackReplacesTheRingValues) {
+TEST_F(LevelConfigPack, ALevelOfTheActivePackReplacesTheRingValuesAndTheDifficulty) {
     LevelPack pack;
-    PackLevel first;
+    pack.levels.resize(1);
+    PackLevel& first = pack.levels[0];
     first.build = 60;
-    first.pieces = 18;
     first.line = 13;
-    first.need = 55;
     first.shots = 7;
     first.interval = 35;
     first.directions = "NO";
     first.waves = false;
-    PackLevel second;
-    second.shots = 20;
-    second.directions = "WSON";
-    pack.levels = {first, second};
+    first.prep = true;
     SetActivePack(&pack);
     pack.levels.clear();  // the active pack is a copy
     const LevelConfig c1 = ConfigFor(1);
     EXPECT_TRUE(c1.fromPack);
-    EXPECT_FALSE(c1.waves);
     EXPECT_FLOAT_EQ(c1.buildTime, 60.0f);
-    EXPECT_EQ(c1.pieces, 18);
     EXPECT_EQ(c1.line, 12);  // limited to two below the top
-    EXPECT_EQ(c1.need, 55);
     EXPECT_FLOAT_EQ(c1.interval, 3.5f);
     EXPECT_EQ(Letters(c1), "NO");
-    EXPECT_EQ(c1.spareOnes, 3);             // (8 * 4 / 5 + 2) / 3, no row minimum in a pack
-    EXPECT_FLOAT_EQ(c1.flightTime, 4.0f);   // a pack cannot set the flight
-    EXPECT_EQ(ConfigFor(2).spareTwos, 6);   // (21 * 4 / 5 + 2) / 3
-    EXPECT_FALSE(ConfigFor(3).fromPack);    // beyond the pack the built-in levels apply
-    LevelPack empty;
-    SetActivePack(&empty);
-    EXPECT_EQ(ActivePack(), nullptr);
-}
-
-TEST_F(LevelConfigPack, DifficultyTableAndPacksThatOverrideIt) {
+    EXPECT_EQ(c1.spareOnes, 3);            // (8 * 4 / 5 + 2) / 3, no row minimum in a pack
+    EXPECT_FLOAT_EQ(c1.flightTime, 4.0f);  // a pack cannot set the flight
+    EXPECT_FALSE(ConfigFor(3).fromPack);   // beyond the pack the built-in levels apply
     GetSettings().classic = 0;
-    Game g(1);
-    g.StartLevel(3);  // two sectors
-    const bool table[4][4] = {{true, true, false, true}, {false, true, false, true}, {false, false, false, true},
-                              {false, false, true, false}};
-    for (int d = 0; d < 4; ++d) {
-        SCOPED_TRACE(d);
-        GetSettings().difficulty = d;
-        GetSettings().repair_mode = 0;
-        EXPECT_EQ(g.Waves(), table[d][0]);
-        EXPECT_EQ(g.PrepAllowed(), table[d][1]);
-        EXPECT_EQ(g.BuildsInAttack(), table[d][2]);
-        EXPECT_EQ(g.FreeRepair(), table[d][3]);
-        GetSettings().repair_mode = 1;
-        EXPECT_FALSE(g.FreeRepair());
-    }
-    LevelPack pack;
-    pack.levels.resize(1);
-    pack.levels[0].directions = "NSOW";
-    pack.levels[0].waves = false;
-    pack.levels[0].prep = true;
-    SetActivePack(&pack);
+    GetSettings().difficulty = 3;
     GetSettings().repair_mode = 0;
-    g.StartLevel(1);  // still the hardest difficulty
+    Game g(1);
     EXPECT_FALSE(g.Waves());
     EXPECT_TRUE(g.PrepAllowed());
     EXPECT_FALSE(g.BuildsInAttack());
     EXPECT_TRUE(g.FreeRepair());
+    LevelPack empty;
+    SetActivePack(&empty);
+    EXPECT_EQ(ActivePack(), nullptr);
 }

@@ -1,6 +1,5 @@
 #pragma once
-// Shared set-up for the rules tests: settings restored after each test, walls
-// laid by hand, the clock run forward and views of the event queue.
+// Shared set-up for the rules tests: settings restored, walls laid by hand, views of the event queue.
 #include "game/Lang.h"
 #include "game/Level.h"
 #include "game/LevelPack.h"
@@ -14,7 +13,7 @@
 
 namespace torvane::testing_support {
 
-// Restores the settings, language and pack; texts are checked in German, the source language.
+// Texts are checked in German, the source language.
 class RulesTest : public ::testing::Test {
 protected:
     void SetUp() override {
@@ -44,8 +43,6 @@ inline Game EmptyGame(bool classic, int level, unsigned seed = 1) {
     return g;
 }
 inline Game ClassicGame(int level) { return EmptyGame(true, level); }
-inline Game RingGame(int level) { return EmptyGame(false, level); }
-
 inline void Fill(Game& g, int tower, int x, int y) { g.AddPiece(tower, '1', {{x, y}}, false); }
 // Fills rows [y0, y1) of column x.
 inline void FillColumn(Game& g, int tower, int x, int y0, int y1) {
@@ -53,8 +50,8 @@ inline void FillColumn(Game& g, int tower, int x, int y0, int y1) {
 }
 inline bool Occupied(const Game& g, int tower, int x, int y) { return g.CellAt(tower, x, y) != 0; }
 inline int CountCells(const Game& g, int tower) {
-    return static_cast<int>(g.towers[tower].cells.size()) -
-           static_cast<int>(std::count(g.towers[tower].cells.begin(), g.towers[tower].cells.end(), 0));
+    const std::vector<int32_t>& c = g.towers[tower].cells;
+    return static_cast<int>(c.size() - static_cast<size_t>(std::count(c.begin(), c.end(), 0)));
 }
 
 inline std::vector<std::string> Texts(const std::vector<Event>& events, Event::Kind kind) {
@@ -76,23 +73,18 @@ inline int CountSound(const std::vector<Event>& events, Sfx sfx) {
 inline bool HasText(const std::vector<Event>& events, const std::string& text) {
     return std::any_of(events.begin(), events.end(), [&](const Event& e) { return e.text == text; });
 }
-inline std::vector<Cell> Sorted(std::vector<Cell> cells) {
-    std::sort(cells.begin(), cells.end());
-    return cells;
-}
+inline std::vector<Cell> Sorted(std::vector<Cell> c) { return std::sort(c.begin(), c.end()), c; }
 
 // Grid and piece map agree: a cell holds id n exactly when pieces[n] lists it.
-inline ::testing::AssertionResult GridMatchesPieces(const Game& g) {
-    size_t listed = 0, occupied = 0;
-    for (const auto& [id, piece] : g.pieces) {
-        for (const Cell& c : piece.cells)
-            if (g.CellAt(piece.tower, c.x, c.y) != id)
-                return ::testing::AssertionFailure() << "piece " << id << " at " << c.x << "," << c.y;
-        listed += piece.cells.size();
-    }
+inline bool GridMatchesPieces(const Game& g) {
+    int listed = 0, occupied = 0;
+    for (const auto& [id, piece] : g.pieces)
+        for (const Cell& c : piece.cells) {
+            if (g.CellAt(piece.tower, c.x, c.y) != id) return false;
+            ++listed;
+        }
     for (int t = 0; t < static_cast<int>(g.towers.size()); ++t) occupied += CountCells(g, t);
-    if (occupied != listed) return ::testing::AssertionFailure() << occupied << " cells, " << listed << " listed";
-    return ::testing::AssertionSuccess();
+    return occupied == listed;
 }
 
 // A ring level 1 at default settings with an empty wall and no supply.
@@ -106,10 +98,8 @@ protected:
         game.NewGame();
         game.DebugClearTowers();
         game.supply.clear();
-        game.selected = 0;
         game.TakeEvents();
     }
-    // A horizontal run of `n` cells from (x, y), wrapped on the ring.
     std::vector<Cell> Row(int x, int y, int n) const {
         std::vector<Cell> cells;
         for (int i = 0; i < n; ++i) cells.push_back(Cell{game.WrapX(x + i), y});
@@ -120,8 +110,7 @@ protected:
         game.DebugPlace(0, type, cells);
         return id;
     }
-    // An attack with no shots of its own: only FireAt fires, and one shot stays
-    // owed to a wave that never comes, so the attack does not end.
+    // Only FireAt fires; one shot stays owed to a wave that never comes, so the attack does not end.
     void QuietAttack() {
         game.config.shots = game.config.spareOnes = game.config.spareTwos = 0;
         game.phase = Phase::Announce;
