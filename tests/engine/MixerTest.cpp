@@ -45,7 +45,6 @@ TEST_F(Mixer, ClipPlaysInPlaceAtItsVolumeLoopsAndTheMixIsClipped) {
     mixer::Start(*a);
     mixer::Start(*b);
     EXPECT_EQ(Render(*engine, 5)[4], 1.0f);
-    EXPECT_FALSE(mixer::InitFromMemory(*engine, nullptr, 0, kRate));
 }
 
 TEST_F(Mixer, FadesAreLinearAndStopWithoutFadeSilencesAtOnce) {
@@ -69,7 +68,7 @@ TEST_F(Mixer, FadesAreLinearAndStopWithoutFadeSilencesAtOnce) {
 }
 
 TEST_F(Mixer, StreamsPlayToTheirEndLoopResampleAndWaitForTheDecoder) {
-    EXPECT_FALSE(Track("/missing.mp3") || Track("/broken.mp3"));
+    EXPECT_FALSE(Track("/missing.mp3") || Track("/broken.mp3") || mixer::InitFromMemory(*engine, nullptr, 0, kRate));
     auto once = Track("/tone440.mp3"), looped = Track("/tone440.mp3"), other = Track("/tone1000.mp3");
     ASSERT_TRUE(once && looped && other);
     mixer::Start(*once);
