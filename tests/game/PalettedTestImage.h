@@ -9,9 +9,7 @@
 
 namespace torvane::testing_support {
 
-inline void WriteText(const std::string& path, const std::string& text) {
-    std::ofstream(path, std::ios::binary) << text;
-}
+inline void WriteText(const std::string& path, const std::string& text) { std::ofstream(path) << text; }
 
 // `pixels` are row-major indices; each row goes into a stored deflate block of its own.
 inline void WritePalettedPng(const std::string& path, int w, int h, const std::vector<uint8_t>& pixels,
