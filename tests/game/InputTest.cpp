@@ -1,5 +1,5 @@
 // Key sequences through the headless seam on a real application.
-#include "engine/Music.h"
+#include "engine/Mixer.h"
 #include "game/Level.h"
 #include "game/TorvaneApp.h"
 #include "pge/Headless.h"
@@ -23,15 +23,16 @@ class InputTest : public ::testing::Test {
 protected:
     void SetUp() override {
         saved = torvane::GetSettings();
-        adv::Music::Disable();
+        adv::mixer::UseOffline(44100); // music and sounds run, on no device
     }
     void TearDown() override {
         run.reset();
+        adv::mixer::UseOffline(0);
         torvane::GetSettings() = saved;
     }
 
     void Start(std::vector<const char*> args) {
-        args.insert(args.begin(), {"torvane", "--no-sound", "--seed=11"});
+        args.insert(args.begin(), {"torvane", "--seed=11"});
         torvane::ApplyRunOptions(app, int(args.size()), args.data());
         run = std::make_unique<pge::Headless>(app);
         ASSERT_TRUE(run->Create());

@@ -61,7 +61,7 @@ TEST(TorvaneAppRunOptions, DefaultsAndTheWindowedFlag) {
 
 TEST(TorvaneAppRunOptions, FlagsSetTheirMembers) {
     TorvaneApp app;
-    Apply(app, {"--settings", "--screenshot=out/a b.png", "--exit-on=over", "--log-keys", "--no-sound", "--classic"});
+    Apply(app, {"--settings", "--screenshot=out/a b.png", "--exit-on=over", "--log-keys", "--classic"});
     EXPECT_TRUE(app.settingsOpen);
     EXPECT_TRUE(app.skipIntro);
     EXPECT_EQ(app.screenshotPath, "out/a b.png");
