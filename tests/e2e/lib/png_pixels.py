@@ -9,8 +9,9 @@ import sys
 import zlib
 
 
-def main():
-    data = open(sys.argv[1], "rb").read()
+def rows(path):
+    """The picture's rows of RGBA bytes, filter bytes removed."""
+    data = open(path, "rb").read()
     if data[:8] != b"\x89PNG\r\n\x1a\n":
         sys.exit("bad signature")
     at, idat, width, height = 8, b"", 0, 0
@@ -31,14 +32,17 @@ def main():
     stride = 1 + 4 * width
     if len(raw) != stride * height:
         sys.exit("wrong data size")
-    pixels = set()
-    for y in range(height):
-        row = raw[y * stride:(y + 1) * stride]
-        if row[0] != 0:
-            sys.exit("filter byte not 0")
-        for x in range(width):
-            pixels.add(row[1 + 4 * x:5 + 4 * x])
-    first = raw[1:5].hex()
+    if any(raw[y * stride] != 0 for y in range(height)):
+        sys.exit("filter byte not 0")
+    return [raw[y * stride + 1:(y + 1) * stride] for y in range(height)]
+
+
+def main():
+    picture = rows(sys.argv[1])
+    height = len(picture)
+    width = len(picture[0]) // 4 if picture else 0
+    pixels = {row[4 * x:4 * x + 4] for row in picture for x in range(width)}
+    first = picture[0][:4].hex() if picture else ""
     print(f"{width} {height} distinct={len(pixels)} first={first}")
 
 

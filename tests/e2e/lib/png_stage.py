@@ -6,31 +6,13 @@ The stage is the band between the HUD line and the help bar (rows 18 to 385).
 "red" counts the pixels of the Defence Line's hue: strong red, little green and blue.
 Decoding is that of png_pixels.py (8-bit RGBA, filter 0, as the game writes them).
 """
-import struct
+import os
 import sys
-import zlib
+
+sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
+from png_pixels import rows  # noqa: E402
 
 STAGE_TOP, STAGE_BOTTOM = 18, 386
-
-
-def rows(path):
-    data = open(path, "rb").read()
-    if data[:8] != b"\x89PNG\r\n\x1a\n":
-        sys.exit("bad signature")
-    at, idat, width, height = 8, b"", 0, 0
-    while at < len(data):
-        length, kind = struct.unpack(">I4s", data[at:at + 8])
-        body = data[at + 8:at + 8 + length]
-        if kind == b"IHDR":
-            width, height, depth, colour = struct.unpack(">IIBB", body[:10])
-            if depth != 8 or colour != 6:
-                sys.exit("not 8-bit RGBA")
-        elif kind == b"IDAT":
-            idat += body
-        at += 12 + length
-    raw = zlib.decompress(idat)
-    stride = 1 + 4 * width
-    return [raw[y * stride + 1:(y + 1) * stride] for y in range(height)]
 
 
 def main():
