@@ -5,11 +5,7 @@ set -euo pipefail
 BUILD=$1
 HERE=$(cd "$(dirname "$0")" && pwd)
 source "$HERE/lib/xvfb.bash"
-start_xvfb
-
-WORK=$(mktemp -d)
-trap 'stop_xvfb; rm -rf "$WORK"' EXIT
-cd "$WORK"
+start_xvfb_in_workdir
 
 run() { # $1 screenshot, $2 seconds
     "$BUILD/torvane" --windowed --no-sound --seed=3 --level=1 --skip-intro --exit-after="$2" --screenshot="$1" 2>/dev/null

@@ -4,11 +4,7 @@ set -euo pipefail
 BUILD=$1
 HERE=$(cd "$(dirname "$0")" && pwd)
 source "$HERE/lib/xvfb.bash"
-start_xvfb
-
-WORK=$(mktemp -d)
-trap 'stop_xvfb; rm -rf "$WORK"' EXIT
-cd "$WORK"
+start_xvfb_in_workdir
 
 set +e
 "$BUILD/torvane" --windowed --no-sound --seed=5 --autoplay --level=2 --exit-on=attack --screenshot=OUT.png 2>err.txt

@@ -1,5 +1,5 @@
 # Shared by the end-to-end scripts: a private X server and a few checks.
-# Usage: source this file, then start_xvfb; the server is killed on exit.
+# Usage: source this file, then start_xvfb (or start_xvfb_in_workdir); the server is killed on exit.
 
 XVFB_PID=""
 
@@ -30,6 +30,14 @@ stop_xvfb() {
         wait "$XVFB_PID" 2>/dev/null || true
         XVFB_PID=""
     fi
+}
+
+# A private X server and a fresh working folder that both go away on exit.
+start_xvfb_in_workdir() {
+    start_xvfb
+    WORK=$(mktemp -d)
+    trap 'stop_xvfb; rm -rf "$WORK"' EXIT
+    cd "$WORK"
 }
 
 fail() {
