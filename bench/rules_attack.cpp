@@ -1,6 +1,6 @@
 // One frame of the attack with ten balls in the air and five holes burning.
-#include "game/Level.h"
-#include "game/TorvaneGame.h"
+#include "game/rules/Level.h"
+#include "game/rules/TorvaneGame.h"
 
 #include <benchmark/benchmark.h>
 

@@ -1,6 +1,6 @@
 // Cost of laying a level and of one frame of the build phase with a drop.
-#include "game/Level.h"
-#include "game/TorvaneGame.h"
+#include "game/rules/Level.h"
+#include "game/rules/TorvaneGame.h"
 
 #include <benchmark/benchmark.h>
 

@@ -1,11 +1,11 @@
 // The stage of one frame, TowerView::Draw at 640 by 368, for the ring in the build
 // and the attack phase, five classic towers, and a paletted background that cycles.
 #include "engine/Assets.h"
-#include "game/Pieces.h"
-#include "game/RingCamera.h"
-#include "game/TowerView.h"
+#include "game/rules/Pieces.h"
+#include "game/stage/RingCamera.h"
+#include "game/stage/TowerView.h"
 #include "pge/Headless.h"
-#include "tests/game/PalettedTestImage.h"
+#include "tests/stage/PalettedTestImage.h"
 
 #include <benchmark/benchmark.h>
 

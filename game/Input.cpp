@@ -1,6 +1,6 @@
 // The application's input: keys and clicks, read once a frame from the key state.
-#include "game/Lang.h"
-#include "game/Level.h"
+#include "game/rules/Lang.h"
+#include "game/rules/Level.h"
 #include "game/TorvaneApp.h"
 
 namespace torvane {

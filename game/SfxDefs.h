@@ -1,7 +1,7 @@
 #pragma once
 // The recipe of every sound effect of the game, as calls of the synthesiser.
 #include "engine/Synth.h"
-#include "game/TorvaneGame.h"
+#include "game/rules/TorvaneGame.h"
 
 namespace torvane::sfx {
 

@@ -6,9 +6,9 @@
 #include "engine/PlatformKeys.h"
 #include "engine/Screenshot.h"
 #include "engine/Sound.h"
-#include "game/FrameSteps.h"
-#include "game/Lang.h"
-#include "game/Level.h"
+#include "game/rules/FrameSteps.h"
+#include "game/rules/Lang.h"
+#include "game/rules/Level.h"
 #include "game/TorvaneSounds.h"
 #include "pge/WindowTitle.h"
 

@@ -1,9 +1,9 @@
 #pragma once
 // The application: owns everything that lives for the whole run, and runs the frame.
-#include "game/AutoPlayer.h"
-#include "game/RingCamera.h"
-#include "game/TorvaneGame.h"
-#include "game/TowerView.h"
+#include "game/rules/AutoPlayer.h"
+#include "game/stage/RingCamera.h"
+#include "game/rules/TorvaneGame.h"
+#include "game/stage/TowerView.h"
 #include "pge/PixelEngine.h"
 
 #include <cstdint>

@@ -1,6 +1,6 @@
 #pragma once
 // The game's sound effects as clips of adv::Sound, and its music for each phase.
-#include "game/TorvaneGame.h"
+#include "game/rules/TorvaneGame.h"
 
 #include <string>
 

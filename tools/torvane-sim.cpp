@@ -1,9 +1,9 @@
 // Plays the game without a window: the auto player at a fixed frame time, through
 // the same frame steps as the application, printing one JSON line per level.
-#include "game/AutoPlayer.h"
-#include "game/FrameSteps.h"
-#include "game/Level.h"
-#include "game/TorvaneGame.h"
+#include "game/rules/AutoPlayer.h"
+#include "game/rules/FrameSteps.h"
+#include "game/rules/Level.h"
+#include "game/rules/TorvaneGame.h"
 
 #include <cerrno>
 #include <cstdint>

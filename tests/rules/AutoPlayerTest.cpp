@@ -1,9 +1,9 @@
 // The auto player: where it builds, how it repairs, and whole games through the frame steps.
 #include "RulesTestSupport.h"
 
-#include "game/AutoPlayer.h"
-#include "game/FrameSteps.h"
-#include "game/Pieces.h"
+#include "game/rules/AutoPlayer.h"
+#include "game/rules/FrameSteps.h"
+#include "game/rules/Pieces.h"
 
 using namespace torvane;
 using namespace torvane::testing_support;

@@ -1,8 +1,8 @@
 // The frame's steps without a window: the rules, the camera, the bot's timers, the phase watch.
 #include "RulesTestSupport.h"
 
-#include "game/AutoPlayer.h"
-#include "game/FrameSteps.h"
+#include "game/rules/AutoPlayer.h"
+#include "game/rules/FrameSteps.h"
 
 using namespace torvane;
 using namespace torvane::testing_support;

@@ -1,6 +1,6 @@
 #include "RulesTestSupport.h"
 
-#include "game/Pieces.h"
+#include "game/rules/Pieces.h"
 
 #include <cmath>
 #include <random>

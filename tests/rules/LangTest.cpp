@@ -1,11 +1,8 @@
 #include "RulesTestSupport.h"
+#include "SourceScan.h"
 
-#include <dirent.h>
-
-#include <fstream>
 #include <regex>
 #include <set>
-#include <sstream>
 
 using namespace torvane;
 using namespace torvane::testing_support;
@@ -36,23 +33,15 @@ TEST_F(LangTr, TrfFillsPlaceholdersOnceAfterTranslation) {
     EXPECT_EQ(Trf("+{0} Reihe!", {"140"}), "+140 row!");
 }
 
-// Every literal handed directly to Tr or Trf in the game's sources.
+// Every literal handed directly to Tr or Trf in the game's sources, in all its folders.
 std::set<std::string> LiteralKeys() {
-    const std::string dir = std::string(TORVANE_SOURCE_DIR) + "/game";
     const std::regex call(R"re(\bTrf?\(\s*"((?:[^"\\]|\\.)*)")re");
     std::set<std::string> keys;
-    DIR* d = opendir(dir.c_str());
-    while (dirent* e = d ? readdir(d) : nullptr) {
-        const std::string name = e->d_name;
-        if (name.size() < 5 || name.compare(name.size() - 4, 4, ".cpp") != 0) continue;
-        std::ifstream in(dir + "/" + name);
-        std::stringstream text;
-        text << in.rdbuf();
-        const std::string s = text.str();
+    for (const std::string& file : SourceFiles("game")) {
+        const std::string s = ReadSource(file);
         for (auto it = std::sregex_iterator(s.begin(), s.end(), call); it != std::sregex_iterator(); ++it)
             keys.insert((*it)[1].str());
     }
-    if (d) closedir(d);
     return keys;
 }
 

@@ -1,9 +1,9 @@
 #pragma once
 // Shared set-up for the rules tests: settings restored, walls laid by hand, views of the event queue.
-#include "game/Lang.h"
-#include "game/Level.h"
-#include "game/LevelPack.h"
-#include "game/TorvaneGame.h"
+#include "game/rules/Lang.h"
+#include "game/rules/Level.h"
+#include "game/rules/LevelPack.h"
+#include "game/rules/TorvaneGame.h"
 
 #include <gtest/gtest.h>
 

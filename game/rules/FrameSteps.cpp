@@ -1,0 +1,46 @@
+// The frame's steps that need no window, shared by the application and the simulator.
+#include "game/rules/FrameSteps.h"
+
+#include <algorithm>
+
+namespace torvane::frame {
+
+float RulesStep(float elapsed) { return std::min(elapsed, kMaxStep); }
+
+void HoldBotAtCard(Phase to, bool autoplay, float& autoTimer) {
+    if (autoplay && (to == Phase::Announce || to == Phase::Eval || to == Phase::Over)) autoTimer = kBotCardPause;
+}
+
+bool RunRules(const Refs& refs, float dt, const Hooks& hooks) {
+    Game& game = refs.game;
+    if (!refs.paused) {
+        game.Update(dt);
+        if (hooks.rulesStepped) hooks.rulesStepped();
+    }
+
+    if (hooks.camera) hooks.camera(dt);
+
+    if (refs.autoplay && !refs.paused) {
+        refs.autoTimer -= dt;
+        if (refs.autoTimer <= 0.0f) {
+            if (game.phase == Phase::Over) {
+                if (hooks.beforeRestart) hooks.beforeRestart();
+                game.NewGame();
+                refs.autoTimer = kBotRestart;
+            } else {
+                refs.autoPlayer.Step(game);
+                refs.autoTimer = game.phase == Phase::Attack ? kBotAttackStep : kBotStep;
+            }
+        }
+    }
+
+    if (game.phase == refs.lastPhase && game.level == refs.lastLevel) return false;
+    // A new level with the same phase counts as a change too.
+    HoldBotAtCard(game.phase, refs.autoplay, refs.autoTimer);
+    if (hooks.phaseChanged) hooks.phaseChanged(refs.lastPhase, game.phase);
+    refs.lastPhase = game.phase;
+    refs.lastLevel = game.level;
+    return true;
+}
+
+} // namespace torvane::frame

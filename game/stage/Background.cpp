@@ -1,0 +1,202 @@
+// The landscape behind the tower: a paletted image with colour cycles, else a
+// true-colour image, else one painted by formula; built once per level and stage.
+#include "engine/Assets.h"
+#include "engine/Canvas.h"
+#include "game/stage/TowerView.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+
+namespace torvane {
+
+namespace {
+
+pge::Pixel Darken(pge::Pixel p, uint8_t darkness) {
+    const int keep = 255 - darkness;
+    return pge::Pixel(static_cast<uint8_t>(p.r * keep / 255), static_cast<uint8_t>(p.g * keep / 255),
+                      static_cast<uint8_t>(p.b * keep / 255), 255);
+}
+
+bool Cycled(const std::vector<adv::PaletteCycle>& cycles, int index) {
+    return std::any_of(cycles.begin(), cycles.end(),
+                       [index](const adv::PaletteCycle& c) { return index >= c.start && index <= c.end; });
+}
+
+} // namespace
+
+void TowerView::BuildBackground(const Game& game, const Layout& lay) {
+    const int W = lay.stage.w;
+    const int H = lay.stage.h;
+    background = std::make_unique<pge::Sprite>(W, H);
+
+    // The vignette: darker towards the corners, up to 71/255.
+    vignette.assign(static_cast<size_t>(std::max(W, 0)) * static_cast<size_t>(std::max(H, 0)), 0);
+    const float inner = static_cast<float>(std::min(W, H)) * 0.35f;
+    const float outer = static_cast<float>(std::max(W, H)) * 0.75f;
+    for (int y = 0; y < H; ++y)
+        for (int x = 0; x < W; ++x) {
+            const float d = std::hypot(static_cast<float>(x) - static_cast<float>(W) * 0.5f,
+                                       static_cast<float>(y) - static_cast<float>(H) * 0.55f);
+            if (d <= inner) continue;
+            vignette[static_cast<size_t>(y) * static_cast<size_t>(W) + static_cast<size_t>(x)] =
+                static_cast<uint8_t>(std::min(static_cast<int>((d - inner) / (outer - inner) * 71.0f), 71));
+        }
+
+    painted = false;
+    indexed.reset();
+    cycles.clear();
+    cyclePixels.clear();
+    cycleFrames.clear();
+    frame = TowerFrame();
+
+    const std::string& key = BackgroundFor(ThemeFor(game.level));
+    const std::string path = adv::Assets::Root() + "/" + key;
+    pge::Pixel* out = background->GetData();
+
+    auto image = std::make_unique<adv::IndexedImage>();
+    if (!key.empty() && W > 0 && H > 0 && image->Load(path) && image->width > 0 && image->height > 0) {
+        indexed = std::move(image);
+        cycles = ColorCyclesFor(key);
+        frame = TowerFrameFor(key);
+        const int iw = indexed->width;
+        const int ih = indexed->height;
+        frameScale = static_cast<float>(W) / static_cast<float>(iw);
+        // The image at the stage's full width, hanging from the top of the screen.
+        const long sh = std::max(std::lround(static_cast<double>(ih) * W / iw), 1L);
+        const std::array<pge::Pixel, 256> pal = indexed->CycledPalette(cycles, lastTime);
+        for (int y = 0; y < H; ++y) {
+            const int sy = static_cast<int>(std::clamp((static_cast<long>(y + lay.stage.y) * ih) / sh, 0L,
+                                                       static_cast<long>(ih - 1)));
+            for (int x = 0; x < W; ++x) {
+                const int sx = std::min((x * iw) / W, iw - 1);
+                const uint8_t idx = indexed->pixels[static_cast<size_t>(sy) * static_cast<size_t>(iw) +
+                                                    static_cast<size_t>(sx)];
+                const int32_t at = y * W + x;
+                out[at] = Darken(pal[idx], vignette[static_cast<size_t>(at)]);
+                if (Cycled(cycles, idx)) cyclePixels.push_back({at, idx});
+            }
+        }
+        for (const adv::PaletteCycle& c : cycles) cycleFrames.push_back(c.Frame(lastTime));
+        painted = true;
+    } else if (!key.empty() && W > 0 && H > 0 && !adv::Assets::Missing(key)) {
+        const pge::Sprite source(path);
+        if (source.width > 0 && source.height > 0) {
+            frame = TowerFrameFor(key);
+            frameScale = static_cast<float>(W) / static_cast<float>(source.width);
+            const int sh = static_cast<int>(
+                std::max(std::lround(static_cast<double>(source.height) * W / source.width), 1L));
+            const std::unique_ptr<pge::Sprite> scaled = adv::canvas::Downscale(source, W, sh);
+            for (int y = 0; y < H; ++y) {
+                const int sy = std::clamp(y + lay.stage.y, 0, sh - 1);
+                std::memcpy(out + static_cast<size_t>(y) * static_cast<size_t>(W),
+                            scaled->GetData() + static_cast<size_t>(sy) * static_cast<size_t>(W),
+                            static_cast<size_t>(W) * sizeof(pge::Pixel));
+            }
+            painted = true;
+        }
+    }
+    if (!painted) BuildPaintedBackground(game, lay);
+    if (!indexed)
+        for (size_t i = 0; i < vignette.size(); ++i) out[i] = Darken(out[i], vignette[i]);
+
+    backgroundLevel = game.level;
+    cachedStage = lay.stage;
+}
+
+void TowerView::BuildPaintedBackground(const Game& game, const Layout& lay) {
+    namespace cv = adv::canvas;
+    pge::Sprite* s = background.get();
+    const Theme& theme = ThemeFor(game.level);
+    const float L = static_cast<float>(game.level);
+    const int W = lay.stage.w;
+    const int H = lay.stage.h;
+    const float w = static_cast<float>(W), h = static_cast<float>(H);
+    const float cell = lay.cell;
+    const auto column = [&](int x, float y, pge::Pixel colour) {
+        const int top = static_cast<int>(std::lround(y));
+        cv::FillRect(s, x, top, 1, H - top, colour);
+    };
+    const auto alpha = [](pge::Pixel p, uint8_t a) { return pge::Pixel(p.r, p.g, p.b, a); };
+
+    cv::VerticalGradient(s, 0, 0, W, H, theme.skyTop, theme.skyBottom);
+
+    const float r = std::min(w, h) * 0.055f;
+    const pge::vf2d sun(w * 0.84f, h * 0.2f);
+    cv::RadialGradient(s, sun, r * 0.3f, r * 4.5f, theme.glow, alpha(theme.glow, 0));
+    cv::FillCircle(s, sun, r, theme.sun);
+
+    for (int x = 0; x < W; ++x) {
+        const float p = L * 1.7f;
+        const float q = 2.0f * static_cast<float>(x) * 0.004f;
+        column(x, h * 0.56f + std::sin(p + q) * h * 0.06f + h * 0.06f * std::sin(2.0f * p + q * 3.1f) * 0.3f,
+               alpha(theme.hills, 140));
+    }
+    for (int x = 0; x < W; ++x) {
+        const float p = L * 0.9f + 2.0f;
+        const float q = 2.0f * static_cast<float>(x) * 0.007f;
+        column(x, h * 0.63f + h * 0.05f * std::sin(q + p) + std::sin(2.0f * p + q * 3.1f) * h * 0.05f * 0.3f,
+               alpha(theme.hills, 229));
+    }
+    cv::VerticalGradient(s, 0, static_cast<int>(h * 0.5f), W, static_cast<int>(h * 0.22f), alpha(theme.haze, 0),
+                         theme.haze);
+
+    const float g = lay.baseY - static_cast<float>(lay.stage.y); // the tower's foot in the sprite
+    for (int x = 0; x < W; ++x)
+        column(x, (g - cell * 1.2f) + cell * std::sin(L + 2.0f * static_cast<float>(x) * 0.02f) * 0.25f,
+               theme.ground);
+    const int y0 = static_cast<int>(g - cell * 1.4f);
+    cv::VerticalGradient(s, 0, y0, W, H - y0, pge::Pixel(0, 0, 0, 0), pge::Pixel(0, 0, 0, 64));
+}
+
+void TowerView::DrawBackground(pge::PixelEngine& engine, const Game& game, const Layout& lay, float time) {
+    if (!background || backgroundLevel != game.level || cachedStage.w != lay.stage.w ||
+        cachedStage.h != lay.stage.h || cachedStage.y != lay.stage.y)
+        BuildBackground(game, lay);
+
+    // Colour cycling touches only the cycled pixels, and only when a cycle steps.
+    if (indexed && !cycles.empty()) {
+        bool stepped = false;
+        for (size_t i = 0; i < cycles.size(); ++i) {
+            const int f = cycles[i].Frame(time);
+            stepped = stepped || f != cycleFrames[i];
+            cycleFrames[i] = f;
+        }
+        if (stepped) {
+            const std::array<pge::Pixel, 256> pal = indexed->CycledPalette(cycles, time);
+            pge::Pixel* out = background->GetData();
+            for (const CyclePixel& c : cyclePixels)
+                out[c.pixel] = Darken(pal[c.index], vignette[static_cast<size_t>(c.pixel)]);
+        }
+    }
+
+    pge::Sprite* target = engine.GetDrawTarget();
+    const StageRect& stage = lay.stage;
+    if (target && stage.x >= 0) {
+        const int n = std::min(stage.w, target->width - stage.x);
+        for (int y = 0; y < background->height && n > 0; ++y) {
+            const int ty = stage.y + y;
+            if (ty < 0 || ty >= target->height) continue;
+            std::memcpy(target->GetData() + static_cast<size_t>(ty) * static_cast<size_t>(target->width) +
+                            static_cast<size_t>(stage.x),
+                        background->GetData() + static_cast<size_t>(y) * static_cast<size_t>(background->width),
+                        static_cast<size_t>(n) * sizeof(pge::Pixel));
+        }
+    }
+    if (painted) return; // images carry their own sky
+
+    const pge::Pixel colour = ThemeFor(game.level).cloud;
+    const float W = static_cast<float>(stage.w), H = static_cast<float>(stage.h);
+    for (const Cloud& c : clouds) {
+        const float px = std::fmod(c.x + c.speed * time, 1.4f) - 0.2f;
+        const float bx = static_cast<float>(stage.x) + px * W;
+        const float by = static_cast<float>(stage.y) + c.y * H;
+        const float r = c.size * std::min(W * 0.045f, 28.0f);
+        static const float kPuffs[4][4] = {
+            {0.0f, 0.0f, 1.6f, 0.55f}, {-0.8f, 0.12f, 0.9f, 0.42f}, {0.85f, 0.14f, 1.0f, 0.4f}, {0.1f, -0.25f, 0.8f, 0.45f}};
+        for (const auto& p : kPuffs)
+            adv::canvas::FillEllipse(target, {bx + p[0] * r, by + p[1] * r}, p[2] * r, p[3] * r, colour);
+    }
+}
+
+} // namespace torvane

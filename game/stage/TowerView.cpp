@@ -1,0 +1,229 @@
+#include "game/stage/TowerView.h"
+
+#include "engine/Canvas.h"
+#include "game/rules/Pieces.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace torvane {
+
+namespace {
+
+const pge::Pixel kAccent(224, 135, 79);
+const pge::Pixel kWood(122, 80, 46);
+const pge::Pixel kWoodLight(168, 118, 70);
+const pge::Pixel kWoodDark(70, 44, 26);
+const pge::Pixel kDashed(255, 255, 255, 89);
+
+uint8_t Alpha(float f) { return static_cast<uint8_t>(std::clamp(f * 255.0f + 0.5f, 0.0f, 255.0f)); }
+
+} // namespace
+
+TowerView::TowerView() {
+    for (int i = 0; i < 6; ++i) {
+        Cloud c;
+        c.x = Random() * 1.3f;
+        c.y = 0.07f + Random() * 0.28f;
+        c.size = 0.6f + Random() * 0.9f;
+        c.speed = 0.004f + Random() * 0.006f;
+        clouds.push_back(c);
+    }
+}
+
+float TowerView::Random() { return std::generate_canonical<float, 24>(rng); }
+
+void TowerView::Reset() {
+    // The effects and the runner are reset here as well once they are on the view.
+    flashes.clear();
+    backgroundLevel = -1;
+}
+
+bool TowerView::FilledAt(int x, int y) const {
+    if (!mapTower) return false;
+    const int i = x - mapX;
+    const int j = y - mapY;
+    if (i < 0 || j < 0 || i >= mapW || j >= mapH) return false;
+    const int32_t id = wallMap[static_cast<size_t>(j) * static_cast<size_t>(mapW) + static_cast<size_t>(i)];
+    return id >= 0 && static_cast<size_t>(id) < mapTower->cells.size() && mapTower->cells[static_cast<size_t>(id)] != 0;
+}
+
+void TowerView::Draw(pge::PixelEngine& engine, const Game& game, const StageRect& stage, float time, float camera) {
+    // The background first, so that the layout below sees the frame of the image.
+    if (!background || backgroundLevel != game.level || stage.w != cachedStage.w || stage.h != cachedStage.h ||
+        stage.y != cachedStage.y)
+        BuildBackground(game, ComputeLayout(game, stage));
+    layout = ComputeLayout(game, stage);
+    layout.camera = camera;
+
+    // The runner's update, with dt = time - lastTime limited to 0..0.1, belongs here.
+    lastTime = time;
+
+    DrawBackground(engine, game, layout, time);
+    for (int t = 0; t < static_cast<int>(game.towers.size()); ++t) DrawTower(engine, game, layout, t);
+    // The labels of every tower follow here, above all towers.
+
+    // Then, in the build, inspection and attack phases: the runner on the active tower,
+    // the effects, the carousel (build and attack), and on a ring the minimap and the
+    // edge arrows; in every other phase the effects alone.
+}
+
+void TowerView::DrawTower(pge::PixelEngine& engine, const Game& game, const Layout& lay, int tower) {
+    namespace cv = adv::canvas;
+    pge::Sprite* target = engine.GetDrawTarget();
+    const Geo g = TowerGeo(lay, tower);
+    const pge::Pixel m = ThemeFor(game.level).stone;
+    const float cell = lay.cell;
+    const float t = game.clock;
+    const float w = std::sin(g.halfAngle) * g.rx; // the silhouette's half width
+    const float rows = static_cast<float>(g.rows);
+    const LevelConfig& config = game.config;
+    const bool active = game.phase == Phase::Build || game.phase == Phase::Attack;
+
+    // 1. Plinth.
+    if (!lay.integrated) {
+        cv::FillEllipse(target, {g.cx + w * 0.3f, g.baseY + cell * 0.5f + g.ry * 0.6f}, w * 1.4f, g.ry * 1.2f,
+                        pge::Pixel(0, 0, 0, 56));
+        const pge::Pixel side = cv::Shade(m, 0.42f, 255);
+        cv::FillEllipse(target, {g.cx, g.baseY + cell * 0.5f}, w * 1.13f, g.ry * 1.15f, side);
+        cv::FillRect(target, static_cast<int>(g.cx - w * 1.13f), static_cast<int>(g.baseY),
+                     static_cast<int>(w * 2.26f), static_cast<int>(g.baseY + cell * 0.5f - g.baseY) + 1, side);
+        cv::FillEllipse(target, {g.cx, g.baseY}, w * 1.13f, g.ry * 1.15f, cv::Shade(m, 0.62f, 255));
+    }
+
+    // 2. The back of the rim, seen through the open tower.
+    std::vector<pge::vf2d> back;
+    for (int i = 0; i <= 64; ++i) {
+        const float a = 2.0f * g.halfAngle * static_cast<float>(i) / 64.0f - g.halfAngle;
+        back.push_back({g.cx + std::sin(a) * g.rx, g.baseY - rows * g.cellH - std::cos(a) * g.ry});
+    }
+    cv::Polyline(target, back, kDashed, 1.0f, false, 4.0f, 3.0f);
+
+    // 3. Scaffold poles behind the wall.
+    if (!lay.integrated) {
+        const float yt = g.P(0.0f, rows, 1.0f).y;
+        const float yb = g.baseY + cell * 0.3f;
+        for (const float s : {-1.0f, 1.0f}) {
+            const float x = g.cx + s * (w + 2.0f);
+            cv::Line(target, {x, yt}, {x, yb}, kWoodDark, 3.0f);
+            cv::Line(target, {x - s, yt}, {x - s, yb}, kWood, 1.0f);
+        }
+    }
+
+    // 4. The wall, and from now on a mask that shows only where no block stands.
+    DrawWall(target, game, g, tower);
+    const cv::Mask open = [this](int x, int y) { return !FilledAt(x, y); };
+
+    // 6. The zone's outline passes behind the blocks.
+    cv::Polyline(target, g.Zone(), kDashed, 1.0f, true, 4.0f, 3.0f, open);
+
+    // 7. Ledge: a wooden beam along the rim.
+    if (!lay.integrated) {
+        const std::vector<pge::vf2d> upper = g.FrontCurve(rows, 1.0f, g.ring ? 0.0f : 0.84f / static_cast<float>(g.cols));
+        std::vector<pge::vf2d> lower;
+        for (auto it = upper.rbegin(); it != upper.rend(); ++it) lower.push_back({it->x, it->y + 4.0f});
+        std::vector<pge::vf2d> beam = upper;
+        beam.insert(beam.end(), lower.begin(), lower.end());
+        cv::FillPolygon(target, beam, kWood);
+        cv::Polyline(target, upper, kWoodLight, 1.0f, false);
+        cv::Polyline(target, lower, kWoodDark, 1.0f, false);
+    }
+
+    const auto cellAt = [&](int x, int y) {
+        return x >= 0 && y >= 0 && x < g.cols && y < g.rows ? game.CellAt(tower, x, y) : 0;
+    };
+
+    // 8. The attacked columns short of the line: the red gaps the player must close.
+    if (active)
+        for (int x = 0; x < g.cols; ++x) {
+            const int top = game.ColumnTop(tower, x);
+            if (!(game.EvalTop(tower, x) < config.line && game.IsAttackedColumn(x) && top < config.line)) continue;
+            for (int y = top; y < config.line; ++y) {
+                const float fx = static_cast<float>(x), fy = static_cast<float>(y);
+                cv::FillPolygon(target, g.CellPath(fx, fy, 0.0f), pge::Pixel(214, 60, 44, 77));
+                cv::Polyline(target, g.CellPath(fx, fy, 0.78f), pge::Pixel(255, 140, 110, 153), 1.0f, true);
+            }
+        }
+
+    // 9. In the build, the gaps that the inspection will bring down.
+    if (game.phase == Phase::Build)
+        for (const Cell& c : game.GapCells(tower)) {
+            const float fx = static_cast<float>(c.x), fy = static_cast<float>(c.y);
+            if (std::fabs(g.Angle(fx + 0.5f)) > g.halfAngle) continue;
+            cv::FillPolygon(target, g.CellPath(fx, fy, 0.0f), pge::Pixel(40, 10, 8, 102));
+            const pge::vf2d p = g.P(fx + 0.5f, fy + 0.5f, 1.0f);
+            const float h = g.Light(fx + 0.5f) * cell * 0.2f;
+            const pge::Pixel red(235, 60, 45, 230);
+            cv::Line(target, {p.x - h, p.y - h}, {p.x + h, p.y + h}, red, 1.5f);
+            cv::Line(target, {p.x + h, p.y - h}, {p.x - h, p.y + h}, red, 1.5f);
+        }
+
+    // 10. The Defence Line.
+    cv::Polyline(target, g.FrontCurve(static_cast<float>(config.line), 1.0f, 0.0f), pge::Pixel(198, 40, 30, 235),
+                 std::max(cell * 0.15f, 2.0f), false);
+
+    // 11. Which tower is active.
+    if (active && config.towers >= 2) {
+        if (tower == game.activeTower)
+            cv::Polyline(target, g.Zone(), kAccent, 2.0f, true);
+        else
+            cv::FillPolygon(target, g.Zone(), pge::Pixel(10, 12, 16, 51));
+    }
+
+    // 12. Holes, with a pulsing outline.
+    const uint8_t pulse = Alpha((std::sin(t * 14.0f) * 0.5f + 0.5f) * 0.5f + 0.5f);
+    for (const Hole& hole : game.holes) {
+        if (hole.tower != tower) continue;
+        for (const Cell& c : hole.cells) {
+            if (cellAt(c.x, c.y) != 0) continue;
+            const float fx = static_cast<float>(c.x), fy = static_cast<float>(c.y);
+            cv::FillPolygon(target, g.CellPath(fx, fy, 0.0f), pge::Pixel(15, 10, 8, 209));
+            cv::Polyline(target, g.CellPath(fx, fy, 0.78f), pge::Pixel(255, 160, 40, pulse), 1.0f, true, 3.0f, 2.0f);
+        }
+    }
+
+    // 13. Targets, blinking, and the replacements laid out for them.
+    const pge::Pixel aim = std::sin(t * 22.0f) > 0.0f ? pge::Pixel(230, 40, 30, 158) : pge::Pixel(255, 230, 120, 89);
+    const pge::Pixel prepGlow(90, 255, 140, Alpha(std::sin(t * 7.0f) * 0.15f + 0.35f));
+    for (const Target& shot : game.targets) {
+        if (shot.tower != tower) continue;
+        const Piece* piece = game.GetPiece(shot.piece);
+        for (const Cell& c : piece ? piece->cells : shot.cells) {
+            const bool covered = std::any_of(shot.preps.begin(), shot.preps.end(), [&](const Prep& p) {
+                return std::find(p.cells.begin(), p.cells.end(), c) != p.cells.end();
+            });
+            if (!covered) cv::FillPolygon(target, g.CellPath(static_cast<float>(c.x), static_cast<float>(c.y), 0.0f), aim);
+        }
+        for (const Prep& prep : shot.preps)
+            for (const Cell& c : prep.cells) {
+                const float fx = static_cast<float>(c.x), fy = static_cast<float>(c.y);
+                cv::FillPolygon(target, g.CellPath(fx, fy, 1.12f), prepGlow);
+                cv::FillPolygon(target, g.CellPath(fx, fy, 0.86f), cv::Shade(m, g.Light(fx + 0.5f) * 1.12f, 255));
+                cv::Polyline(target, g.CellPath(fx, fy, 0.9f), pge::Pixel(125, 255, 164), 1.5f, true);
+            }
+    }
+
+    // 14. Flashes of fresh pieces, fading in 1.2 seconds.
+    for (const Flash& flash : flashes) {
+        const float f = 1.0f - (t - flash.born) / 1.2f;
+        if (flash.tower != tower || !(f > 0.0f)) continue;
+        for (const Cell& c : flash.cells) {
+            const float fx = static_cast<float>(c.x), fy = static_cast<float>(c.y);
+            cv::FillPolygon(target, g.CellPath(fx, fy, 0.0f), pge::Pixel(140, 255, 170, Alpha(f * 0.55f)));
+            cv::Polyline(target, g.CellPath(fx, fy, 0.0f), pge::Pixel(255, 255, 255, Alpha(f)), 1.0f, true);
+        }
+    }
+
+    // 15. The ghost: where the piece in hand would land.
+    const char type = game.SelectedType();
+    if (type != 0 && game.Building() && tower == game.activeTower) {
+        const int gy = game.GhostY();
+        if (gy >= 0)
+            for (const Cell& c : Rotated(type, game.rotation))
+                cv::Polyline(target,
+                             g.CellPath(static_cast<float>(c.x + game.cursorX), static_cast<float>(gy + c.y), 0.86f),
+                             pge::Pixel(255, 255, 255, 230), 1.0f, true, 3.0f, 2.0f);
+    }
+}
+
+} // namespace torvane

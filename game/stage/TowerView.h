@@ -1,0 +1,137 @@
+#pragma once
+// The play stage: the towers laid on a cylinder seen from slightly above, the
+// ray-cast wall with its marks, and the landscape behind it. It reads the rules
+// and never changes them.
+#include "engine/IndexedImage.h"
+#include "game/stage/Theme.h"
+#include "game/rules/TorvaneGame.h"
+#include "pge/PixelEngine.h"
+#include "pge/Sprite.h"
+
+#include <cstdint>
+#include <memory>
+#include <random>
+#include <vector>
+
+namespace torvane {
+
+struct StageRect {
+    int32_t x = 0;
+    int32_t y = 0;
+    int32_t w = 0;
+    int32_t h = 0;
+};
+
+class TowerView {
+public:
+    // How the towers fit into the stage; made once per frame.
+    struct Layout {
+        float cell = 12.0f;     // pixel height of one row
+        float originX = 0.0f;   // classic: left edge of the first tower; ring: its centre
+        float baseY = 0.0f;     // y of the centre of the ground ellipse
+        float gap = 0.0f;       // columns between neighbouring towers
+        float stripHeight = 48.0f;
+        StageRect stage;
+        int32_t cols = 8;
+        int32_t rows = 14;
+        bool ring = false;
+        float camera = 0.0f;
+        bool integrated = false; // fitted to a tower painted into the background
+        float radius = 0.0f;
+        float lift = 0.0f;
+    };
+
+    // One tower on its cylinder: a parallel view, the tilt lies wholly in ry.
+    struct Geo {
+        float cx = 0.0f;
+        float rx = 1.0f;
+        float ry = 0.0f;
+        float baseY = 0.0f;
+        float cellH = 1.0f;
+        int32_t cols = 8;
+        int32_t rows = 14;
+        bool ring = false;
+        float camera = 0.0f;
+        float halfAngle = 1.2f;
+        float lift = 0.0f;
+
+        float Angle(float column) const;
+        float Column(float angle) const;
+        bool Visible(float column) const;
+        pge::vf2d P(float column, float row, float radius) const;
+        float Light(float column) const;
+        std::vector<pge::vf2d> CellPath(float column, float row, float shrink) const;
+        std::vector<pge::vf2d> FrontCurve(float row, float radius, float extend) const;
+        std::vector<pge::vf2d> Zone() const;
+    };
+
+    struct Cloud {
+        float x = 0.0f;     // fraction of the stage width at time 0
+        float y = 0.0f;     // fraction of the stage height
+        float size = 0.0f;
+        float speed = 0.0f; // fractions of the width per second
+    };
+
+    // A background pixel whose colour is a cycled one.
+    struct CyclePixel {
+        int32_t pixel = 0;
+        uint8_t index = 0;
+    };
+
+    struct Flash {
+        std::vector<Cell> cells;
+        float born = 0.0f;
+        int32_t tower = 0;
+    };
+
+    TowerView();
+
+    Layout ComputeLayout(const Game& game, const StageRect& stage) const;
+    Geo TowerGeo(const Layout& layout, int tower) const;
+
+    // One frame on the engine's draw target; time in seconds, camera the front column.
+    void Draw(pge::PixelEngine& engine, const Game& game, const StageRect& stage, float time, float camera);
+    void Reset();
+    void DrawTower(pge::PixelEngine& engine, const Game& game, const Layout& layout, int tower);
+    void DrawWall(pge::Sprite* target, const Game& game, const Geo& g, int tower);
+    // Whether the wall map shows an occupied cell at this screen pixel.
+    bool FilledAt(int x, int y) const;
+
+    void BuildBackground(const Game& game, const Layout& layout);
+    void BuildPaintedBackground(const Game& game, const Layout& layout);
+    void DrawBackground(pge::PixelEngine& engine, const Game& game, const Layout& layout, float time);
+
+    // ---- background ----
+    std::unique_ptr<pge::Sprite> background;
+    int32_t backgroundLevel = -1;
+    bool painted = false;
+    TowerFrame frame;
+    float frameScale = 1.0f;
+    std::unique_ptr<adv::IndexedImage> indexed;
+    std::vector<adv::PaletteCycle> cycles;
+    std::vector<int32_t> cycleFrames;
+    std::vector<CyclePixel> cyclePixels;
+    std::vector<uint8_t> vignette;
+    StageRect cachedStage;
+
+    // ---- the wall map of the tower drawn last ----
+    std::vector<int32_t> wallMap;
+    int32_t mapX = 0, mapY = 0, mapW = 0, mapH = 0;
+    const Tower* mapTower = nullptr;
+    int32_t mapCols = 0;
+
+    std::vector<Cloud> clouds;
+    std::vector<Flash> flashes;
+    std::mt19937 rng{12345u};
+    Layout layout;
+    float lastTime = 0.0f;
+
+private:
+    // A uniform float in [0, 1) of the view's own generator.
+    float Random();
+
+    // Scratch images of DrawWall: the position within the cell across and along.
+    std::vector<float> wallU, wallV;
+};
+
+} // namespace torvane

@@ -1,0 +1,288 @@
+// Key sequences through the headless seam on a real application.
+#include "engine/Mixer.h"
+#include "game/rules/Level.h"
+#include "game/TorvaneApp.h"
+#include "pge/Headless.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+using torvane::Action;
+using torvane::ButtonId;
+using torvane::Phase;
+using torvane::TorvaneApp;
+
+namespace {
+
+constexpr float kDt = 0.033f;
+
+class InputTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        saved = torvane::GetSettings();
+        adv::mixer::UseOffline(44100); // music and sounds run, on no device
+    }
+    void TearDown() override {
+        run.reset();
+        adv::mixer::UseOffline(0);
+        torvane::GetSettings() = saved;
+    }
+
+    void Start(std::vector<const char*> args) {
+        args.insert(args.begin(), {"torvane", "--seed=11"});
+        torvane::ApplyRunOptions(app, int(args.size()), args.data());
+        run = std::make_unique<pge::Headless>(app);
+        ASSERT_TRUE(run->Create());
+    }
+    // Down for one frame, up for the next.
+    bool Tap(pge::Key key) {
+        run->SetKey(key, true);
+        const bool alive = run->Frame(kDt);
+        run->SetKey(key, false);
+        return run->Frame(kDt) && alive;
+    }
+    size_t PieceCount() const { return app.game.pieces.size(); }
+
+    torvane::Settings saved;
+    TorvaneApp app;
+    std::unique_ptr<pge::Headless> run;
+};
+
+// Moves a held arrow has made after `frames` frames of kDt: one at the press, the
+// first repeat 0.22 s after it, then one each 0.085 s.
+int MovesAfter(int frames) {
+    const double heldFor = frames * double(kDt);
+    int moves = 1;
+    for (double at = 0.22; at <= heldFor; at += 0.085) ++moves;
+    return moves;
+}
+
+TEST_F(InputTest, HeldArrowMovesOnceThenRepeatsAtItsRate) {
+    Start({"--level=1"});
+    ASSERT_EQ(app.game.phase, Phase::Build);
+    ASSERT_TRUE(app.game.config.ring); // the cursor wraps, no edge stops it
+    const int startX = app.game.cursorX;
+    run->SetKey(pge::LEFT, true);
+    for (int frame = 1; frame <= 20; ++frame) {
+        ASSERT_TRUE(run->Frame(kDt));
+        EXPECT_EQ(app.game.cursorX, app.game.WrapX(startX - MovesAfter(frame))) << "frame " << frame;
+    }
+    // Let go: no further move, and the repeat is forgotten.
+    run->SetKey(pge::LEFT, false);
+    const int heldTo = app.game.cursorX;
+    for (int frame = 0; frame < 10; ++frame) ASSERT_TRUE(run->Frame(kDt));
+    EXPECT_EQ(app.game.cursorX, heldTo);
+    EXPECT_EQ(app.repeatKey, pge::NONE);
+
+    // A tap is exactly one column to the right.
+    ASSERT_TRUE(Tap(pge::RIGHT));
+    EXPECT_EQ(app.game.cursorX, app.game.WrapX(heldTo + 1));
+}
+
+TEST_F(InputTest, BuildKeysPlaceUndoRotateCycleAndEnd) {
+    torvane::GetSettings().piece_choice = true;
+    Start({"--level=1"});
+    ASSERT_EQ(app.game.phase, Phase::Build);
+
+    const size_t before = PieceCount();
+    const size_t supplyBefore = app.game.supply.size();
+    ASSERT_TRUE(Tap(pge::DOWN));
+    EXPECT_EQ(PieceCount(), before + 1);
+    EXPECT_EQ(app.game.supply.size(), supplyBefore - 1);
+    ASSERT_TRUE(Tap(pge::UP)); // within the undo time: the piece comes back
+    EXPECT_EQ(PieceCount(), before);
+    EXPECT_EQ(app.game.supply.size(), supplyBefore);
+
+    const int rotation = app.game.rotation;
+    ASSERT_TRUE(Tap(pge::SPACE));
+    EXPECT_EQ(app.game.rotation, (rotation + 1) % 4);
+
+    ASSERT_GE(app.game.supply.size(), 2u);
+    const int selected = app.game.selected;
+    ASSERT_TRUE(Tap(pge::TAB));
+    EXPECT_EQ(app.game.selected, (selected + 1) % int(app.game.supply.size()));
+    EXPECT_EQ(app.game.rotation, 0); // a new piece comes upright
+
+    // ENTER ends the build at once: the confirm lock is for the cards only.
+    ASSERT_TRUE(Tap(pge::ENTER));
+    EXPECT_EQ(app.game.phase, Phase::Inspect);
+}
+
+TEST_F(InputTest, CycleWithoutPieceChoiceSaysWhyAndKeepsThePiece) {
+    torvane::GetSettings().piece_choice = false;
+    Start({"--level=1"});
+    const int selected = app.game.selected;
+    ASSERT_TRUE(Tap(pge::TAB));
+    EXPECT_EQ(app.game.selected, selected);
+    EXPECT_FALSE(app.message.empty());
+    EXPECT_GT(app.messageUntil, app.clock);
+}
+
+TEST_F(InputTest, EscapePausesAndTheRulesStandStill) {
+    Start({"--level=1"});
+    ASSERT_TRUE(Tap(pge::ESCAPE));
+    ASSERT_TRUE(app.paused);
+    const float gameClock = app.game.clock;
+    const float realClock = app.clock;
+    const int x = app.game.cursorX;
+    for (int frame = 0; frame < 10; ++frame) ASSERT_TRUE(run->Frame(kDt));
+    ASSERT_TRUE(Tap(pge::LEFT)); // the pause card takes the keys
+    EXPECT_EQ(app.game.clock, gameClock);
+    EXPECT_EQ(app.game.cursorX, x);
+    EXPECT_NEAR(app.clock - realClock, 12 * kDt, 1e-4);
+
+    // S opens the settings over the pause; closing them returns to the pause.
+    ASSERT_TRUE(Tap(pge::S));
+    EXPECT_TRUE(app.settingsOpen);
+    ASSERT_TRUE(Tap(pge::ESCAPE));
+    EXPECT_FALSE(app.settingsOpen);
+    EXPECT_TRUE(app.paused);
+
+    ASSERT_TRUE(Tap(pge::ESCAPE));
+    EXPECT_FALSE(app.paused);
+    EXPECT_GT(app.game.clock, gameClock);
+}
+
+TEST_F(InputTest, PauseQuitsToTheTitle) {
+    Start({"--level=2"});
+    ASSERT_TRUE(Tap(pge::ESCAPE));
+    ASSERT_TRUE(Tap(pge::Q));
+    EXPECT_FALSE(app.paused);
+    EXPECT_EQ(app.game.phase, Phase::Title);
+    EXPECT_EQ(app.game.level, 1);
+    EXPECT_EQ(app.lastPhase, Phase::Title);
+}
+
+TEST_F(InputTest, AnnounceConfirmIsLockedForItsFirstSixTenths) {
+    Start({"--level=1"});
+    ASSERT_TRUE(Tap(pge::ENTER));
+    for (int frame = 0; frame < 2000 && app.game.phase != Phase::Announce; ++frame) ASSERT_TRUE(run->Frame(kDt));
+    ASSERT_EQ(app.game.phase, Phase::Announce);
+    EXPECT_NEAR(app.phaseStart, app.clock, 1e-6);
+
+    // Pressed early and held past the lock: nothing, as no press is new.
+    run->SetKey(pge::ENTER, true);
+    for (int frame = 0; frame < 30; ++frame) ASSERT_TRUE(run->Frame(kDt));
+    ASSERT_GT(app.clock, app.phaseStart + 0.6f);
+    EXPECT_EQ(app.game.phase, Phase::Announce);
+    run->SetKey(pge::ENTER, false);
+    ASSERT_TRUE(run->Frame(kDt));
+
+    ASSERT_TRUE(Tap(pge::ENTER));
+    EXPECT_EQ(app.game.phase, Phase::Attack);
+}
+
+TEST_F(InputTest, AnnounceSpaceBeforeTheLockEndsDoesNothing) {
+    Start({"--level=1"});
+    ASSERT_TRUE(Tap(pge::ENTER));
+    for (int frame = 0; frame < 2000 && app.game.phase != Phase::Announce; ++frame) ASSERT_TRUE(run->Frame(kDt));
+    ASSERT_EQ(app.game.phase, Phase::Announce);
+    const float start = app.phaseStart;
+    while (app.clock + 2 * kDt < start + 0.6f) {
+        ASSERT_TRUE(Tap(pge::SPACE));
+        ASSERT_EQ(app.game.phase, Phase::Announce) << "at " << app.clock - start;
+    }
+    while (app.clock < start + 0.6f) ASSERT_TRUE(run->Frame(kDt));
+    ASSERT_TRUE(Tap(pge::SPACE));
+    EXPECT_EQ(app.game.phase, Phase::Attack);
+}
+
+TEST_F(InputTest, TitlePagesRingAndEscapeEndsTheRun) {
+    Start({"--skip-intro"});
+    ASSERT_EQ(app.game.phase, Phase::Title);
+    ASSERT_EQ(app.titleImage, nullptr);
+    ASSERT_EQ(app.titlePage, 0);
+    ASSERT_TRUE(Tap(pge::LEFT));
+    EXPECT_EQ(app.titlePage, 3);
+    ASSERT_TRUE(Tap(pge::RIGHT));
+    EXPECT_EQ(app.titlePage, 0);
+    ASSERT_TRUE(Tap(pge::RIGHT));
+    EXPECT_EQ(app.titlePage, 1);
+    // Without a title picture ESCAPE always ends the program, from any page.
+    run->SetKey(pge::ESCAPE, true);
+    EXPECT_FALSE(run->Frame(kDt));
+    EXPECT_TRUE(app.quit);
+}
+
+TEST_F(InputTest, TitleConfirmStartsANewGame) {
+    Start({"--skip-intro"});
+    ASSERT_TRUE(Tap(pge::ENTER));
+    EXPECT_EQ(app.game.phase, Phase::Build);
+    EXPECT_EQ(app.game.level, 1);
+    EXPECT_EQ(app.lastPhase, Phase::Build);
+}
+
+TEST_F(InputTest, ClickReadsTheButtonsOfTheFrameBefore) {
+    Start({"--skip-intro"});
+    run->MoveMouse(25, 14);
+    app.buttons = {{0, 0, 10, 10, ButtonId::TitlePage, 1}, {20, 10, 10, 5, ButtonId::TitlePage, 2}};
+    run->SetMouseButton(0, true);
+    ASSERT_TRUE(run->Frame(kDt));
+    EXPECT_EQ(app.titlePage, 2);
+    EXPECT_TRUE(app.buttons.empty()); // made anew by each frame's drawing
+    run->SetMouseButton(0, false);
+    ASSERT_TRUE(run->Frame(kDt));
+
+    // The right and bottom edges lie outside; a miss falls through to the keys.
+    run->MoveMouse(30, 14);
+    app.buttons = {{20, 10, 10, 5, ButtonId::TitlePage, 3}};
+    run->SetMouseButton(0, true);
+    ASSERT_TRUE(run->Frame(kDt));
+    EXPECT_EQ(app.titlePage, 2);
+}
+
+TEST_F(InputTest, SettingsTogglesCycleAndClassicKeepsTheTurn) {
+    Start({"--level=1"});
+    torvane::Settings& s = torvane::GetSettings();
+    s.difficulty = 2;
+    s.repair_mode = 1;
+    s.classic = 0;
+    s.auto_rotate = true;
+    app.settingsOpen = true;
+    ASSERT_TRUE(Tap(pge::D));
+    EXPECT_EQ(s.difficulty, 3);
+    ASSERT_TRUE(Tap(pge::D));
+    EXPECT_EQ(s.difficulty, 0);
+    ASSERT_TRUE(Tap(pge::R));
+    EXPECT_EQ(s.repair_mode, 0);
+    ASSERT_TRUE(Tap(pge::R));
+    EXPECT_EQ(s.repair_mode, 1);
+    ASSERT_TRUE(Tap(pge::A));
+    EXPECT_FALSE(s.auto_rotate);
+    s.classic = 1;
+    ASSERT_TRUE(Tap(pge::A));
+    EXPECT_FALSE(s.auto_rotate);
+    // The card takes every key: the cursor stays.
+    const int x = app.game.cursorX;
+    ASSERT_TRUE(Tap(pge::LEFT));
+    EXPECT_EQ(app.game.cursorX, x);
+    ASSERT_TRUE(Tap(pge::S));
+    EXPECT_FALSE(app.settingsOpen);
+}
+
+TEST_F(InputTest, ManualCameraTurnsWithTheArrowsInAnAutoRepairAttack) {
+    Start({"--level=1"});
+    torvane::Settings& s = torvane::GetSettings();
+    s.auto_rotate = false;
+    s.repair_mode = 1;
+    ASSERT_TRUE(Tap(pge::ENTER));
+    for (int frame = 0; frame < 2000 && app.game.phase != Phase::Announce; ++frame) ASSERT_TRUE(run->Frame(kDt));
+    while (app.clock < app.phaseStart + 0.6f) ASSERT_TRUE(run->Frame(kDt));
+    ASSERT_TRUE(Tap(pge::ENTER));
+    ASSERT_EQ(app.game.phase, Phase::Attack);
+    ASSERT_FALSE(app.game.FreeRepair() || app.game.BuildsInAttack());
+
+    const int x = app.game.cursorX;
+    const float target = app.camera.target;
+    run->SetKey(pge::RIGHT, true);
+    ASSERT_TRUE(run->Frame(kDt));
+    run->SetKey(pge::RIGHT, false);
+    // The turn leads the camera's goal to the right, and the piece stays where it was.
+    EXPECT_GT(app.camera.target - target, 0.0f);
+    EXPECT_EQ(app.game.cursorX, x);
+}
+
+} // namespace

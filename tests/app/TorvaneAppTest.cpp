@@ -1,0 +1,387 @@
+#include "game/TorvaneApp.h"
+
+#include "engine/Assets.h"
+#include "game/rules/Level.h"
+#include "pge/Headless.h"
+
+#include <stb_image.h>
+#include <stb_image_write.h>
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <stdexcept>
+#include <string>
+#include <unistd.h>
+#include <vector>
+
+using torvane::ApplyRunOptions;
+using torvane::TorvaneApp;
+
+namespace {
+
+bool Apply(TorvaneApp& app, std::vector<const char*> args) {
+    args.insert(args.begin(), "torvane");
+    return ApplyRunOptions(app, int(args.size()), args.data());
+}
+
+template <typename E>
+std::string ThrowMessage(std::vector<const char*> args) {
+    TorvaneApp app;
+    try {
+        Apply(app, args);
+    } catch (const E& e) {
+        return e.what();
+    }
+    return "(nothing thrown)";
+}
+
+std::string TempPath(const std::string& name) {
+    return std::string(TORVANE_BINARY_DIR) + "/app_test_" + std::to_string(getpid()) + "_" + name;
+}
+
+} // namespace
+
+TEST(TorvaneAppRunOptions, DefaultsAndTheWindowedFlag) {
+    TorvaneApp app;
+    EXPECT_EQ(app.sAppName, "Torvane");
+    EXPECT_FALSE(Apply(app, {}));
+    EXPECT_EQ(app.titlePage, -1);
+    EXPECT_EQ(app.exitAt, 0.0f);
+    EXPECT_FALSE(app.skipIntro);
+    EXPECT_TRUE(Apply(app, {"--windowed"}));
+    // Near misses and empty arguments are ignored without a word.
+    TorvaneApp other;
+    EXPECT_FALSE(Apply(other, {"", "--windowed=1", "-windowed", "--WINDOWED", "--autoplay=x", "--skip-intro "}));
+    EXPECT_FALSE(other.autoplay);
+    EXPECT_FALSE(other.skipIntro);
+}
+
+TEST(TorvaneAppRunOptions, FlagsSetTheirMembers) {
+    TorvaneApp app;
+    Apply(app, {"--settings", "--screenshot=out/a b.png", "--exit-on=over", "--log-keys", "--classic"});
+    EXPECT_TRUE(app.settingsOpen);
+    EXPECT_TRUE(app.skipIntro);
+    EXPECT_EQ(app.screenshotPath, "out/a b.png");
+    EXPECT_EQ(app.exitOnPhase, "over");
+
+    TorvaneApp editor;
+    Apply(editor, {"--editor=abc", "--editor"});
+    EXPECT_TRUE(editor.openEditorAtStart);
+    EXPECT_TRUE(editor.skipIntro);
+    EXPECT_EQ(editor.editorScript, "");
+    Apply(editor, {"--editor=L R X"});
+    EXPECT_EQ(editor.editorScript, "L R X");
+    Apply(editor, {"--editor="}); // as --editor
+    EXPECT_EQ(editor.editorScript, "");
+    EXPECT_TRUE(editor.openEditorAtStart);
+
+    TorvaneApp bot;
+    Apply(bot, {"--autoplay=lazy", "--autoplay"});
+    EXPECT_TRUE(bot.autoplay);
+    EXPECT_TRUE(bot.autoPlayer.repairs);
+    EXPECT_FALSE(bot.skipIntro);
+    Apply(bot, {"--autoplay=lazy"});
+    EXPECT_TRUE(bot.autoplay);
+    EXPECT_FALSE(bot.autoPlayer.repairs);
+
+    torvane::GetSettings().classic = 0;
+    TorvaneApp classic;
+    Apply(classic, {"--classic"});
+    EXPECT_EQ(torvane::GetSettings().classic, 1);
+    torvane::GetSettings().classic = 0;
+}
+
+TEST(TorvaneAppRunOptions, SeedReplacesTheGame) {
+    TorvaneApp app;
+    Apply(app, {"--seed=7", "--seed=8"});
+    EXPECT_TRUE(app.game.rng == torvane::Game(8).rng);
+    EXPECT_FALSE(app.game.rng == torvane::Game(7).rng);
+    // The seed is narrowed to 32 bits: 2^32 + 8 is seed 8.
+    TorvaneApp wide;
+    Apply(wide, {"--seed=4294967304"});
+    EXPECT_TRUE(wide.game.rng == torvane::Game(8).rng);
+}
+
+TEST(TorvaneAppRunOptions, NumbersFollowTheStandardParsers) {
+    TorvaneApp app;
+    Apply(app, {"--level=3x", "--page=  +2"});
+    EXPECT_EQ(app.startLevel, 3);
+    EXPECT_EQ(app.titlePage, 2);
+    EXPECT_TRUE(app.skipIntro);
+    Apply(app, {"--level=-5"});
+    EXPECT_EQ(app.startLevel, -5);
+    Apply(app, {"--exit-after=1e2"});
+    EXPECT_FLOAT_EQ(app.exitAt, 100.0f);
+    Apply(app, {"--exit-after=0x10"});
+    EXPECT_FLOAT_EQ(app.exitAt, 16.0f);
+    Apply(app, {"--exit-after= 2.5s"});
+    EXPECT_FLOAT_EQ(app.exitAt, 2.5f);
+    // The later of two options wins.
+    Apply(app, {"--level=7", "--level=1"});
+    EXPECT_EQ(app.startLevel, 1);
+    EXPECT_NO_THROW(Apply(app, {"--seed=7", "--seed=4294967295", "--seed=99999999999"}));
+}
+
+TEST(TorvaneAppRunOptions, MalformedNumbersThrowNamedExceptions) {
+    EXPECT_EQ(ThrowMessage<std::invalid_argument>({"--seed="}), "stoul");
+    EXPECT_EQ(ThrowMessage<std::invalid_argument>({"--level=x3"}), "stoi");
+    EXPECT_EQ(ThrowMessage<std::invalid_argument>({"--page="}), "stoi");
+    EXPECT_EQ(ThrowMessage<std::invalid_argument>({"--exit-after=soon"}), "stof");
+    EXPECT_EQ(ThrowMessage<std::out_of_range>({"--level=99999999999"}), "stoi");
+    EXPECT_EQ(ThrowMessage<std::out_of_range>({"--seed=999999999999999999999999"}), "stoul");
+    EXPECT_EQ(ThrowMessage<std::out_of_range>({"--exit-after=1e999"}), "stof");
+    // Options before the bad one have already been applied; the run never starts anyway.
+    TorvaneApp app;
+    EXPECT_THROW(Apply(app, {"--windowed", "--skip-intro", "--level=", "--settings"}), std::invalid_argument);
+    EXPECT_TRUE(app.skipIntro);
+    EXPECT_FALSE(app.settingsOpen);
+}
+
+TEST(TorvaneAppFrame, HundredFramesWithoutAnyServer) {
+    TorvaneApp app;
+    Apply(app, {"--skip-intro"});
+    pge::Headless run(app);
+    ASSERT_TRUE(run.Create());
+    EXPECT_EQ(run.Title(), "Torvane");
+    EXPECT_LT(app.logoTime, 0.0f);
+    double sum = 0.0;
+    for (int i = 0; i < 100; ++i) {
+        const float elapsed = (i % 10 == 9) ? 0.2f : 0.004f * float(i % 5);
+        sum += elapsed;
+        ASSERT_TRUE(run.Frame(elapsed)) << i;
+    }
+    // The clock follows the raw frame times, stalls included.
+    EXPECT_NEAR(app.clock, sum, 1e-3);
+    EXPECT_EQ(run.Title(), "Torvane");
+    // The frame starts from the screen background; its top left corner stays free.
+    EXPECT_EQ(app.GetDrawTarget()->GetPixel(0, 0), torvane::kBg);
+}
+
+TEST(TorvaneAppStart, LevelOptionDecidesBetweenTitleAndGame) {
+    for (const char* level : {"--level=0", "--level=-5"}) {
+        TorvaneApp app;
+        Apply(app, {level});
+        pge::Headless run(app);
+        ASSERT_TRUE(run.Create());
+        EXPECT_EQ(app.game.phase, torvane::Phase::Title) << level;
+        EXPECT_EQ(app.game.level, 1);
+        EXPECT_FALSE(app.game.towers.empty()); // laid out behind the title card
+    }
+    TorvaneApp first;
+    Apply(first, {"--level=1"});
+    pge::Headless run(first);
+    ASSERT_TRUE(run.Create());
+    EXPECT_EQ(first.game.phase, torvane::Phase::Build);
+    EXPECT_EQ(first.lastPhase, torvane::Phase::Build);
+    EXPECT_EQ(first.game.level, 1);
+    // Without a title picture the title is the first page.
+    EXPECT_EQ(first.titleImage, nullptr);
+    EXPECT_EQ(first.titlePage, 0);
+
+    TorvaneApp third;
+    Apply(third, {"--level=3"});
+    pge::Headless run3(third);
+    ASSERT_TRUE(run3.Create());
+    EXPECT_EQ(third.game.level, 3);
+    EXPECT_EQ(third.lastLevel, 3);
+}
+
+TEST(TorvaneAppFrame, RulesGetTheCutStepAndTheClockTheRawTime) {
+    TorvaneApp app;
+    Apply(app, {"--level=1"});
+    pge::Headless run(app);
+    ASSERT_TRUE(run.Create());
+    const float gameBefore = app.game.clock;
+    run.Frame(0.2f);
+    EXPECT_NEAR(app.game.clock - gameBefore, 0.05f, 1e-6);
+    EXPECT_NEAR(app.clock, 0.2f, 1e-6);
+    app.paused = true;
+    run.Frame(0.03f);
+    EXPECT_NEAR(app.game.clock - gameBefore, 0.05f, 1e-6);
+    EXPECT_NEAR(app.clock, 0.23f, 1e-6);
+}
+
+TEST(TorvaneAppFrame, ExitOnFiresOnAChangeNotAtStart) {
+    TorvaneApp app;
+    Apply(app, {"--skip-intro", "--exit-on=title"});
+    pge::Headless run(app);
+    ASSERT_TRUE(run.Create());
+    ASSERT_EQ(app.game.phase, torvane::Phase::Title);
+    for (int i = 0; i < 20; ++i) ASSERT_TRUE(run.Frame(0.1f));
+    EXPECT_EQ(app.exitAt, 0.0f);
+
+    // Back to the title from a game: the run ends 0.3 s after the change.
+    app.game.NewGame();
+    run.Frame(0.1f);
+    EXPECT_NE(app.game.phase, torvane::Phase::Title);
+    app.game.phase = torvane::Phase::Title;
+    ASSERT_TRUE(run.Frame(0.1f));
+    const float changedAt = app.clock;
+    EXPECT_NEAR(app.exitAt, changedAt + 0.3f, 1e-5);
+    EXPECT_NEAR(app.phaseStart, changedAt, 1e-5);
+    EXPECT_TRUE(run.Frame(0.1f));
+    EXPECT_TRUE(run.Frame(0.1f));
+    run.Frame(0.1f);
+    if (run.Running()) run.Frame(0.1f); // float sums may need one frame more
+    EXPECT_FALSE(run.Running());
+}
+
+TEST(TorvaneAppFrame, LazyBotLosesAndTheRunEndsAtTheOverPhase) {
+    TorvaneApp app;
+    Apply(app, {"--level=3", "--exit-on=over", "--autoplay=lazy"});
+    pge::Headless run(app);
+    ASSERT_TRUE(run.Create());
+    EXPECT_LT(app.logoTime, 0.0f);
+    int frames = 0;
+    while (run.Frame(0.05f) && frames < 40000) ++frames;
+    ASSERT_FALSE(run.Running()) << "still " << int(app.game.phase) << " after " << frames << " frames";
+    EXPECT_EQ(app.game.phase, torvane::Phase::Over);
+    EXPECT_FALSE(app.nameEntry);
+    EXPECT_NEAR(app.clock - app.phaseStart, 0.3f, 0.051f);
+}
+
+TEST(TorvaneAppFrame, LogoRunsForItsTimeOrUntilSkipped) {
+    {
+        TorvaneApp app;
+        pge::Headless run(app);
+        ASSERT_TRUE(run.Create());
+        ASSERT_EQ(app.logoTime, 0.0f);
+        // Each logo step counts at most 0.05 s, whatever the frame took.
+        for (int i = 0; i < 65; ++i) run.Frame(0.5f);
+        EXPECT_NEAR(app.logoTime, 3.25f, 1e-3);
+        // The corner lies outside any logo picture.
+        EXPECT_EQ(app.GetDrawTarget()->GetPixel(0, 0), pge::BLACK);
+        // 3.3 s is the 66th step; the float sum may fall just short and need one more.
+        run.Frame(0.05f);
+        if (app.logoTime >= 0.0f) run.Frame(0.05f);
+        EXPECT_LT(app.logoTime, 0.0f);
+        EXPECT_NEAR(app.phaseStart, app.clock, 1e-3);
+        run.Frame(0.05f);
+        EXPECT_EQ(app.GetDrawTarget()->GetPixel(0, 0), torvane::kBg);
+    }
+    for (pge::Key skip : {pge::SPACE, pge::ENTER, pge::ESCAPE}) {
+        TorvaneApp app;
+        pge::Headless run(app);
+        ASSERT_TRUE(run.Create());
+        run.Frame(0.02f);
+        run.SetKey(skip, true);
+        run.Frame(0.02f);
+        EXPECT_LT(app.logoTime, 0.0f) << int(skip);
+    }
+    TorvaneApp app;
+    pge::Headless run(app);
+    ASSERT_TRUE(run.Create());
+    run.SetMouseButton(0, true);
+    run.Frame(0.02f);
+    EXPECT_LT(app.logoTime, 0.0f);
+    // A level or the bot leave out the logo, like --skip-intro.
+    for (const char* option : {"--level=2", "--level=-1", "--autoplay"}) {
+        TorvaneApp quiet;
+        Apply(quiet, {option});
+        pge::Headless r(quiet);
+        ASSERT_TRUE(r.Create());
+        EXPECT_LT(quiet.logoTime, 0.0f) << option;
+    }
+}
+
+TEST(TorvaneAppFrame, LogoIsCentredScaledAndFadesIn) {
+    // An asset tree of its own, found as the bundle beside a program in bin/.
+    const std::string root = TempPath("assets_root");
+    std::filesystem::create_directories(root + "/bin");
+    std::filesystem::create_directories(root + "/Resources/assets/logo");
+    const int w = 160, h = 60;
+    std::vector<unsigned char> rgb(size_t(w * h * 3));
+    for (int i = 0; i < w * h; ++i) {
+        rgb[size_t(3 * i)] = uint8_t(i % w + 40);
+        rgb[size_t(3 * i + 1)] = uint8_t(i / w * 4);
+        rgb[size_t(3 * i + 2)] = 200;
+    }
+    // stb reads by content, so a PNG under the logo's name serves.
+    ASSERT_NE(stbi_write_png((root + "/Resources/assets/logo/logo.jpg").c_str(), w, h, 3, rgb.data(), w * 3), 0);
+    adv::Assets::Init(root + "/bin/torvane");
+
+    TorvaneApp app;
+    pge::Headless run(app);
+    ASSERT_TRUE(run.Create());
+    // Scale: the smaller of 537.6 / 160 and 200 / 60, cut to 3; the picture is 480 by 180.
+    const int scale = 3, left = (640 - w * scale) / 2, top = (400 - h * scale) / 2;
+    auto image = [&](int x, int y) {
+        const size_t i = size_t(y * w + x) * 3;
+        return pge::Pixel(rgb[i], rgb[i + 1], rgb[i + 2]);
+    };
+    for (int i = 0; i < 9; ++i) run.Frame(0.05f); // 0.45 s: half way in
+    const pge::Sprite& target = *app.GetDrawTarget();
+    const pge::Pixel half = target.GetPixel(left + 3 * 10 + 1, top + 3 * 5 + 2);
+    EXPECT_NEAR(half.r, image(10, 5).r / 2.0, 1.5);
+    EXPECT_NEAR(half.g, image(10, 5).g / 2.0, 1.5);
+    EXPECT_NEAR(half.b, image(10, 5).b / 2.0, 1.5);
+
+    for (int i = 0; i < 11; ++i) run.Frame(0.05f); // 1.0 s: fully there
+    EXPECT_EQ(target.GetPixel(left, top), image(0, 0));
+    EXPECT_EQ(target.GetPixel(left + scale - 1, top + scale - 1), image(0, 0));
+    EXPECT_EQ(target.GetPixel(left + scale, top), image(1, 0));
+    EXPECT_EQ(target.GetPixel(left + w * scale - 1, top + h * scale - 1), image(w - 1, h - 1));
+    EXPECT_EQ(target.GetPixel(left - 1, top), pge::BLACK);
+    EXPECT_EQ(target.GetPixel(left + w * scale, top + h * scale - 1), pge::BLACK);
+    EXPECT_EQ(target.GetPixel(left, top - 1), pge::BLACK);
+    adv::Assets::Clear();
+    std::filesystem::remove_all(root);
+}
+
+TEST(TorvaneAppFrame, ExitAfterWritesTheScreenshotOfThatFrame) {
+    const std::string path = TempPath("exit.png");
+    std::remove(path.c_str());
+    TorvaneApp app;
+    Apply(app, {"--skip-intro", "--exit-after=0.5", ("--screenshot=" + path).c_str()});
+    pge::Headless run(app);
+    ASSERT_TRUE(run.Create());
+    testing::internal::CaptureStderr();
+    int frames = 0;
+    while (run.Frame(0.1f) && frames < 100) ++frames;
+    const std::string err = testing::internal::GetCapturedStderr();
+    // 0.1 * 5 reaches 0.5 in the fifth frame (float sums may need a sixth).
+    EXPECT_GE(frames, 4);
+    EXPECT_LE(frames, 5);
+    EXPECT_TRUE(app.quit);
+    EXPECT_EQ(err, "[torvane] Bildschirmfoto: " + path + "\n");
+    int w = 0, h = 0, n = 0;
+    stbi_uc* px = stbi_load(path.c_str(), &w, &h, &n, 4);
+    ASSERT_NE(px, nullptr);
+    EXPECT_EQ(w, 640);
+    EXPECT_EQ(h, 400);
+    EXPECT_EQ(px[0], torvane::kBg.r);
+    EXPECT_EQ(px[(399 * 640 + 639) * 4 + 2], torvane::kBg.b);
+    stbi_image_free(px);
+    std::remove(path.c_str());
+}
+
+TEST(TorvaneAppFrame, ScreenshotFailureIsReportedAndTheRunStillEnds) {
+    const std::string path = TempPath("missing_dir/x.png");
+    TorvaneApp app;
+    Apply(app, {"--exit-after=0.1", ("--screenshot=" + path).c_str()});
+    pge::Headless run(app);
+    ASSERT_TRUE(run.Create());
+    testing::internal::CaptureStderr();
+    const bool going = run.Frame(0.2f); // during the logo: still ends
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "[torvane] Konnte " + path + " nicht schreiben\n");
+    EXPECT_FALSE(going);
+}
+
+TEST(TorvaneAppFrame, ZeroExitTimeNeverEndsAndNoPathWritesNothing) {
+    TorvaneApp app;
+    Apply(app, {"--skip-intro", "--exit-after=0"});
+    pge::Headless run(app);
+    ASSERT_TRUE(run.Create());
+    for (int i = 0; i < 50; ++i) ASSERT_TRUE(run.Frame(1.0f));
+
+    TorvaneApp silent;
+    Apply(silent, {"--skip-intro", "--exit-after=0.3"});
+    pge::Headless r(silent);
+    ASSERT_TRUE(r.Create());
+    testing::internal::CaptureStderr();
+    EXPECT_FALSE(r.Frame(0.5f));
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+}

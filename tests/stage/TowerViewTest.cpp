@@ -1,0 +1,383 @@
+// The stage: whole frames compared with reference pictures, the marks on the wall,
+// the ray-cast wall itself, and the landscape behind it with its theme.
+#include "engine/Assets.h"
+#include "engine/Screenshot.h"
+#include "game/rules/LevelPack.h"
+#include "game/rules/Pieces.h"
+#include "game/stage/RingCamera.h"
+#include "game/stage/Theme.h"
+#include "game/stage/TowerView.h"
+#include "pge/Headless.h"
+#include "tests/stage/PalettedTestImage.h"
+#include "tests/rules/RulesTestSupport.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <filesystem>
+#include <set>
+
+namespace torvane {
+namespace {
+
+using namespace testing_support;
+using Pixels = std::vector<pge::Pixel>;
+
+// A fresh asset tree below the build folder, made the asset root.
+std::string MakeAssetRoot(const std::string& name) {
+    const std::filesystem::path base = std::filesystem::path(TORVANE_BINARY_DIR) / "tower_view_tests" / name;
+    std::filesystem::remove_all(base);
+    std::filesystem::create_directories(base / "bin");
+    std::filesystem::create_directories(base / "Resources" / "assets" / "torvane");
+    adv::Assets::Init((base / "bin" / "torvane").string());
+    return adv::Assets::Root();
+}
+
+// The screen against tests/reference/<name>.png, colour channels each within 2. A failure
+// writes <name>-actual.png and <name>-diff.png (differing pixels red) into the build folder.
+void ExpectMatchesReference(const pge::Sprite& actual, const std::string& name) {
+    const pge::Sprite expected(std::string(TORVANE_SOURCE_DIR) + "/tests/reference/" + name + ".png");
+    ASSERT_EQ(expected.pColData.size(), actual.pColData.size()) << name;
+    pge::Sprite diff(actual.width, actual.height);
+    int differing = 0;
+    for (size_t i = 0; i < actual.pColData.size(); ++i) {
+        const pge::Pixel a = actual.pColData[i], e = expected.pColData[i];
+        const bool same = std::abs(a.r - e.r) <= 2 && std::abs(a.g - e.g) <= 2 && std::abs(a.b - e.b) <= 2;
+        differing += same ? 0 : 1;
+        diff.pColData[i] = same ? pge::Pixel(e.r / 4, e.g / 4, e.b / 4) : pge::Pixel(255, 0, 0);
+    }
+    const std::string out = std::string(TORVANE_BINARY_DIR) + "/tower_view_tests/" + name;
+    if (differing > 0) {
+        adv::screenshot::SavePng(actual, out + "-actual.png");
+        adv::screenshot::SavePng(diff, out + "-diff.png");
+    }
+    EXPECT_EQ(differing, 0) << name << ": see " << out << "-diff.png";
+}
+
+// Lays a piece of the given rotation moved by (x, y) on a tower.
+int Lay(Game& g, int tower, char type, int rotation, int x, int y) {
+    std::vector<Cell> cells = Rotated(type, rotation);
+    for (Cell& c : cells) c = Cell{g.WrapX(c.x + x), c.y + y};
+    return g.AddPiece(tower, type, cells, false);
+}
+
+// The screen pixels that differ between two frames.
+std::vector<pge::vi2d> Differences(const Pixels& a, const Pixels& b) {
+    std::vector<pge::vi2d> out;
+    for (size_t i = 0; i < a.size(); ++i)
+        if (a[i] != b[i]) out.push_back({static_cast<int>(i % 640), static_cast<int>(i / 640)});
+    return out;
+}
+
+// A headless engine with its 640 by 400 draw target; no images: the painted landscape.
+class TowerViewFrameTest : public RulesTest {
+protected:
+    void SetUp() override {
+        RulesTest::SetUp();
+        MakeAssetRoot("painted");
+        ASSERT_TRUE(run.Create());
+    }
+    pge::Sprite& Screen() { return *engine.GetDrawTarget(); }
+    // Draws at the camera's own start, or at `camera` when given; gives the screen.
+    Pixels DrawAt(const Game& g, float time, float camera = -1.0f) {
+        RingCamera ring;
+        ring.Update(g, 0.0f);
+        view.Draw(engine, g, stage, time, camera >= 0.0f ? camera : ring.angle);
+        return Screen().pColData;
+    }
+    static Game Started(bool classic, unsigned seed, int level) {
+        GetSettings().classic = classic ? 1 : 0;
+        Game g(seed);
+        g.StartLevel(level);
+        return g;
+    }
+
+    struct : pge::PixelEngine {
+        bool OnUserCreate() override { return true; }
+    } engine; // offers only its draw target
+    pge::Headless run{engine};
+    TowerView view;
+    const StageRect stage{0, 18, 640, 368};
+};
+using TowerViewMarksTest = TowerViewFrameTest;
+using BackgroundTest = TowerViewFrameTest;
+
+TEST_F(TowerViewFrameTest, RingBuildPhase) {
+    Game g = Started(false, 7, 1);
+    const int top = g.ColumnTop(0, 0);
+    Lay(g, 0, 'O', 0, 0, top);
+    Lay(g, 0, 'T', 0, 2, top);
+    Lay(g, 0, 'I', 1, 30, top);
+    Lay(g, 0, 'L', 0, 5, top + 2); // over a gap
+    g.clock = 4.0f;
+    view.flashes.push_back({g.pieces.at(Lay(g, 0, 'S', 0, 27, top)).cells, 3.7f, 0});
+    g.cursorX = 1;
+    DrawAt(g, 1.25f);
+    ExpectMatchesReference(Screen(), "ring_build");
+}
+
+TEST_F(TowerViewFrameTest, RingAttackWithHoleAndTarget) {
+    Game g = Started(false, 11, 2);
+    const int top = g.ColumnTop(0, 0);
+    for (int x = 0; x < 32; x += 2) Lay(g, 0, 'O', 0, x, top);
+    Lay(g, 0, 'I', 0, 0, top + 2);
+    const int hit = Lay(g, 0, 'I', 0, 4, top + 2), aimed = Lay(g, 0, 'T', 0, 28, top + 2);
+    const int prepped = Lay(g, 0, 'O', 0, 2, top + 3);
+    g.phase = Phase::Attack;
+    g.clock = 10.0f;
+    // A hole where the piece at 4 was shot away, a target with no prep, one with a prep.
+    const std::vector<Cell> holeCells = g.pieces.at(hit).cells;
+    for (const Cell& c : holeCells) g.RemoveCell(0, c.x, c.y);
+    g.pieces.erase(hit);
+    g.holes.push_back(Hole{1, 0, holeCells, 8.0f, 11.0f, 0});
+    const std::vector<Cell>& prep = g.pieces.at(prepped).cells;
+    g.targets.push_back(Target{1, aimed, 0, 9.0f, 12.0f, g.pieces.at(aimed).cells, {}});
+    g.targets.push_back(Target{2, prepped, 0, 9.5f, 13.0f, prep, {Prep{'1', {prep[0]}}}});
+    g.focus = {Focus::Hole, 1};
+    DrawAt(g, 2.0f);
+    ExpectMatchesReference(Screen(), "ring_attack");
+}
+
+TEST_F(TowerViewFrameTest, ClassicLevelSevenWithFiveTowers) {
+    Game g = Started(true, 3, 7);
+    ASSERT_EQ(g.config.towers, 5);
+    for (int t = 0; t < 5; ++t) {
+        const int top = g.ColumnTop(t, 0);
+        Lay(g, t, 'J', t, t, top);
+        Lay(g, t, 'Z', 0, 4, top + 1 + t % 2);
+    }
+    g.activeTower = 2;
+    g.cursorX = 3;
+    g.clock = 2.0f;
+    DrawAt(g, 0.5f, 0.0f);
+    ExpectMatchesReference(Screen(), "classic_level7");
+}
+
+TEST_F(TowerViewMarksTest, RedGapsEndBelowTheLineAndStaleFlashesDrawNothing) {
+    Game g = EmptyGame(false, 1);
+    g.config.sectors.clear(); // every column is attacked
+    g.phase = Phase::Eval;    // no marks outside the build and the attack
+    const Pixels plain = DrawAt(g, 1.0f, 0.0f);
+    g.phase = Phase::Attack;
+    const std::vector<pge::vi2d> diff = Differences(plain, DrawAt(g, 1.0f, 0.0f));
+    ASSERT_FALSE(diff.empty());
+    const TowerView::Geo geo = view.TowerGeo(view.layout, 0);
+    for (const pge::vi2d& p : diff) { // the line's ring at x: baseY - cellH line + ry cos(asin((x - cx) / rx))
+        const float n = (static_cast<float>(p.x) + 0.5f - geo.cx) / geo.rx;
+        const float lineY = geo.baseY - geo.cellH * static_cast<float>(g.config.line) + geo.ry * std::sqrt(1 - n * n);
+        ASSERT_GE(static_cast<float>(p.y) + 0.5f, lineY - 1.0f) << p.x << "," << p.y;
+    }
+    // Flashes older than 1.2 seconds, or on a tower that is not drawn, draw nothing.
+    const std::vector<Cell> cells = g.pieces.at(Lay(g, 0, 'O', 0, 0, 0)).cells;
+    g.clock = 10.0f;
+    const Pixels unflashed = DrawAt(g, 1.0f, 0.5f);
+    view.flashes.push_back({cells, 8.7f, 0}); // 1.3 seconds old
+    view.flashes.push_back({cells, 9.0f, 3}); // on a tower that does not exist
+    EXPECT_TRUE(unflashed == DrawAt(g, 1.0f, 0.5f));
+    view.flashes.push_back({cells, 9.5f, 0});
+    EXPECT_FALSE(unflashed == DrawAt(g, 1.0f, 0.5f));
+}
+
+TEST_F(TowerViewMarksTest, GhostOnlyOnTheActiveTowerAndWhenItLands) {
+    Game g = ClassicGame(2);
+    const std::vector<char> supply = g.supply;
+    g.cursorX = 2;
+    const Pixels withGhost = DrawAt(g, 1.0f, 0.0f);
+    const TowerView::Geo right = view.TowerGeo(view.layout, 1);
+    g.supply.clear(); // no piece in hand: no ghost, and none ever on tower 1
+    for (const pge::vi2d& p : Differences(withGhost, DrawAt(g, 1.0f, 0.0f)))
+        ASSERT_LT(p.x, right.cx - std::sin(right.halfAngle) * right.rx) << "off tower 0";
+    EXPECT_FALSE(withGhost == Screen().pColData);
+    // A tower filled to the top leaves no landing row: GhostY is negative, no ghost.
+    g.supply = supply;
+    for (int x = 0; x < g.config.width; ++x) FillColumn(g, 0, x, 0, g.config.height);
+    ASSERT_LT(g.GhostY(), 0);
+    const Pixels full = DrawAt(g, 1.0f, 0.0f);
+    g.supply.clear();
+    EXPECT_TRUE(full == DrawAt(g, 1.0f, 0.0f));
+}
+
+// The ray-cast wall on small pictures, where the cell seen at a pixel can be worked
+// out by hand: angle = asin((x + 0.5 - cx) / rx), row = (baseY + ry cos(angle) - y - 0.5) / cellH.
+class WallTest : public RulesTest {
+protected:
+    // Tower 0 on a 200 by 200 picture of one colour: cx 100, rx 50, ry 9, foot at 180, rows 10 high.
+    pge::Sprite Draw(const Game& g, pge::Pixel colour = pge::Pixel(0, 0, 0), float camera = 0.0f) {
+        geo = {100.0f, 50.0f, 9.0f, 180.0f, 10.0f, g.config.width, g.config.height, g.config.ring, camera,
+               g.config.ring ? 80.0f * 3.1415927f / 180.0f : 1.2f};
+        pge::Sprite s(200, 200);
+        for (pge::Pixel& p : s.pColData) p = colour;
+        view.DrawWall(&s, g, geo, 0);
+        return s;
+    }
+    int MapAt(int x, int y) const {
+        return view.wallMap[static_cast<size_t>((y - view.mapY) * view.mapW + (x - view.mapX))];
+    }
+    TowerView view;
+    TowerView::Geo geo;
+};
+
+TEST_F(WallTest, EmptyTowerIsADarkenedGridWithoutFaces) {
+    const Game g = ClassicGame(1);
+    // 255 darkened by 33/255 gives 222; a grid line of 28/255 white on that gives 225.
+    std::set<uint32_t> seen;
+    for (const pge::Pixel& p : Draw(g, pge::Pixel(255, 255, 255)).pColData) seen.insert(p.n & 0xFFFFFFu);
+    EXPECT_EQ(seen, (std::set<uint32_t>{0xDEDEDE, 0xE1E1E1, 0xFFFFFF}));
+    EXPECT_FALSE(view.FilledAt(100, 184));
+}
+
+TEST_F(WallTest, ClassicEdgeColumnsAreClampedIntoTheGrid) {
+    Game g = ClassicGame(1);
+    FillColumn(g, 0, 0, 0, 14);
+    FillColumn(g, 0, 7, 0, 14);
+    Draw(g);
+    // The rightmost pixel of the wall at y 180 (row 0 at every x), where n lies just below
+    // sin 1.2 and the column computed may reach 8, shows column 7.
+    int lastX = -1;
+    for (int x = view.mapX; x < view.mapX + view.mapW; ++x) lastX = MapAt(x, 180) >= 0 ? x : lastX;
+    EXPECT_EQ(MapAt(lastX, 180), 7);
+    EXPECT_TRUE(view.FilledAt(lastX, 180));
+    // x 54: asin(-0.91) = -1.1433, column 8 * 0.0567 / 2.4 = 0.19; x 100: column 4.03, empty.
+    EXPECT_EQ(MapAt(54, 180), 0);
+    EXPECT_EQ(MapAt(100, 180), 4);
+    EXPECT_FALSE(view.FilledAt(54, 185)); // below the foot: row -0.18
+    EXPECT_FALSE(view.FilledAt(-5000, 184));
+}
+
+TEST_F(WallTest, RingSeamShowsNoGap) {
+    Game g = EmptyGame(false, 1);
+    for (int x = 0; x < 32; ++x) Fill(g, 0, x, 0);
+    for (const float camera : {31.9f, 16.0f, 0.0f}) {
+        Draw(g, pge::Pixel(0, 0, 0), camera);
+        // Every pixel of row 0 (y 180) across the visible width shows a filled cell.
+        for (int x = 0; x < 200; ++x)
+            if (std::fabs((static_cast<float>(x) + 0.5f - 100.0f) / 50.0f) < std::sin(geo.halfAngle) - 1e-3f) {
+                ASSERT_TRUE(view.FilledAt(x, 180)) << "camera " << camera << " x " << x;
+            }
+    }
+    // With the camera at 0, x 99 sees column -0.05, wrapped to 31, and x 100 column 0.
+    EXPECT_EQ(MapAt(99, 180), 31);
+    EXPECT_EQ(MapAt(100, 180), 0);
+}
+
+TEST_F(WallTest, RuinIsDarkerThanAPlacedPiece) {
+    Pixels at; // x 106: column 4.43; y 173: row 1.54, inside the piece
+    for (const bool ruin : {false, true}) {
+        Game g = ClassicGame(1);
+        g.AddPiece(0, 'O', {{4, 1}, {5, 1}, {4, 2}, {5, 2}}, ruin);
+        at.push_back(Draw(g).GetPixel(106, 173));
+        EXPECT_TRUE(view.FilledAt(106, 173));
+    }
+    EXPECT_GT(at[1].r, 0);
+    EXPECT_LT(at[1].r + at[1].g + at[1].b, at[0].r + at[0].g + at[0].b);
+}
+
+TEST_F(BackgroundTest, PalettedImageHangsFromTheTopOfTheScreenUnderTheVignette) {
+    WriteWaterBackground(MakeAssetRoot("paletted_rows"));
+    const Game g = Started(false, 5, 1);
+    view.BuildBackground(g, view.ComputeLayout(g, stage));
+    ASSERT_TRUE(view.indexed);
+    // Vignette centre (320, 202.4), inner 368 * 0.35 = 128.8, outer 640 * 0.75 = 480:
+    // (d - 128.8) / 351.2 * 71 is 50.5 at (0, 0) and 14.9 at (320, 0).
+    EXPECT_EQ(view.vignette[0], 50);
+    EXPECT_EQ(view.vignette[320], 14);
+    // The water picture is shown 640 by 400 from the screen's top: the stage's top row,
+    // screen row 18, shows image row 18 * 200 / 400 = 9.
+    const pge::Pixel sky = TestPalette()[9 * 100 / 120];
+    EXPECT_EQ(view.background->GetPixel(320, 0), pge::Pixel(sky.r * 241 / 255, sky.g * 241 / 255, sky.b * 241 / 255));
+    // Every pixel of the water band is listed for cycling, and only those.
+    size_t water = 0;
+    for (int i = 0; i < 640 * 368; ++i) water += IndexAt(i % 640 / 2, (i / 640 + 18) / 2) >= 200;
+    EXPECT_EQ(view.cyclePixels.size(), water);
+}
+
+TEST_F(BackgroundTest, CyclingTouchesOnlyCycledPixelsAndOnlyAtASteps) {
+    WriteWaterBackground(MakeAssetRoot("paletted_cycle"));
+    const Game g = Started(false, 5, 1);
+    const TowerView::Layout layout = view.ComputeLayout(g, stage);
+    view.DrawBackground(engine, g, layout, 0.0f);
+    const Pixels before = view.background->pColData;
+    view.DrawBackground(engine, g, layout, 0.2f); // 0.8 steps: none yet
+    EXPECT_EQ(view.background->pColData, before);
+    view.DrawBackground(engine, g, layout, 0.3f); // step 1
+    int changed = 0;
+    for (int i = 0; i < 640 * 368; ++i)
+        if (view.background->pColData[static_cast<size_t>(i)] != before[static_cast<size_t>(i)]) {
+            ++changed; // only in the water band
+            ASSERT_GE(IndexAt(i % 640 / 2, (i / 640 + 18) / 2), 200) << i;
+        }
+    EXPECT_GT(changed, 0);
+    // The stage is the sprite, copied row for row: no clouds over an image.
+    EXPECT_TRUE(std::equal(view.background->pColData.begin(), view.background->pColData.end(),
+                           Screen().pColData.begin() + 18 * 640));
+}
+
+TEST_F(BackgroundTest, PalettedFrameWithCycle) {
+    WriteWaterBackground(MakeAssetRoot("paletted_reference"));
+    Game g = Started(false, 5, 1);
+    g.cursorX = 3;
+    DrawAt(g, 0.3f);
+    ExpectMatchesReference(Screen(), "paletted_cycle");
+}
+
+// The theme of a level, its image key and the colour-cycle file.
+using ThemeTest = RulesTest;
+
+TEST_F(ThemeTest, LandscapeByLevelAndImageKeyByMode) {
+    for (const auto& [level, index] : {std::pair{1, 0}, std::pair{6, 0}, std::pair{0, 4}, std::pair{-1, 3}})
+        EXPECT_EQ(BackgroundIndex(level), index) << level;
+    LevelPack pack;
+    pack.levels.resize(2);
+    pack.levels[1].background = 5;
+    SetActivePack(&pack);
+    EXPECT_EQ(BackgroundIndex(2), 4);
+    EXPECT_EQ(BackgroundIndex(3), 2); // beyond the pack: the turn again
+    // The image key prefers the painted tower, on rings only.
+    const std::string root = MakeAssetRoot("theme_keys");
+    const Theme& theme = ThemeFor(1);
+    GetSettings().classic = 0;
+    EXPECT_EQ(BackgroundFor(theme), theme.background); // the integrated file is missing
+    WriteText(root + "/" + theme.integrated, "x");
+    EXPECT_EQ(BackgroundFor(theme), theme.integrated);
+    GetSettings().classic = 1;
+    EXPECT_EQ(BackgroundFor(theme), theme.background);
+}
+
+TEST_F(ThemeTest, ColourCycleFile) {
+    WriteText(MakeAssetRoot("theme_cycles") + "/torvane/color-cycles.json", R"({"backgrounds": [
+        {"file": "a.png", "palette_start": 3.7, "palette_end": 9.2, "fps": 4, "direction": -0.5,
+         "tower_frame": {"centre_x": 160, "half_width": 40, "rim_y": 60, "base_y": 180}},
+        {"file": "b.png", "palette_start": 10, "palette_end": 20, "fps": 0, "direction": -1},
+        {"file": "a.png", "palette_start": 30, "palette_end": 33, "fps": 2, "direction": -1},
+        {"file": "b.png", "tower_frame": {"centre_x": 1, "half_width": 2, "rim_y": 3, "base_y": 4}},
+        {"file": "b.png", "tower_frame": {"rim_y": 7}}
+    ]})");
+    const std::vector<adv::PaletteCycle>& a = ColorCyclesFor("torvane/a.png");
+    ASSERT_EQ(a.size(), 2u); // two objects of one file, in file order
+    EXPECT_EQ(a[0].end, 9);       // truncated
+    EXPECT_EQ(a[0].direction, 1); // -0.5 truncates to 0
+    EXPECT_EQ(a[1].direction, -1);
+    EXPECT_EQ(&ColorCyclesFor("a.png"), &a); // the folder does not matter
+    EXPECT_FLOAT_EQ(TowerFrameFor("some/folder/a.png").centre_x, 160.0f); // later objects keep it
+    EXPECT_FLOAT_EQ(TowerFrameFor("b.png").rim_y, 7.0f);                  // the last frame wins
+    // Objects without numbers give zero ranges stepping forward; fps 0 never steps.
+    const std::vector<adv::PaletteCycle>& b = ColorCyclesFor("b.png");
+    ASSERT_EQ(b.size(), 3u);
+    EXPECT_EQ(b[0].Frame(100.0f), 0);
+    EXPECT_EQ(b[2].direction, 1);
+    EXPECT_TRUE(ColorCyclesFor("c.png").empty());
+}
+
+TEST_F(ThemeTest, UnreadableCycleFileIsReportedOnce) {
+    WriteText(MakeAssetRoot("theme_bad_cycles") + "/torvane/color-cycles.json", "{\"backgrounds\": [");
+    ::testing::internal::CaptureStderr();
+    EXPECT_TRUE(ColorCyclesFor("a.png").empty());
+    EXPECT_FALSE(TowerFrameFor("a.png").valid);
+    const std::string said = ::testing::internal::GetCapturedStderr();
+    EXPECT_EQ(said.rfind("[torvane] Farbzyklen nicht lesbar: ", 0), 0u) << said;
+    EXPECT_EQ(said.find("Farbzyklen", 20), std::string::npos); // once only
+}
+
+} // namespace
+} // namespace torvane
