@@ -113,8 +113,8 @@ void PaintRunner(Picture& out, int firstInk, Pose pose, int frame, bool facingLe
         const pge::vf2d k = Swing(hip, thigh, kThigh, dir);
         return std::make_pair(k, Swing(k, thigh - knee, kShin, dir));
     };
-    // Feet on the ground: the lowest foot stands on row 59 (row 54 in the jump's landing);
-    // in flight the hip keeps its height.
+    // Feet on the ground: the lowest foot stands on row 59 (row 54 in the jump's landing), to
+    // the pixel below; in flight the hip keeps its height.
     const bool grounded = pose != Pose::Jump || frame == 0 || frame == 5;
     if (grounded) {
         const float low = std::max(legs(st.nearThigh, st.nearKnee).second.y, legs(st.farThigh, st.farKnee).second.y);
@@ -159,7 +159,14 @@ void PaintRunner(Picture& out, int firstInk, Pose pose, int frame, bool facingLe
     arm(st.nearArm, st.nearElbow, 0);
 
     const auto at = [&](int x, int y) { return x < 0 || y < 0 || x >= 64 || y >= 64 ? 0 : mat.GetData()[y * 64 + x].r; };
-    const int ox = x0 - 32, oy = feetY - 59;
+    // On the ground the outline under the soles lies on the feet row itself.
+    int lowest = 0;
+    for (int y = 0; y < 64; ++y)
+        for (int x = 0; x < 64; ++x)
+            if (at(x, y)) lowest = y;
+    const int ox = x0 - 32;
+    const int oy = grounded ? feetY - (pose == Pose::Jump && frame == 5 ? 5 : 0) - (lowest + 1)
+                            : feetY - 59 - std::max(lowest + 1 - 59, 0); // in flight never below the feet row
     for (int y = 0; y < 64; ++y)
         for (int x = 0; x < 64; ++x) {
             const int v = at(x, y);

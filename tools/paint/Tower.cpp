@@ -22,28 +22,31 @@ bool InTable(int column) {
 } // namespace
 
 Frame FitFrame(int index) {
-    // Least squares over the table: the drawn rim is the front of an ellipse of
-    // radius half / sin(80 degrees) and tilt 0.18, its top at the frame's rim.
+    // The drawn rim is the front of an ellipse of radius half / sin(80 degrees) and tilt
+    // 0.18, its top at the frame's rim: the frame whose rim strays least from the table at
+    // its worst column, and then in the sum of squares.
     int top = 0;
     for (int c = 0; c < torvane::rim::kColumns; ++c) top = std::max(top, Table(index, c + torvane::rim::kFirstColumn));
     Frame best;
-    float bestError = 1e30f;
+    float bestWorst = 1e30f, bestError = 1e30f;
     for (int cx10 = 1200; cx10 <= 1700; ++cx10)
         for (int half = 40; half <= 70; ++half)
             for (int r2 = 2 * top - 1; r2 <= 2 * top + 1; ++r2) {
                 const float cx = static_cast<float>(cx10) / 10.0f, rim = static_cast<float>(r2) / 2.0f;
                 const float R = static_cast<float>(half) / kSinView;
-                float error = 0.0f;
+                float error = 0.0f, worst = 0.0f;
                 for (int c = torvane::rim::kFirstColumn; c < torvane::rim::kFirstColumn + torvane::rim::kColumns; ++c) {
                     const float n = (static_cast<float>(c) + 0.5f - cx) / R;
                     if (std::fabs(n) >= kSinView) {
-                        error += 9.0f; // the runner's columns should lie on the tower
-                        continue;
+                        worst = 1e30f; // the runner's columns must lie on the tower
+                        break;
                     }
-                    const float y = rim - R * kTilt * (1.0f - std::sqrt(1.0f - n * n));
-                    error += (y - static_cast<float>(Table(index, c))) * (y - static_cast<float>(Table(index, c)));
+                    const float d = rim - R * kTilt * (1.0f - std::sqrt(1.0f - n * n)) - static_cast<float>(Table(index, c));
+                    error += d * d;
+                    worst = std::max(worst, std::fabs(d));
                 }
-                if (error < bestError) {
+                if (worst < bestWorst || (worst == bestWorst && error < bestError)) {
+                    bestWorst = worst;
                     bestError = error;
                     best.centreX = cx;
                     best.halfWidth = static_cast<float>(half);
@@ -104,8 +107,10 @@ void PaintTower(Picture& p, int index, const Frame& f, int stone, int n, int dar
     }
 
     for (int x = x0; x <= x1; ++x) {
+        // The ring shows the tower to 80 degrees each side; the last sliver beyond is left out,
+        // so that painted and drawn silhouettes are one.
         const float nx = (static_cast<float>(x) + 0.5f - f.centreX) / R;
-        if (std::fabs(nx) >= 1.0f) continue;
+        if (std::fabs(nx) >= kSinView) continue;
         const float a = std::asin(nx), c = std::cos(a);
         const int rim = RimRow(index, f, x);
         const int foot = static_cast<int>(std::lround(baseC + ry * c));
@@ -113,7 +118,8 @@ void PaintTower(Picture& p, int index, const Frame& f, int stone, int n, int dar
         // The front face, with courses of stone (or planks) following the curve.
         for (int y = rim; y < foot; ++y) {
             const float up = baseC + ry * c - (static_cast<float>(y) + 0.5f); // height above the foot
-            float t = tone(l) - (y == rim ? 1.0f : 0.0f);
+            // A shadow under the lip of the rim and in the joint above the plinth.
+            float t = tone(l) - (y == rim || y == foot - 1 ? 3.0f : 0.0f);
             if (planks) {
                 const float course = up / 4.0f;
                 const float fr = course - std::floor(course);
@@ -133,7 +139,7 @@ void PaintTower(Picture& p, int index, const Frame& f, int stone, int n, int dar
             p.Set(x, y, Dither(stone, n, t, x, y));
         }
         // The silhouette's edge: a dark line on the shadow side, a lit one on the other.
-        if (std::fabs(nx) > 0.985f)
+        if (std::fabs(nx) > 0.97f)
             for (int y = rim; y < foot; ++y) p.Set(x, y, nx > 0 ? stone : stone + n - 4);
 
         // The top: back rim, the opening with the inner wall, and the front rim's upper face.
