@@ -2,8 +2,8 @@
 
 #include "engine/Assets.h"
 #include "engine/Json.h"
+#include "game/content/PackStorage.h"
 #include "game/rules/Level.h"
-#include "game/rules/LevelPack.h"
 
 #include <algorithm>
 #include <cmath>
@@ -110,13 +110,6 @@ const BackgroundInfo& InfoFor(const std::string& key) {
 }
 
 } // namespace
-
-int BackgroundIndex(int level) {
-    const LevelPack* pack = ActivePack();
-    if (pack && level >= 1 && level <= static_cast<int>(pack->levels.size()))
-        return pack->levels[level - 1].background - 1;
-    return (((level - 1) % 5) + 5) % 5;
-}
 
 const Theme& ThemeFor(int level) {
     static const std::vector<Theme> s_themes = MakeThemes();

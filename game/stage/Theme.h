@@ -35,10 +35,6 @@ struct BackgroundInfo {
     TowerFrame frame;
 };
 
-// The background's index 0 to 4 of a level: the active pack's choice for its own
-// levels, otherwise the five landscapes in turn.
-int BackgroundIndex(int level);
-
 const Theme& ThemeFor(int level);
 // The image key to use for a theme: the one with a painted tower on ring levels
 // when it exists, else the plain one.

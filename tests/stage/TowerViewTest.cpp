@@ -2,6 +2,7 @@
 // the ray-cast wall itself, and the landscape behind it with its theme.
 #include "engine/Assets.h"
 #include "engine/Screenshot.h"
+#include "game/content/PackStorage.h"
 #include "game/rules/LevelPack.h"
 #include "game/rules/Pieces.h"
 #include "game/stage/RingCamera.h"
