@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <system_error>
 
 namespace torvane {
@@ -24,7 +23,13 @@ PackStorage FolderPackStorage(const std::string& folder) {
     storage.read = [folder](const std::string& name, std::string& text) {
         std::ifstream in(folder + "/" + name, std::ios::binary);
         if (!in) return false;
-        text.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+        // Block reads turn an error of the file (such as a folder by that name) into a
+        // bad stream instead of an exception.
+        std::string data;
+        char block[65536];
+        while (in.read(block, sizeof block) || in.gcount() > 0) data.append(block, static_cast<size_t>(in.gcount()));
+        if (in.bad()) return false;
+        text = std::move(data);
         return true;
     };
     storage.write = [folder](const std::string& name, const std::string& text) {
