@@ -27,11 +27,7 @@ bool TorvaneApp::AnyInput() {
 void TorvaneApp::Press(ButtonId id, int arg) {
     Settings& settings = GetSettings();
     switch (id) {
-    case ButtonId::NewGame:
-        // ApplyPack() first, once the level packs are there.
-        game.NewGame();
-        nameEntry = scoreSaved = attractScores = false;
-        return;
+    case ButtonId::NewGame: NewGame(); return;
     case ButtonId::StartAttack: game.BeginAttack(); return;
     case ButtonId::NextLevel:
         if (game.LastLevel()) {
@@ -48,12 +44,15 @@ void TorvaneApp::Press(ButtonId id, int arg) {
     case ButtonId::ToTitle:
         paused = nameEntry = scoreSaved = attractScores = false;
         lastInputAt = clock;
-        // ApplyPack() here, once the level packs are there.
+        ApplyPack();
         game.StartLevel(1);
         game.phase = Phase::Title;
         game.TakeEvents();
-        // A test of the editor always returns to it: testing = false and the editor
-        // reopened here, once the editor is there.
+        // A test of the editor always returns to it.
+        if (testing) {
+            testing = false;
+            OpenEditor();
+        }
         return;
     case ButtonId::TitlePage: titlePage = arg; return;
     case ButtonId::ToggleAutoRotate:
@@ -68,12 +67,8 @@ void TorvaneApp::Press(ButtonId id, int arg) {
     case ButtonId::TogglePieceChoice: settings.piece_choice = !settings.piece_choice; break;
     case ButtonId::OpenSettings: settingsOpen = true; return;
     case ButtonId::CloseSettings: settingsOpen = false; return;
-    case ButtonId::NextPack:
-        // CyclePack() here, once the level packs are there.
-        return;
-    case ButtonId::OpenEditor:
-        // The editor opens here once it is there.
-        return;
+    case ButtonId::NextPack: CyclePack(); return;
+    case ButtonId::OpenEditor: OpenEditor(); return;
     }
     // Only the settings' changes get here: preferences::Save() belongs here once the
     // preferences file is there.
@@ -94,8 +89,8 @@ void TorvaneApp::HandleInput(float dt) {
     auto pressed = [this](pge::Key k) { return GetKey(k).bPressed; };
 
     if (editorOpen) {
-        // All keys belong to the editor; HandleEditorInput() here once it is there.
         lastInputAt = clock;
+        HandleEditorInput();
         return;
     }
     if (settingsOpen) {

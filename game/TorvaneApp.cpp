@@ -6,6 +6,7 @@
 #include "engine/PlatformKeys.h"
 #include "engine/Screenshot.h"
 #include "engine/Sound.h"
+#include "game/content/Preferences.h"
 #include "game/rules/FrameSteps.h"
 #include "game/rules/Lang.h"
 #include "game/rules/Level.h"
@@ -111,13 +112,16 @@ bool TorvaneApp::OnUserCreate() {
     // Without a title picture the game opens on the first title page.
     if (!titleImage) titlePage = 0;
 
-    // preferences::Load() here, once the preferences are there.
+    preferences::Load();
     if (autoplay) {
         GetSettings().auto_rotate = true;
         GetSettings().repair_mode = 1;
     }
-    // The scores, the pack storage, the first-run pack copy, RefreshPacks, ApplyPack
-    // and the editor at start follow here as they arrive.
+    // The scores follow here as they arrive.
+    SetUpPacks();
+    RefreshPacks();
+    ApplyPack();
+    if (openEditorAtStart) OpenEditor();
 
     // A level is always laid out: the title screen shows it behind its card.
     if (startLevel < 1) {
@@ -160,7 +164,7 @@ bool TorvaneApp::OnUserUpdate(float elapsed) {
         game.viewKnown = true;
     };
     hooks.beforeRestart = [this] {
-        // ApplyPack() first, once the packs are there.
+        ApplyPack();
         nameEntry = false;
         scoreSaved = false;
         attractScores = false;

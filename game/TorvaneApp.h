@@ -1,5 +1,7 @@
 #pragma once
 // The application: owns everything that lives for the whole run, and runs the frame.
+#include "game/content/LevelEditor.h"
+#include "game/content/PackStorage.h"
 #include "game/rules/AutoPlayer.h"
 #include "game/stage/RingCamera.h"
 #include "game/rules/TorvaneGame.h"
@@ -78,6 +80,9 @@ public:
     std::string message;
     float messageUntil = 0.0f;
     bool settingsOpen = false;
+    PackStorage packStorage;
+    std::vector<LevelPack> packs;
+    LevelEditor editor;
     bool editorOpen = false;
     bool testing = false;
     float testHintAt = -1.0f;
@@ -126,6 +131,18 @@ private:
     // What OnUserUpdate returns: false once exitAt has come, after the screenshot.
     bool FinishFrame();
     void UpdateLogo(float dt);
+
+    // The player's pack folder, filled from the game's packs on the first start.
+    void SetUpPacks();
+    void RefreshPacks();
+    void ApplyPack();
+    // Standard levels, then each pack in turn; back to the title at level 1.
+    void CyclePack();
+    void NewGame();
+    std::string PackLabel() const;
+    void OpenEditor();
+    // All keys while the editor is open, and the "--editor=" script, one token a frame.
+    void HandleEditorInput();
 };
 
 // Applies the run options argv[1..argc-1] to the application, left to right; unknown

@@ -43,6 +43,14 @@ PackStorage FolderPackStorage(const std::string& folder) {
     return storage;
 }
 
+void CopyPacks(const PackStorage& from, const PackStorage& to) {
+    if (!from.list || !from.read || !to.write) return;
+    for (const std::string& name : from.list()) {
+        std::string text;
+        if (from.read(name, text)) to.write(name, text);
+    }
+}
+
 std::vector<LevelPack> LoadPacks(const PackStorage& storage) {
     std::vector<LevelPack> packs;
     if (!storage.list || !storage.read) return packs;

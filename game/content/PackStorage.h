@@ -18,6 +18,8 @@ struct PackStorage {
 
 // The .tpack files of one folder; writing creates the folder first.
 PackStorage FolderPackStorage(const std::string& folder);
+// Copies every file of `from` that can be read into `to`, text unchanged.
+void CopyPacks(const PackStorage& from, const PackStorage& to);
 // Every pack of the store that reads and parses, sorted byte-wise by name.
 std::vector<LevelPack> LoadPacks(const PackStorage& storage);
 // The background's index 0 to 4 of a level: the active pack's choice for its own
