@@ -1,6 +1,7 @@
 #include "game/stage/TowerView.h"
 
 #include "engine/Canvas.h"
+#include "engine/Text.h"
 #include "game/rules/Pieces.h"
 
 #include <algorithm>
@@ -46,6 +47,18 @@ bool TowerView::FilledAt(int x, int y) const {
     if (i < 0 || j < 0 || i >= mapW || j >= mapH) return false;
     const int32_t id = wallMap[static_cast<size_t>(j) * static_cast<size_t>(mapW) + static_cast<size_t>(i)];
     return id >= 0 && static_cast<size_t>(id) < mapTower->cells.size() && mapTower->cells[static_cast<size_t>(id)] != 0;
+}
+
+void TowerView::OnEvent(const Event&, const Game&) {
+    // The effects take their events here once they are on the view.
+}
+
+void TowerView::DrawMessage(pge::PixelEngine& engine, const std::string& text, float fade) const {
+    if (text.empty() || fade <= 0.0f) return;
+    const int x = layout.stage.x + layout.stage.w / 2;
+    const int y = int(layout.stripHeight) + layout.stage.y + (layout.ring ? 8 : 18);
+    adv::text::DrawOutlined(engine, x, y, text, adv::canvas::WithAlpha(pge::WHITE, fade),
+                            adv::canvas::WithAlpha(pge::BLACK, fade * 0.6f), 2, adv::text::Align::Centre);
 }
 
 void TowerView::Draw(pge::PixelEngine& engine, const Game& game, const StageRect& stage, float time, float camera) {
