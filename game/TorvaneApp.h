@@ -190,6 +190,9 @@ public:
     void DrawTitleScreen();
     void DrawTitleCard(Card& card);
     void DrawSettingsCard(Card& card);
+    // The level editor, worked by keyboard only, and the landscape of its level behind it.
+    void DrawEditorCard(Card& card);
+    void DrawEditorBackdrop();
     // The key hints of this moment at the foot, and the level's name.
     void DrawHelp();
 

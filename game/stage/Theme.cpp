@@ -111,11 +111,12 @@ const BackgroundInfo& InfoFor(const std::string& key) {
 
 } // namespace
 
-const Theme& ThemeFor(int level) {
+const Theme& ThemeAt(int index) {
     static const std::vector<Theme> s_themes = MakeThemes();
-    const int index = BackgroundIndex(level);
     return s_themes[static_cast<size_t>(std::clamp(index, 0, 4))];
 }
+
+const Theme& ThemeFor(int level) { return ThemeAt(BackgroundIndex(level)); }
 
 const std::string& BackgroundFor(const Theme& theme) {
     if (GetSettings().classic != 0 || theme.integrated.empty()) return theme.background;
