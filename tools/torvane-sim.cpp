@@ -1,5 +1,7 @@
 // Plays the game without a window: the auto player at a fixed frame time, through
 // the same frame steps as the application, printing one JSON line per level.
+#include "game/content/PackFormat.h"
+#include "game/content/PackStorage.h"
 #include "game/rules/AutoPlayer.h"
 #include "game/rules/FrameSteps.h"
 #include "game/rules/Level.h"
@@ -10,6 +12,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <sstream>
 #include <string>
 
@@ -19,7 +22,7 @@ namespace {
 
 constexpr const char* kUsage =
     "Aufruf: torvane-sim --seed=N [--level=L] [--levels=K] [--classic] [--difficulty=D]\n"
-    "                    [--repair=auto|free] [--lazy] [--fps=F]\n"
+    "                    [--repair=auto|free] [--lazy] [--fps=F] [--pack=DATEI]\n"
     "Spielt mit dem Automaten ohne Fenster und schreibt je beendetem Level eine JSON-Zeile.\n"
     "  --seed=N        Startwert der Regeln (Standard 1)\n"
     "  --level=L       erstes Level (Standard 1)\n"
@@ -28,7 +31,8 @@ constexpr const char* kUsage =
     "  --difficulty=D  Schwierigkeit 0 bis 3\n"
     "  --repair=M      auto oder free\n"
     "  --lazy          der Automat baut, repariert aber nicht\n"
-    "  --fps=F         Bilder je Sekunde (Standard 60)\n";
+    "  --fps=F         Bilder je Sekunde (Standard 60)\n"
+    "  --pack=DATEI    spielt die Level eines Levelpacks (.tpack) bis zu seinem Ende\n";
 
 struct Options {
     unsigned seed = 1;
@@ -36,7 +40,23 @@ struct Options {
     int levels = 10;
     bool lazy = false;
     float fps = 60.0f;
+    bool levelsGiven = false;
+    std::string pack;
 };
+
+// Reads and activates the pack file; false (reported) when it cannot be read or is no pack.
+bool ActivatePack(const std::string& path) {
+    const std::filesystem::path file(path);
+    const std::string folder = file.has_parent_path() ? file.parent_path().string() : ".";
+    std::string text;
+    LevelPack pack;
+    if (!FolderPackStorage(folder).read(file.filename().string(), text) || !ParsePack(text, pack)) {
+        std::fprintf(stderr, "[torvane] Kein lesbares Levelpack: %s\n", path.c_str());
+        return false;
+    }
+    SetActivePack(&pack);
+    return true;
+}
 
 // A whole decimal number in [lo, hi]; false when malformed.
 bool ParseInt(const std::string& text, long lo, long hi, long& out) {
@@ -71,6 +91,7 @@ int ParseOptions(int argc, char** argv, Options& options) {
         } else if (name == "--levels" && hasValue) {
             ok = ParseInt(value, 1, 1000000, v);
             options.levels = static_cast<int>(v);
+            options.levelsGiven = true;
         } else if (name == "--classic" && !hasValue) {
             settings.classic = 1;
         } else if (name == "--difficulty" && hasValue) {
@@ -81,6 +102,9 @@ int ParseOptions(int argc, char** argv, Options& options) {
             settings.repair_mode = value == "free" ? 0 : 1;
         } else if (name == "--lazy" && !hasValue) {
             options.lazy = true;
+        } else if (name == "--pack" && hasValue) {
+            ok = !value.empty();
+            options.pack = value;
         } else if (name == "--fps" && hasValue) {
             ok = ParseInt(value, 1, 100000, v);
             options.fps = static_cast<float>(v);
@@ -256,6 +280,11 @@ int main(int argc, char** argv) {
         return 0;
     }
     if (parsed != 0) return parsed;
+    if (!options.pack.empty()) {
+        if (!ActivatePack(options.pack)) return 2;
+        // A pack is played to its end unless told otherwise.
+        if (!options.levelsGiven) options.levels = static_cast<int>(ActivePack()->levels.size());
+    }
 
     Game game(options.seed);
     game.NewGame();
@@ -275,11 +304,13 @@ int main(int argc, char** argv) {
     long frames = 0;
     size_t queuedAtEnd = 0;
     bool over = false;
+    bool packEnd = false;
     frame::Hooks hooks;
     hooks.rulesStepped = [&] {
         if (before != Phase::Attack || (game.phase != Phase::Eval && game.phase != Phase::Over)) return;
         queuedAtEnd = game.events.size();
         over = game.phase == Phase::Over;
+        packEnd = game.phase == Phase::Eval && game.LastLevel();
         Tally ended = tally;
         ended.Add(game.events.begin(), game.events.end());
         line = LevelLine(game, ended, frames + 1);
@@ -302,7 +333,7 @@ int main(int argc, char** argv) {
         tally.Add(taken.begin() + static_cast<std::ptrdiff_t>(queuedAtEnd), taken.end());
         frames = 0;
         ++done;
-        if (over) break;
+        if (over || packEnd) break;
     }
     return 0;
 }

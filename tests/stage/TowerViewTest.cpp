@@ -1,6 +1,7 @@
 // The stage: whole frames compared with reference pictures, the marks on the wall,
 // the ray-cast wall itself, and the landscape behind it with its theme.
 #include "engine/Assets.h"
+#include "game/content/PackStorage.h"
 #include "game/rules/LevelPack.h"
 #include "game/rules/Pieces.h"
 #include "game/stage/RingCamera.h"
