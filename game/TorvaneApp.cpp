@@ -236,7 +236,7 @@ void TorvaneApp::ProcessEvents() {
             sounds::Play(event.sfx, event.value);
             break;
         default:
-            // view.OnEvent(event, game) once the tower view is there.
+            view.OnEvent(event, game);
             break;
         }
     }
