@@ -117,6 +117,74 @@ TEST_F(RunnerSheetTest, DropSheetPlaysForFourTenthsOfASecondAfterAPlacedPiece) {
     EXPECT_EQ(Shown(g, 10.6f, false, 54), RunnerBody(4, 5)); // landed: the last frame, 5 pixels lower
 }
 
+using OverlayPictureTest = TowerViewFrameTest;
+
+// A ring under fire, seen from column 0.5: a ball on its way to a piece in view, a
+// replacement laid out for another, the focus on a hole with the piece in hand fitting
+// it, a ball behind the tower at the right and a hole behind it at the left.
+TEST_F(OverlayPictureTest, RingUnderFire) {
+    Game g = Started(false, 11, 5);
+    const int top = g.ColumnTop(0, 0);
+    for (int x = 0; x < 32; x += 2) Lay(g, 0, 'O', 0, x, top);
+    const int hit = Lay(g, 0, 'O', 0, 30, top + 2), flying = Lay(g, 0, 'T', 0, 3, top + 2);
+    const int prepped = Lay(g, 0, 'I', 1, 1, top + 2), behind = Lay(g, 0, 'O', 0, 12, top + 2);
+    const int lost = Lay(g, 0, 'O', 0, 22, top + 2);
+    g.phase = Phase::Attack;
+    g.clock = 10.0f;
+    for (const int piece : {hit, lost}) {
+        const std::vector<Cell> cells = g.pieces.at(piece).cells;
+        for (const Cell& c : cells) g.RemoveCell(0, c.x, c.y);
+        g.pieces.erase(piece);
+        g.holes.push_back(Hole{piece, 0, cells, 8.0f, piece == hit ? 12.5f : 11.2f, 0});
+    }
+    const std::vector<Cell>& prep = g.pieces.at(prepped).cells;
+    g.targets.push_back(Target{1, flying, 0, 7.9f, 10.9f, g.pieces.at(flying).cells, {}}); // 70 % of its way
+    g.targets.push_back(Target{2, prepped, 0, 9.0f, 14.0f, prep, {Prep{'I', prep}}});
+    g.targets.push_back(Target{3, behind, 0, 9.0f, 11.5f, g.pieces.at(behind).cells, {}});
+    g.focus = {Focus::Hole, hit};
+    g.supply = {'O', 'I', 'T', 'S', 'Z', 'L'};
+    g.selected = 0;
+    DrawAt(g, 2.1f, 0.5f);
+    ExpectMatchesReference(Screen(), "ring_under_fire");
+}
+
+// Three classic towers in the attack: the full carousel, the towers' shares, and the
+// alarm over the third, where a ball is on its way while the player works on the first.
+TEST_F(OverlayPictureTest, ClassicThreeTowersWithAlarm) {
+    Game g = Started(true, 5, 4);
+    ASSERT_EQ(g.config.towers, 3);
+    for (int t = 0; t < 3; ++t) Lay(g, t, 'O', 0, 2 * t, g.ColumnTop(t, 2 * t));
+    g.phase = Phase::Attack;
+    g.clock = 7.5f;
+    const int piece = g.CellAt(2, 4, g.ColumnTop(2, 4) - 1);
+    ASSERT_NE(piece, 0);
+    g.targets.push_back(Target{1, piece, 2, 4.0f, 9.0f, g.pieces.at(piece).cells, {}});
+    DrawAt(g, 0.2f, 0.0f);
+    ExpectMatchesReference(Screen(), "classic_three_towers");
+}
+
+// Debris of a hit and the points for a repair, a third of a second after the events.
+TEST_F(OverlayPictureTest, DebrisAndPointsInMidFlight) {
+    Game g = Started(false, 7, 1);
+    g.phase = Phase::Attack;
+    g.clock = 5.0f;
+    const int top = g.ColumnTop(0, 0);
+    Event burst;
+    burst.kind = Event::Burst;
+    burst.cells = {{0, top + 3}, {1, top + 3}, {2, top + 3}};
+    burst.count = 14;
+    Event points;
+    points.kind = Event::Float;
+    points.cells = {{30, top}, {31, top}};
+    points.text = "Sofort ersetzt! +150";
+    DrawAt(g, 1.0f, 0.5f);
+    view.OnEvent(burst, g);
+    view.OnEvent(points, g);
+    g.clock = 5.35f;
+    DrawAt(g, 1.35f, 0.5f);
+    ExpectMatchesReference(Screen(), "effects_mid_flight");
+}
+
 using EdgeArrowTest = TowerViewFrameTest;
 
 TEST_F(EdgeArrowTest, DangersBehindTheRingAreListedMostUrgentFirstAndBlink) {
