@@ -221,12 +221,6 @@ int32_t AdventureGame::Flag(const std::string& name) const {
     return it == flags.end() ? 0 : it->second;
 }
 
-bool AdventureGame::Idle() const {
-    const auto p = actors.find(playerId);
-    return state == Playing && !runner.Running() && dialogue.empty() && !menu.IsOpen() &&
-           (p == actors.end() || !p->second.Walking());
-}
-
 void AdventureGame::UpdateIntro(float dt) {
     if (introIndex >= introScreens.size()) {
         BeginPlay();
@@ -273,11 +267,13 @@ bool AdventureGame::OnUserUpdate(float elapsed) {
         if (toastTime <= 0.0f) toast.clear();
     }
     if (state == Intro) {
+        // The key that ends the last screen is not also a key of the game.
         UpdateIntro(dt);
-        if (state == Intro) {
+        if (state == Intro)
             introScreens[introIndex]->Draw(*this, introClock);
-            return true;
-        }
+        else
+            DrawWorld();
+        return true;
     }
     HandleGlobalKeys();
     if (menu.IsOpen()) {

@@ -90,6 +90,8 @@ public:
     void UpdateHover();
     void UpdateCamera(float dt);
     void SnapCameraToPlayer();
+    // The visible dialogue options as (option index, top row on the screen).
+    std::vector<pge::vi2d> DialogueRows() const;
 
     // Saving.
     SaveData CaptureState() const;
@@ -105,7 +107,6 @@ public:
     std::string ItemName(const std::string& id) const;
     int32_t Flag(const std::string& name) const;
     void SetFlag(const std::string& name, int32_t value) { flags[name] = value; }
-    bool Idle() const; // no script, no walk, no dialogue, playing
 
     // Drawing.
     void DrawWorld();
@@ -164,8 +165,6 @@ private:
     void DrawDialogue();
     void DrawDebug();
     void DrawEnd();
-    std::vector<pge::vi2d> DialogueRows() const;
-
     std::function<void(AdventureGame&)> contentBuilder;
     bool quitRequested = false;
 };
