@@ -211,27 +211,52 @@ void FillPolygon(pge::Sprite* sprite, const std::vector<pge::vf2d>& points, pge:
     }
     const int y0 = int(std::max(std::floor(minY), 0.0f));
     const int y1 = int(std::min(std::ceil(maxY), float(sprite->height - 1)));
-    std::vector<float> crossings;
-    crossings.reserve(points.size());
-    for (int y = y0; y <= y1; ++y) {
-        const float ys = float(y) + 0.5f;
-        crossings.clear();
-        const pge::vf2d* p = &points.back();
-        for (const pge::vf2d& q : points) {
-            if ((p->y <= ys && ys < q.y) || (q.y <= ys && ys < p->y))
-                crossings.push_back(p->x + (q.x - p->x) * (ys - p->y) / (q.y - p->y));
-            p = &q;
+    // Each edge visits only the rows it spans, rather than every row testing every edge;
+    // the crossings are then grouped by row, bucket by bucket, and sorted within a row.
+    struct Crossing {
+        int y;
+        float x;
+    };
+    thread_local std::vector<Crossing> found;
+    thread_local std::vector<float> byRow;
+    thread_local std::vector<int> rowStart;
+    if (y1 < y0) return;
+    found.clear();
+    const pge::vf2d* p = &points.back();
+    for (const pge::vf2d& q : points) {
+        const float lo = std::min(p->y, q.y), hi = std::max(p->y, q.y);
+        if (lo < hi) {
+            // A row or so more on each side than the scan line needs; the test below decides.
+            const int from = int(std::max(std::floor(lo) - 1.0f, float(y0)));
+            const int to = int(std::min(std::ceil(hi) + 1.0f, float(y1)));
+            for (int y = from; y <= to; ++y) {
+                const float ys = float(y) + 0.5f;
+                if ((p->y <= ys && ys < q.y) || (q.y <= ys && ys < p->y))
+                    found.push_back({y, p->x + (q.x - p->x) * (ys - p->y) / (q.y - p->y)});
+            }
         }
-        std::sort(crossings.begin(), crossings.end());
-        for (size_t k = 0; k + 1 < crossings.size(); k += 2) {
-            const int x0 = int(std::max(std::ceil(crossings[k] - 0.5f), 0.0f));
-            const int x1 = int(std::min(std::ceil(crossings[k + 1] - 0.5f), float(sprite->width)));
+        p = &q;
+    }
+    rowStart.assign(size_t(y1 - y0) + 2, 0);
+    for (const Crossing& c : found) ++rowStart[size_t(c.y - y0) + 1];
+    for (size_t r = 1; r < rowStart.size(); ++r) rowStart[r] += rowStart[r - 1];
+    byRow.resize(found.size());
+    for (const Crossing& c : found) byRow[size_t(rowStart[size_t(c.y - y0)]++)] = c.x;
+    // rowStart[r] now is the end of row r, and so the start of row r + 1.
+    for (int y = y0, begin = 0; y <= y1; ++y) {
+        const int end = rowStart[size_t(y - y0)];
+        float* row = byRow.data() + begin;
+        std::sort(row, row + (end - begin));
+        for (int k = 0; k + 1 < end - begin; k += 2) {
+            const int x0 = int(std::max(std::ceil(row[k] - 0.5f), 0.0f));
+            const int x1 = int(std::min(std::ceil(row[k + 1] - 0.5f), float(sprite->width)));
             if (!mask)
                 Span(sprite, y, x0, x1, colour);
             else
                 for (int x = x0; x < x1; ++x)
                     if (mask(x, y)) Blend(sprite, x, y, colour);
         }
+        begin = end;
     }
 }
 
