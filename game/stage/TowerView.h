@@ -132,6 +132,9 @@ public:
     void DrawWall(pge::Sprite* target, const Game& game, const Geo& g, int tower);
     // Whether the wall map shows an occupied cell at this screen pixel.
     bool FilledAt(int x, int y) const;
+    // Forgets what is kept between frames besides the background, so that the next Draw
+    // works everything out anew.
+    void DropCaches();
 
     // ---- the runner on the rim ----
     void UpdateRunner(const Game& game, float dt, float camera);
@@ -210,8 +213,47 @@ private:
     // The runner back at no tower, so that his next update places him without a jump.
     void ResetRunner();
 
-    // Scratch images of DrawWall: the position within the cell across and along.
-    std::vector<float> wallU, wallV;
+    // A stretch of one row of the wall map whose pixels are treated alike.
+    enum class RunKind : uint8_t { Shadow, ShadowGrid, Solid };
+    struct WallRun {
+        int32_t y = 0, x = 0, count = 0;
+        RunKind kind = RunKind::Shadow;
+        uint32_t colours = 0; // Solid: the first of its colours in WallCache::colours
+    };
+    struct Speckle {
+        int32_t x = 0, y = 0;
+        pge::Pixel colour;
+    };
+    struct Face {
+        std::vector<pge::vf2d> outline, inner;
+        pge::Pixel fill, edge;
+    };
+    // What DrawWall keeps of one tower between frames. The map depends only on the
+    // geometry; the shaded wall also on the cells, their pieces' ruin flags and the
+    // material. Filled cells lie opaque over what is behind them, so their pixels are
+    // kept as they are; empty cells are blended anew each frame.
+    struct WallCache {
+        bool mapped = false;
+        Geo geo;
+        std::vector<int32_t> map; // lent to wallMap while this tower is the one drawn last
+        int32_t x = 0, y = 0, w = 0, h = 0;
+        std::vector<float> u, v; // the position within the cell across and along
+        bool shaded = false;
+        std::vector<int32_t> cells;
+        std::vector<uint8_t> ruins;
+        pge::Pixel stone;
+        bool planks = false;
+        std::vector<WallRun> runs;
+        std::vector<pge::Pixel> colours;
+        std::vector<Speckle> speckles;
+        std::vector<Face> faces;
+    };
+    void MapWall(WallCache& wall, const Geo& g);
+    void ShadeWall(WallCache& wall, const Geo& g, const Theme& theme);
+
+    std::vector<WallCache> walls; // by tower
+    int32_t mapOwner = -1;        // the tower whose map wallMap holds
+    std::vector<uint8_t> ruinScratch;
 };
 
 } // namespace torvane
