@@ -193,6 +193,7 @@ TEST_F(InputTest, AnnounceSpaceBeforeTheLockEndsDoesNothing) {
 }
 
 TEST_F(InputTest, TitlePagesRingAndEscapeEndsTheRun) {
+    const torvane::testing_support::BareAssets bare;
     Start({"--skip-intro"});
     ASSERT_EQ(app.game.phase, Phase::Title);
     ASSERT_EQ(app.titleImage, nullptr);

@@ -1,4 +1,5 @@
 #include "game/TorvaneApp.h"
+#include "tests/app/DataFolder.h"
 
 #include "engine/Assets.h"
 #include "game/rules/Level.h"
@@ -141,6 +142,7 @@ TEST(TorvaneAppRunOptions, MalformedNumbersThrowNamedExceptions) {
 }
 
 TEST(TorvaneAppFrame, HundredFramesWithoutAnyServer) {
+    const torvane::testing_support::BareAssets bare; // no title picture over the frame
     TorvaneApp app;
     Apply(app, {"--skip-intro"});
     pge::Headless run(app);
@@ -161,6 +163,7 @@ TEST(TorvaneAppFrame, HundredFramesWithoutAnyServer) {
 }
 
 TEST(TorvaneAppStart, LevelOptionDecidesBetweenTitleAndGame) {
+    const torvane::testing_support::BareAssets bare; // no title picture over the frame
     for (const char* level : {"--level=0", "--level=-5"}) {
         TorvaneApp app;
         Apply(app, {level});
@@ -244,6 +247,7 @@ TEST(TorvaneAppFrame, LazyBotLosesAndTheRunEndsAtTheOverPhase) {
 }
 
 TEST(TorvaneAppFrame, LogoRunsForItsTimeOrUntilSkipped) {
+    const torvane::testing_support::BareAssets bare; // no title picture over the frame
     {
         TorvaneApp app;
         pge::Headless run(app);
@@ -332,6 +336,7 @@ TEST(TorvaneAppFrame, LogoIsCentredScaledAndFadesIn) {
 }
 
 TEST(TorvaneAppFrame, ExitAfterWritesTheScreenshotOfThatFrame) {
+    const torvane::testing_support::BareAssets bare; // no title picture over the frame
     const std::string path = TempPath("exit.png");
     std::remove(path.c_str());
     TorvaneApp app;
