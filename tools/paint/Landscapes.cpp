@@ -180,7 +180,7 @@ void Desert(Scene& s) {
     const int sand = s.Ramp({{132, 84, 48}, {190, 132, 76}, {232, 190, 126}}, 8);
     s.grounds = {{dune, 8}, {sand, 8}};
     s.Sky(sky, 14, 4, 116);
-    s.Sun(104, 40, 8, sun, sky + 13);
+    s.Sun(44, 30, 8, sun, sky + 13);
 
     // Far mesas, flat-topped, in the haze of the horizon.
     const std::vector<std::tuple<float, float, float>> mesas = {{20, 95, 28}, {118, 99, 40}, {196, 92, 22}, {292, 97, 30}};
@@ -350,7 +350,9 @@ void Snowpass(Scene& s) {
     s.Sky(sky, 10, 0, 120);
 
     s.Mountains({{30, 30, 80}, {120, 18, 90}, {236, 26, 80}, {318, 40, 60}}, 120, 200, [&](int x, int y, bool lit, float depth, float below) {
-        const bool bare = depth > 0.2f && Noise2(x / 2.5f, y / 14.0f, 201) > (lit ? 0.55f : 0.15f);
+        // Bare rock in gullies running down the fall line: down-left on the lit face, down-right in the shade.
+        const float u = static_cast<float>(x) + static_cast<float>(y) * (lit ? 0.8f : -0.8f);
+        const bool bare = depth > 0.18f && Noise1(u / 3.0f, 201) + Noise2(u / 9.0f, y / 6.0f, 203) * 0.6f > (lit ? 0.75f : 0.35f);
         if (bare) return Dither(rock, 5, lit ? 3.5f : 1.0f, x, y);
         return Dither(snow, 10, (lit ? 8.5f : 4.0f) - depth * 2.0f + (below < 1.0f ? 1.0f : 0.0f), x, y);
     });
@@ -563,8 +565,10 @@ void Volcanic(Scene& s) {
     const Ridge front = MakeRidge(p.W(), 152, 7, 36, 411, 3);
     FillBelow(p, front, [&](int x, int y, int d) {
         const float slope = front[static_cast<size_t>(std::min(x + 1, p.W() - 1))] - front[static_cast<size_t>(std::max(x - 1, 0))];
-        const float crack = Noise2(x / 8.0f, y / 3.0f, 412);
-        return Dither(basalt, 8, (slope > 0 ? 4.0f : 2.6f) - d * 0.05f + (crack > 0.4f ? 1.2f : 0.0f) + (d < 1 ? 2.5f : 0.0f), x, y);
+        const float crack = Noise2(x / 16.0f, y / 2.0f, 412); // old flows in layers along the slope
+        // The faces of the ridge catch the light near its crest only; below lie layers of old flows.
+        const float face = (slope > 0 ? 0.7f : -0.7f) * std::max(0.0f, 1.0f - d / 10.0f);
+        return Dither(basalt, 8, 3.3f + face - d * 0.04f + (crack > 0.4f ? 1.2f : 0.0f) + (d < 1 ? 2.5f : 0.0f), x, y);
     });
     // Glowing cracks in the ground, pulsing slowly.
     for (int k = 0; k < 10; ++k) {
