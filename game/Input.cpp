@@ -54,11 +54,7 @@ bool TorvaneApp::AnyInput() {
 void TorvaneApp::Press(ButtonId id, int arg) {
     Settings& settings = GetSettings();
     switch (id) {
-    case ButtonId::NewGame:
-        ApplyPack();
-        game.NewGame();
-        nameEntry = scoreSaved = attractScores = false;
-        return;
+    case ButtonId::NewGame: NewGame(); return;
     case ButtonId::StartAttack: game.BeginAttack(); return;
     case ButtonId::NextLevel:
         if (game.LastLevel()) {
@@ -130,8 +126,8 @@ void TorvaneApp::HandleInput(float dt) {
     auto pressed = [this](pge::Key k) { return GetKey(k).bPressed; };
 
     if (editorOpen) {
-        // All keys belong to the editor; HandleEditorInput() here once it is there.
         lastInputAt = clock;
+        HandleEditorInput();
         return;
     }
     if (settingsOpen) {

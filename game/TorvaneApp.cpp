@@ -121,7 +121,8 @@ bool TorvaneApp::OnUserCreate() {
         GetSettings().repair_mode = 1;
     }
     scores = highscores::Load();
-    // The pack storage, the first-run pack copy and RefreshPacks come here with the packs.
+    SetUpPacks();
+    RefreshPacks();
     ApplyPack();
     if (openEditorAtStart) OpenEditor();
 
@@ -251,20 +252,6 @@ void TorvaneApp::ProcessEvents() {
         default: view.OnEvent(event, game); break;
         }
     }
-}
-
-void TorvaneApp::ApplyPack() {
-    // Makes the pack named in the settings active, once the level packs are there.
-}
-
-void TorvaneApp::CyclePack() {
-    // Steps to the next level pack and saves the choice, once the level packs are there.
-}
-
-std::string TorvaneApp::PackLabel() { return Tr("Standard"); }
-
-void TorvaneApp::OpenEditor() {
-    // Opens the level editor's card, once the editor is there.
 }
 
 bool TorvaneApp::FinishFrame() {

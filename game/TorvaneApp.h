@@ -1,5 +1,7 @@
 #pragma once
 // The application: owns everything that lives for the whole run, and runs the frame.
+#include "game/content/LevelEditor.h"
+#include "game/content/PackStorage.h"
 #include "game/content/Highscores.h"
 #include "game/rules/AutoPlayer.h"
 #include "game/stage/RingCamera.h"
@@ -81,6 +83,9 @@ public:
     std::string message;
     float messageUntil = 0.0f;
     bool settingsOpen = false;
+    PackStorage packStorage;
+    std::vector<LevelPack> packs;
+    LevelEditor editor;
     bool editorOpen = false;
     bool testing = false;
     float testHintAt = -1.0f;
@@ -186,6 +191,9 @@ public:
     void DrawTitleScreen();
     void DrawTitleCard(Card& card);
     void DrawSettingsCard(Card& card);
+    // The level editor, worked by keyboard only, and the landscape of its level behind it.
+    void DrawEditorCard(Card& card);
+    void DrawEditorBackdrop();
     // The key hints of this moment at the foot, and the level's name.
     void DrawHelp();
     // The help bar's key texts and their meanings, left to right.
@@ -208,11 +216,17 @@ private:
     bool FinishFrame();
     void UpdateLogo(float dt);
 
-    // The level packs' steps; the built-in levels are all there is for now.
+    // The player's pack folder, filled from the game's packs on the first start.
+    void SetUpPacks();
+    void RefreshPacks();
     void ApplyPack();
+    // Standard levels, then each pack in turn; back to the title at level 1.
     void CyclePack();
-    std::string PackLabel();
+    void NewGame();
+    std::string PackLabel() const;
     void OpenEditor();
+    // All keys while the editor is open, and the "--editor=" script, one token a frame.
+    void HandleEditorInput();
     // The title pages' contents, below the tabs.
     void DrawStoryPage(Card& card);
     void DrawFlowPage(Card& card);

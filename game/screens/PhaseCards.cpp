@@ -36,9 +36,13 @@ void TorvaneApp::DrawOverlay() {
     const Phase phase = game.phase;
     const bool cardPhase =
         phase == Phase::Title || phase == Phase::Announce || phase == Phase::Eval || phase == Phase::Over;
-    if (!settingsOpen && !paused && !cardPhase) return;
+    if (!editorOpen && !settingsOpen && !paused && !cardPhase) return;
+    // Without a title picture the editor stands over the tower view, as the title card does.
+    if (editorOpen) DrawEditorBackdrop();
     adv::canvas::FillRect(GetDrawTarget(), 0, 18, 640, 368, kDim);
-    if (settingsOpen) {
+    if (editorOpen) {
+        DrawCardOf(&TorvaneApp::DrawEditorCard, 520, 336);
+    } else if (settingsOpen) {
         DrawCardOf(&TorvaneApp::DrawSettingsCard, 440, 0);
     } else if (paused) {
         DrawCardOf(&TorvaneApp::DrawPauseCard, 320, 0);

@@ -36,14 +36,15 @@ void TorvaneApp::DrawCardOf(void (TorvaneApp::*content)(Card&), int width, int m
 void TorvaneApp::DrawTitleScreen() {
     pge::Sprite* target = GetDrawTarget();
     std::copy(titleImage->pColData.begin(), titleImage->pColData.end(), target->pColData.begin());
-    // The editor card comes first here once the editor is there.
+    if (editorOpen) DrawEditorBackdrop();
     struct Choice {
         bool when;
         int alpha;
         void (TorvaneApp::*content)(Card&);
         int width, minHeight;
     };
-    for (const Choice& c : {Choice{settingsOpen, 150, &TorvaneApp::DrawSettingsCard, 440, 0},
+    for (const Choice& c : {Choice{editorOpen, 170, &TorvaneApp::DrawEditorCard, 520, 336},
+                            Choice{settingsOpen, 150, &TorvaneApp::DrawSettingsCard, 440, 0},
                             Choice{titlePage >= 0, 150, &TorvaneApp::DrawTitleCard, 470, 336},
                             Choice{attractScores, 215, &TorvaneApp::DrawTitleScoresCard, 520, 336}}) {
         if (!c.when) continue;
