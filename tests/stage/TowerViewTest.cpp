@@ -10,6 +10,7 @@
 #include "game/stage/TowerView.h"
 #include "pge/Headless.h"
 #include "tests/stage/PalettedTestImage.h"
+#include "tests/ReferencePicture.h"
 #include "tests/rules/RulesTestSupport.h"
 
 #include <gtest/gtest.h>
@@ -33,27 +34,6 @@ std::string MakeAssetRoot(const std::string& name) {
     std::filesystem::create_directories(base / "Resources" / "assets" / "torvane");
     adv::Assets::Init((base / "bin" / "torvane").string());
     return adv::Assets::Root();
-}
-
-// The screen against tests/reference/<name>.png, colour channels each within 2. A failure
-// writes <name>-actual.png and <name>-diff.png (differing pixels red) into the build folder.
-void ExpectMatchesReference(const pge::Sprite& actual, const std::string& name) {
-    const pge::Sprite expected(std::string(TORVANE_SOURCE_DIR) + "/tests/reference/" + name + ".png");
-    ASSERT_EQ(expected.pColData.size(), actual.pColData.size()) << name;
-    pge::Sprite diff(actual.width, actual.height);
-    int differing = 0;
-    for (size_t i = 0; i < actual.pColData.size(); ++i) {
-        const pge::Pixel a = actual.pColData[i], e = expected.pColData[i];
-        const bool same = std::abs(a.r - e.r) <= 2 && std::abs(a.g - e.g) <= 2 && std::abs(a.b - e.b) <= 2;
-        differing += same ? 0 : 1;
-        diff.pColData[i] = same ? pge::Pixel(e.r / 4, e.g / 4, e.b / 4) : pge::Pixel(255, 0, 0);
-    }
-    const std::string out = std::string(TORVANE_BINARY_DIR) + "/tower_view_tests/" + name;
-    if (differing > 0) {
-        adv::screenshot::SavePng(actual, out + "-actual.png");
-        adv::screenshot::SavePng(diff, out + "-diff.png");
-    }
-    EXPECT_EQ(differing, 0) << name << ": see " << out << "-diff.png";
 }
 
 // Lays a piece of the given rotation moved by (x, y) on a tower.
