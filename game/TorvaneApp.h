@@ -13,6 +13,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace torvane {
@@ -195,6 +196,8 @@ public:
     void DrawEditorBackdrop();
     // The key hints of this moment at the foot, and the level's name.
     void DrawHelp();
+    // The help bar's key texts and their meanings, left to right.
+    std::vector<std::pair<std::string, std::string>> HelpPairs();
 
 private:
     // Reads the keys and the mouse once a frame; the overlays take them first.

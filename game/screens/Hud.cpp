@@ -115,13 +115,8 @@ std::string TorvaneApp::PartList(const RoundStats& stats, const LevelConfig& con
     return Tr(" Stand je Turm: ") + out + ".";
 }
 
-void TorvaneApp::DrawHelp() {
-    pge::Sprite* target = GetDrawTarget();
-    adv::canvas::FillRect(target, 0, 386, 640, 14, kPanel);
-    adv::canvas::FillRect(target, 0, 386, 640, 1, kLine);
+std::vector<std::pair<std::string, std::string>> TorvaneApp::HelpPairs() {
     const Phase phase = game.phase;
-    if (phase == Phase::Title) return;
-
     std::vector<std::pair<std::string, std::string>> pairs;
     if (paused) {
         pairs = {{"Esc", Tr("weiter")}, {"Q", Tr("zurück zum Titel")}};
@@ -138,7 +133,17 @@ void TorvaneApp::DrawHelp() {
         pairs.push_back({"↓ Space Enter", Tr("einsetzen")});
         pairs.push_back({"Tab", Tr("nächstes Teil")});
     }
+    return pairs;
+}
 
+void TorvaneApp::DrawHelp() {
+    pge::Sprite* target = GetDrawTarget();
+    adv::canvas::FillRect(target, 0, 386, 640, 14, kPanel);
+    adv::canvas::FillRect(target, 0, 386, 640, 1, kLine);
+    // The title leaves the bar empty, without even the level's name.
+    if (game.phase == Phase::Title) return;
+
+    const auto pairs = HelpPairs();
     int x = 8;
     int end = 0; // right end of the last hint
     for (const auto& [key, label] : pairs) {

@@ -8,7 +8,7 @@
 #include "game/rules/Level.h"
 #include "game/TorvaneApp.h"
 #include "pge/Headless.h"
-#include "tests/ReferencePicture.h"
+#include "tests/stage/ReferencePicture.h"
 #include "tests/app/DataFolder.h"
 
 #include <gtest/gtest.h>
@@ -102,13 +102,13 @@ TEST_F(EditorCardTest, ScrolledListWithItsCounter) {
     Frames(3);
     ASSERT_TRUE(app.editorOpen);
     EXPECT_EQ(app.editor.row, 17);
-    ExpectMatchesReference(*app.GetDrawTarget(), "editor_list", "editor_card_tests");
+    ExpectMatchesReference(*app.GetDrawTarget(), "editor_list");
 }
 
 TEST_F(EditorCardTest, NewPackPage) {
     Start({"--editor=enter,type:Neue Burg,down"});
     Frames(5);
-    ExpectMatchesReference(*app.GetDrawTarget(), "editor_new", "editor_card_tests");
+    ExpectMatchesReference(*app.GetDrawTarget(), "editor_new");
 }
 
 TEST_F(EditorCardTest, PackPageAndLevelPageOverTheirLandscape) {
@@ -116,11 +116,11 @@ TEST_F(EditorCardTest, PackPageAndLevelPageOverTheirLandscape) {
     Start({"--editor=down,enter,down,down"});
     Frames(6);
     ASSERT_EQ(app.editor.page, 2);
-    ExpectMatchesReference(*app.GetDrawTarget(), "editor_pack", "editor_card_tests");
+    ExpectMatchesReference(*app.GetDrawTarget(), "editor_pack");
     app.editorScript = "enter,down,down,down,down,down,down,down,down";
     Frames(10);
     ASSERT_EQ(app.editor.page, 3);
-    ExpectMatchesReference(*app.GetDrawTarget(), "editor_level", "editor_card_tests");
+    ExpectMatchesReference(*app.GetDrawTarget(), "editor_level");
 }
 
 TEST_F(EditorCardTest, TitleFootWithAPackAndTheHelpBarWithItsLevelName) {
@@ -130,13 +130,13 @@ TEST_F(EditorCardTest, TitleFootWithAPackAndTheHelpBarWithItsLevelName) {
     Tap(pge::P);
     EXPECT_EQ(GetSettings().level_pack, "Vellmark.tpack");
     Frames(1);
-    ExpectMatchesReference(Band(300, 400), "title_foot_pack", "editor_card_tests");
+    ExpectMatchesReference(Band(300, 400), "title_foot_pack");
     Frames(40); // past the lock on keys after the phase change
     Tap(pge::SPACE);
     ASSERT_EQ(app.game.phase, Phase::Build);
     ASSERT_NE(ActivePack(), nullptr);
     Frames(1);
-    ExpectMatchesReference(Band(386, 400), "help_bar_pack_level", "editor_card_tests");
+    ExpectMatchesReference(Band(386, 400), "help_bar_pack_level");
 }
 
 } // namespace

@@ -1,7 +1,5 @@
 #pragma once
-// Pictures compared with tests/reference/<name>.png, colour channels each within 2. A
-// failure writes <name>-actual.png and <name>-diff.png (differing pixels red) into
-// build/<folder>/, from where a looked-at picture becomes the new reference.
+// Whole screens compared with the checked-in pictures of tests/reference/.
 #include "engine/Screenshot.h"
 #include "pge/Sprite.h"
 
@@ -13,14 +11,16 @@
 
 namespace torvane::testing_support {
 
-inline void ExpectMatchesReference(const pge::Sprite& actual, const std::string& name,
-                                   const std::string& folder = "tower_view_tests") {
+// The screen against tests/reference/<name>.png, colour channels each within 2. A failure
+// writes <name>-actual.png and <name>-diff.png (differing pixels red) into
+// <build>/reference_out, where a new picture is looked at before it is checked in.
+inline void ExpectMatchesReference(const pge::Sprite& actual, const std::string& name) {
+    const std::string out = std::string(TORVANE_BINARY_DIR) + "/reference_out/" + name;
+    std::filesystem::create_directories(std::string(TORVANE_BINARY_DIR) + "/reference_out");
     const pge::Sprite expected(std::string(TORVANE_SOURCE_DIR) + "/tests/reference/" + name + ".png");
-    const std::string out = std::string(TORVANE_BINARY_DIR) + "/" + folder + "/" + name;
     if (expected.pColData.size() != actual.pColData.size()) {
-        std::filesystem::create_directories(std::string(TORVANE_BINARY_DIR) + "/" + folder);
         adv::screenshot::SavePng(actual, out + "-actual.png");
-        FAIL() << name << ": no reference of this size; the picture is " << out << "-actual.png";
+        FAIL() << name << ": no picture of this size; see " << out << "-actual.png";
     }
     pge::Sprite diff(actual.width, actual.height);
     int differing = 0;
@@ -31,7 +31,6 @@ inline void ExpectMatchesReference(const pge::Sprite& actual, const std::string&
         diff.pColData[i] = same ? pge::Pixel(e.r / 4, e.g / 4, e.b / 4) : pge::Pixel(255, 0, 0);
     }
     if (differing > 0) {
-        std::filesystem::create_directories(std::string(TORVANE_BINARY_DIR) + "/" + folder);
         adv::screenshot::SavePng(actual, out + "-actual.png");
         adv::screenshot::SavePng(diff, out + "-diff.png");
     }
