@@ -1,22 +1,19 @@
 // The editor card and the packs on screen, against reference pictures: the pages of
 // the editor, the title foot with a pack chosen, the help bar with a pack level's name.
-#include "engine/Assets.h"
-#include "engine/Mixer.h"
 #include "engine/Screenshot.h"
 #include "game/content/PackFormat.h"
 #include "game/rules/Lang.h"
 #include "game/rules/Level.h"
 #include "game/TorvaneApp.h"
-#include "pge/Headless.h"
 #include "tests/stage/ReferencePicture.h"
-#include "tests/app/DataFolder.h"
+#include "tests/screens/ScreensFixture.h"
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
 #include <fstream>
-#include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace torvane {
@@ -27,32 +24,21 @@ using testing_support::ExpectMatchesReference;
 
 constexpr float kDt = 1.0f / 60.0f;
 
-class EditorCardTest : public ::testing::Test {
+class EditorCardTest : public testing_support::ScreensTest {
 protected:
     void SetUp() override {
-        saved = GetSettings();
-        adv::mixer::UseOffline(44100);
-        const std::string data = testing_support::FreshDataFolder();
-        packs = data + "/levelpacks";
+        ScreensTest::SetUp();
+        packs = dataFolder + "/levelpacks";
         fs::create_directories(packs);
         // A title picture of soft diagonal bands, so that the screens stand over it.
-        const fs::path base = fs::path(TORVANE_BINARY_DIR) / "editor_card_assets";
-        fs::remove_all(base);
-        fs::create_directories(base / "bin");
-        fs::create_directories(base / "Resources" / "assets" / "torvane");
         pge::Sprite title(640, 400);
         for (int y = 0; y < 400; ++y)
             for (int x = 0; x < 640; ++x)
                 title.SetPixel(x, y, pge::Pixel(uint8_t(60 + (x + y) / 16 % 2 * 30), uint8_t(90 + y / 5), 120));
-        adv::screenshot::SavePng(title, (base / "Resources" / "assets" / "torvane" / "title.png").string());
-        adv::Assets::Init((base / "bin" / "torvane").string());
+        adv::screenshot::SavePng(title, assets + "/Resources/assets/torvane/title.png");
     }
     void TearDown() override {
-        run.reset();
-        adv::Assets::Clear();
-        adv::Assets::Init("");
-        adv::mixer::UseOffline(0);
-        GetSettings() = saved;
+        ScreensTest::TearDown();
         SetActivePack(nullptr);
     }
 
@@ -67,16 +53,13 @@ protected:
         std::ofstream(packs + "/" + PackFileName(name), std::ios::binary) << SerialisePack(pack);
     }
     void Start(std::vector<const char*> args) {
-        args.insert(args.begin(), {"torvane", "--seed=4", "--skip-intro"});
-        ApplyRunOptions(app, int(args.size()), args.data());
-        run = std::make_unique<pge::Headless>(app);
-        ASSERT_TRUE(run->Create());
+        ScreensTest::Start(std::move(args));
         SetLanguage(Language::German);
     }
     void Frames(int n) {
-        for (int i = 0; i < n; ++i) ASSERT_TRUE(run->Frame(kDt));
+        for (int i = 0; i < n; ++i) ASSERT_TRUE(Frame(kDt));
     }
-    void Tap(pge::Key key) {
+    void TapKey(pge::Key key) {
         run->SetKey(key, true);
         Frames(1);
         run->SetKey(key, false);
@@ -90,10 +73,7 @@ protected:
         return band;
     }
 
-    Settings saved;
     std::string packs;
-    TorvaneApp app;
-    std::unique_ptr<pge::Headless> run;
 };
 
 TEST_F(EditorCardTest, ScrolledListWithItsCounter) {
@@ -127,12 +107,12 @@ TEST_F(EditorCardTest, TitleFootWithAPackAndTheHelpBarWithItsLevelName) {
     AddPack("Vellmark", 3);
     Start({});
     Frames(2);
-    Tap(pge::P);
+    TapKey(pge::P);
     EXPECT_EQ(GetSettings().level_pack, "Vellmark.tpack");
     Frames(1);
     ExpectMatchesReference(Band(300, 400), "title_foot_pack");
     Frames(40); // past the lock on keys after the phase change
-    Tap(pge::SPACE);
+    TapKey(pge::SPACE);
     ASSERT_EQ(app.game.phase, Phase::Build);
     ASSERT_NE(ActivePack(), nullptr);
     Frames(1);
