@@ -152,8 +152,7 @@ public:
     void DrawEdgeArrows(pge::PixelEngine& engine, const Game& game, const Layout& layout, float time);
     void DrawMinimap(pge::PixelEngine& engine, const Game& game, const Layout& layout, float time);
 
-    // ---- effects from the rules' events ----
-    void OnEvent(const Event& event, const Game& game);
+    // ---- effects from the rules' events (OnEvent records them) ----
     void DrawEffects(pge::PixelEngine& engine, const Game& game, const Layout& layout);
 
     void BuildBackground(const Game& game, const Layout& layout);
