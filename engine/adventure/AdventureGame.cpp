@@ -608,7 +608,11 @@ bool AdventureGame::RestoreState(const SaveData& d) {
         a->scene = r.scene;
         vf2d where{r.x, r.y};
         // A position off the floor, however it came into the file, is brought back onto it.
-        if (Scene* s = scenes.Load(*this, r.scene)) where = s->walkArea.ClampToArea(where);
+        if (Scene* s = scenes.Load(*this, r.scene)) {
+            where.x = std::clamp(where.x, 0.0f, float(std::max(s->Width(), kViewWidth)));
+            where.y = std::clamp(where.y, 0.0f, float(kPlayHeight));
+            where = s->walkArea.ClampToArea(where);
+        }
         a->Teleport(where, Facing(std::clamp(r.facing, 0, 3)));
     }
     for (auto& [id, dl] : dialogues)
