@@ -335,7 +335,7 @@ void AdventureGame::HandleInput() {
             return;
         }
         HandlePlayAreaClick({float(mouse.x) + camera.x, float(mouse.y) + camera.y}, right);
-    } else if (dialogue.empty()) {
+    } else {
         HandleUiClick(mouse, right);
     }
 }
@@ -788,12 +788,11 @@ void AdventureGame::DrawPanel() {
     canvas::FillRect(target, 0, kPlayHeight, kViewWidth, kViewHeight - kPlayHeight, ui::kPanel);
     canvas::FillRect(target, 0, kPlayHeight, kViewWidth, 1, ui::kFrame);
     text::Draw(*this, kViewWidth / 2, kSentenceY, sentence, ui::kHighlight, 1, text::Align::Centre);
-    const bool live = dialogue.empty();
     for (int i = 0; i < 9; ++i) {
         const int x = kVerbX + kVerbW * (i % 3), y = kVerbY + kVerbH * (i / 3);
         const bool chosen = kVerbGrid[i] == verb;
         if (chosen) canvas::FillRect(target, x + 1, y + 1, kVerbW - 2, kVerbH - 2, canvas::WithAlpha(ui::kFrame, 0.5f));
-        const pge::Pixel colour = !live ? ui::kMuted : (i == hoveredVerb || chosen) ? ui::kHighlight : ui::kText;
+        const pge::Pixel colour = (i == hoveredVerb || chosen) ? ui::kHighlight : ui::kText;
         text::Draw(*this, x + kVerbW / 2, y + 4, VerbName(kVerbGrid[i]), colour, 1, text::Align::Centre);
     }
     // The scroll arrows, dim when there is nowhere to go.
