@@ -240,23 +240,22 @@ void AdventureGame::UpdateIntro(float dt) {
     }
 }
 
-bool AdventureGame::HandleGlobalKeys() {
+void AdventureGame::HandleGlobalKeys() {
     const bool ctrl = GetKey(pge::CTRL).bHeld;
     if (GetKey(pge::F1).bPressed || GetKey(pge::F5).bPressed) {
         if (menu.IsOpen())
             menu.Close();
         else
             menu.Open();
-        return true;
+        return;
     }
-    if (menu.IsOpen()) return true;
+    if (menu.IsOpen()) return;
     if (GetKey(pge::F8).bPressed) menu.AskConfirm("Das Spiel neu starten?", GameMenu::Request::NewGame);
     if (ctrl && GetKey(pge::C).bPressed) menu.AskConfirm("Das Spiel wirklich beenden?", GameMenu::Request::Quit);
     if (ctrl && GetKey(pge::D).bPressed) debugOverlay = !debugOverlay;
     if (GetKey(pge::EQUALS).bPressed || GetKey(pge::NP_ADD).bPressed) AdjustTextSpeed(1);
     if (GetKey(pge::MINUS).bPressed || GetKey(pge::NP_SUB).bPressed) AdjustTextSpeed(-1);
-    if (GetKey(pge::SPACE).bPressed && state == Playing && !menu.IsOpen()) paused = !paused;
-    return true;
+    if (GetKey(pge::SPACE).bPressed && state == Playing) paused = !paused;
 }
 
 bool AdventureGame::OnUserUpdate(float elapsed) {
@@ -410,14 +409,13 @@ void AdventureGame::InteractWithHotspot(Hotspot& hotspot, Verb v, vf2d point) {
     ResetInteraction();
 }
 
-void AdventureGame::InteractWithActor(Actor& actor, Verb v, vf2d point) {
+void AdventureGame::InteractWithActor(Actor& actor, Verb v, vf2d) {
     const vf2d approach = actor.ApproachPoint(Player().position);
     if (v == Verb::Walk) {
         WalkPlayerTo(approach);
         ResetInteraction();
         return;
     }
-    (void)point;
     Script script = ApproachScript(approach, approach.x < actor.position.x ? Facing::Right : Facing::Left);
     const Script* body = ScriptFor(actor.scripts, actor.useScripts, v, heldItem);
     script.Append(body ? *body : FallbackScript(v, actor.name));
