@@ -150,7 +150,9 @@ public:
     void DrawEdgeArrows(pge::PixelEngine& engine, const Game& game, const Layout& layout, float time);
     void DrawMinimap(pge::PixelEngine& engine, const Game& game, const Layout& layout, float time);
 
-    // ---- effects from the rules' events (OnEvent records them) ----
+    // ---- effects from the rules' events ----
+    // Every event of the rules that the application doesn't handle itself.
+    void OnEvent(const Event& event, const Game& game);
     void DrawEffects(pge::PixelEngine& engine, const Game& game, const Layout& layout);
 
     void BuildBackground(const Game& game, const Layout& layout);
