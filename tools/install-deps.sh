@@ -10,6 +10,7 @@ packages=(
   libgtest-dev libgmock-dev libbenchmark-dev
   xvfb xdotool x11-utils
   python3
+  desktop-file-utils appstream man-db dpkg-dev
 )
 
 missing=()
