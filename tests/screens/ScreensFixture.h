@@ -11,6 +11,8 @@
 
 #include <gtest/gtest.h>
 
+#include <unistd.h>
+
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -25,7 +27,7 @@ protected:
         language = CurrentLanguage();
         dataFolder = FreshDataFolder();
         adv::mixer::UseOffline(44100);
-        assets = std::string(TORVANE_BINARY_DIR) + "/screens_tests_assets";
+        assets = std::string(TORVANE_BINARY_DIR) + "/screens_tests_assets_" + std::to_string(getpid());
         std::filesystem::remove_all(assets);
         std::filesystem::create_directories(assets + "/bin");
         std::filesystem::create_directories(assets + "/Resources/assets/torvane");
