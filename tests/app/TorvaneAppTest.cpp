@@ -353,7 +353,7 @@ TEST(TorvaneAppFrame, ExitAfterWritesTheScreenshotOfThatFrame) {
     EXPECT_EQ(w, 640);
     EXPECT_EQ(h, 400);
     EXPECT_EQ(px[0], torvane::kBg.r);
-    EXPECT_EQ(px[(399 * 640 + 639) * 4 + 2], torvane::kBg.b);
+    EXPECT_EQ(px[(399 * 640 + 639) * 4 + 2], torvane::kPanel.b); // the help bar
     stbi_image_free(px);
     std::remove(path.c_str());
 }
