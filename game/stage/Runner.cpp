@@ -3,6 +3,7 @@
 #include "engine/Assets.h"
 #include "engine/Canvas.h"
 #include "game/rules/Pieces.h"
+#include "game/content/PackStorage.h"
 #include "game/stage/StageColours.h"
 #include "game/stage/TowerView.h"
 

@@ -46,10 +46,6 @@ bool TowerView::FilledAt(int x, int y) const {
     return id >= 0 && static_cast<size_t>(id) < mapTower->cells.size() && mapTower->cells[static_cast<size_t>(id)] != 0;
 }
 
-void TowerView::OnEvent(const Event&, const Game&) {
-    // The effects take their events here once they are on the view.
-}
-
 void TowerView::DrawMessage(pge::PixelEngine& engine, const std::string& text, float fade) const {
     if (text.empty() || fade <= 0.0f) return;
     const int x = layout.stage.x + layout.stage.w / 2;
