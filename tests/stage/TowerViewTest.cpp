@@ -17,6 +17,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <set>
+#include <unistd.h>
 
 namespace torvane {
 namespace {
@@ -24,9 +25,11 @@ namespace {
 using namespace testing_support;
 using Pixels = std::vector<pge::Pixel>;
 
-// A fresh asset tree below the build folder, made the asset root.
+// A fresh asset tree below the build folder, made the asset root; one per process, as
+// the test runner runs cases side by side.
 std::string MakeAssetRoot(const std::string& name) {
-    const std::filesystem::path base = std::filesystem::path(TORVANE_BINARY_DIR) / "tower_view_tests" / name;
+    const std::filesystem::path base = std::filesystem::path(TORVANE_BINARY_DIR) / "tower_view_tests" /
+                                       (name + "_" + std::to_string(getpid()));
     std::filesystem::remove_all(base);
     std::filesystem::create_directories(base / "bin");
     std::filesystem::create_directories(base / "Resources" / "assets" / "torvane");
