@@ -59,7 +59,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     torvane::Game game(7);
     game.StartLevel(1);
     torvane::TowerView view;
-    const torvane::StageRect stage{0, 18, 640, 368};
+    const torvane::StageRect stage{0, 18, 320, 184}; // half size: the same code, faster
     view.Draw(s_screen, game, stage, 0.0f, 0.0f);
     view.Draw(s_screen, game, stage, 1.3f, 3.5f);
     const std::string key = torvane::BackgroundFor(torvane::ThemeFor(1));

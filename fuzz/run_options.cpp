@@ -45,7 +45,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     pge::Headless run(app);
     if (!run.Create()) return 0;
     // Long enough for the intro to fade, a build to start and the bot to place pieces.
-    for (int frame = 0; frame < 12 && run.Frame(frame % 3 == 2 ? 0.2f : 0.05f); ++frame) {
+    for (int frame = 0; frame < 8 && run.Frame(frame % 3 == 2 ? 0.2f : 0.05f); ++frame) {
     }
     return 0;
 }
