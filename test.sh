@@ -9,10 +9,11 @@ cmake -S . -B build -DCMAKE_BUILD_TYPE=Release >/dev/null
 cmake --build build -j"$(nproc)"
 (cd build && ctest --output-on-failure -j"$(nproc)" "$@")
 
-command -v clang++ >/dev/null || exit 0
+clangxx=$(command -v clang++-14 || command -v clang++ || true)
+[ -n "$clangxx" ] || exit 0
 export LSAN_OPTIONS="suppressions=$(pwd)/tests/lsan.supp"
 # One build serves both: the fuzzer's coverage hooks cost the tests little.
-CC=clang CXX=clang++ cmake -S . -B build-clang-asan -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+CC=${clangxx/clang++/clang} CXX=$clangxx cmake -S . -B build-clang-asan -DCMAKE_BUILD_TYPE=RelWithDebInfo \
     -DTORVANE_SANITIZE=ON -DTORVANE_FUZZ=ON -DTORVANE_BENCH=OFF >/dev/null
 cmake --build build-clang-asan -j"$(nproc)"
 (cd build-clang-asan && ctest --output-on-failure -j"$(nproc)" "$@")

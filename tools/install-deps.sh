@@ -10,6 +10,7 @@ packages=(
   libgtest-dev libgmock-dev libbenchmark-dev
   xvfb xdotool x11-utils
   python3
+  clang-14 libclang-rt-14-dev
 )
 
 missing=()
