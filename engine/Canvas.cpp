@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
 
 namespace adv::canvas {
 namespace {
@@ -32,27 +35,59 @@ std::vector<pge::vf2d> RoundRectPath(float x, float y, float w, float h, float r
 
 } // namespace
 
-void Blend(pge::Sprite* sprite, int x, int y, pge::Pixel c) {
-    if (!sprite || x < 0 || y < 0 || x >= sprite->width || y >= sprite->height || c.a == 0) return;
-    pge::Pixel& d = sprite->GetData()[size_t(y) * size_t(sprite->width) + size_t(x)];
+void BlendRun(pge::Pixel* at, int count, pge::Pixel c) {
+    if (count <= 0 || c.a == 0) return;
     if (c.a == 255) {
-        d = c;
+        std::fill_n(at, count, c);
         return;
     }
+    int i = 0;
+#ifdef __SSE2__
+    // Four pixels at a time in 16-bit lanes: x = d * mul + add, taken modulo 2^16, is
+    // d * (255 - a) + c * a for a colour channel and (255 - d) * a for the alpha, both at
+    // most 65025; (x + 1 + (x >> 8)) >> 8 is x / 255 exactly in that range, and the alpha
+    // then gets its d back.
     const int a = c.a, keep = 255 - a;
-    d.r = uint8_t((d.r * keep + c.r * a) / 255);
-    d.g = uint8_t((d.g * keep + c.g * a) / 255);
-    d.b = uint8_t((d.b * keep + c.b * a) / 255);
-    d.a = uint8_t(std::min(d.a + (255 - d.a) * a / 255, 255));
+    const auto lane = [](int v) { return static_cast<short>(static_cast<uint16_t>(v)); };
+    const __m128i mul = _mm_setr_epi16(lane(keep), lane(keep), lane(keep), lane(-a), lane(keep), lane(keep),
+                                       lane(keep), lane(-a));
+    const __m128i add = _mm_setr_epi16(lane(c.r * a), lane(c.g * a), lane(c.b * a), lane(255 * a), lane(c.r * a),
+                                       lane(c.g * a), lane(c.b * a), lane(255 * a));
+    const __m128i alpha = _mm_setr_epi16(0, 0, 0, -1, 0, 0, 0, -1);
+    const __m128i one = _mm_set1_epi16(1);
+    const __m128i zero = _mm_setzero_si128();
+    const auto over = [&](__m128i d) {
+        const __m128i x = _mm_add_epi16(_mm_mullo_epi16(d, mul), add);
+        const __m128i q = _mm_srli_epi16(_mm_add_epi16(_mm_add_epi16(x, one), _mm_srli_epi16(x, 8)), 8);
+        return _mm_add_epi16(q, _mm_and_si128(d, alpha));
+    };
+    for (; i + 4 <= count; i += 4) {
+        __m128i* p = reinterpret_cast<__m128i*>(at + i);
+        const __m128i px = _mm_loadu_si128(p);
+        _mm_storeu_si128(p, _mm_packus_epi16(over(_mm_unpacklo_epi8(px, zero)), over(_mm_unpackhi_epi8(px, zero))));
+    }
+#endif
+    for (; i < count; ++i) at[i] = Over(at[i], c);
 }
+
+namespace {
+
+// The span [x0, x1) of row y, clipped to the sprite.
+void Span(pge::Sprite* sprite, int y, int x0, int x1, pge::Pixel colour) {
+    if (y < 0 || y >= sprite->height) return;
+    x0 = std::max(x0, 0);
+    x1 = std::min(x1, sprite->width);
+    BlendRun(sprite->GetData() + size_t(y) * size_t(sprite->width) + size_t(x0), x1 - x0, colour);
+}
+
+} // namespace
 
 void FillRect(pge::Sprite* sprite, int x, int y, int w, int h, pge::Pixel colour) {
     if (!sprite) return;
     const int x0 = std::max(x, 0), y0 = std::max(y, 0);
     const int x1 = int(std::min<int64_t>(int64_t(x) + w, sprite->width));
     const int y1 = int(std::min<int64_t>(int64_t(y) + h, sprite->height));
-    for (int py = y0; py < y1; ++py)
-        for (int px = x0; px < x1; ++px) Blend(sprite, px, py, colour);
+    for (int py = y0; py < y1; ++py) Span(sprite, py, x0, x1, colour);
 }
 
 void FillEllipse(pge::Sprite* sprite, pge::vf2d c, float rx, float ry, pge::Pixel colour) {
@@ -65,7 +100,7 @@ void FillEllipse(pge::Sprite* sprite, pge::vf2d c, float rx, float ry, pge::Pixe
         const float s = std::sqrt(1.0f - t * t);
         const int x0 = int(std::max(std::ceil(c.x - s * rx - 0.5f), 0.0f));
         const int x1 = int(std::min(std::ceil(c.x + s * rx - 0.5f), float(sprite->width)));
-        for (int x = x0; x < x1; ++x) Blend(sprite, x, y, colour);
+        Span(sprite, y, x0, x1, colour);
     }
 }
 
@@ -176,24 +211,52 @@ void FillPolygon(pge::Sprite* sprite, const std::vector<pge::vf2d>& points, pge:
     }
     const int y0 = int(std::max(std::floor(minY), 0.0f));
     const int y1 = int(std::min(std::ceil(maxY), float(sprite->height - 1)));
-    std::vector<float> crossings;
-    crossings.reserve(points.size());
-    for (int y = y0; y <= y1; ++y) {
-        const float ys = float(y) + 0.5f;
-        crossings.clear();
-        const pge::vf2d* p = &points.back();
-        for (const pge::vf2d& q : points) {
-            if ((p->y <= ys && ys < q.y) || (q.y <= ys && ys < p->y))
-                crossings.push_back(p->x + (q.x - p->x) * (ys - p->y) / (q.y - p->y));
-            p = &q;
+    // Each edge visits only the rows it spans, rather than every row testing every edge;
+    // the crossings are then grouped by row, bucket by bucket, and sorted within a row.
+    struct Crossing {
+        int y;
+        float x;
+    };
+    thread_local std::vector<Crossing> found;
+    thread_local std::vector<float> byRow;
+    thread_local std::vector<int> rowStart;
+    if (y1 < y0) return;
+    found.clear();
+    const pge::vf2d* p = &points.back();
+    for (const pge::vf2d& q : points) {
+        const float lo = std::min(p->y, q.y), hi = std::max(p->y, q.y);
+        if (lo < hi) {
+            // A row or so more on each side than the scan line needs; the test below decides.
+            const int from = int(std::max(std::floor(lo) - 1.0f, float(y0)));
+            const int to = int(std::min(std::ceil(hi) + 1.0f, float(y1)));
+            for (int y = from; y <= to; ++y) {
+                const float ys = float(y) + 0.5f;
+                if ((p->y <= ys && ys < q.y) || (q.y <= ys && ys < p->y))
+                    found.push_back({y, p->x + (q.x - p->x) * (ys - p->y) / (q.y - p->y)});
+            }
         }
-        std::sort(crossings.begin(), crossings.end());
-        for (size_t k = 0; k + 1 < crossings.size(); k += 2) {
-            const int x0 = int(std::max(std::ceil(crossings[k] - 0.5f), 0.0f));
-            const int x1 = int(std::min(std::ceil(crossings[k + 1] - 0.5f), float(sprite->width)));
-            for (int x = x0; x < x1; ++x)
-                if (!mask || mask(x, y)) Blend(sprite, x, y, colour);
+        p = &q;
+    }
+    rowStart.assign(size_t(y1 - y0) + 2, 0);
+    for (const Crossing& c : found) ++rowStart[size_t(c.y - y0) + 1];
+    for (size_t r = 1; r < rowStart.size(); ++r) rowStart[r] += rowStart[r - 1];
+    byRow.resize(found.size());
+    for (const Crossing& c : found) byRow[size_t(rowStart[size_t(c.y - y0)]++)] = c.x;
+    // rowStart[r] now is the end of row r, and so the start of row r + 1.
+    for (int y = y0, begin = 0; y <= y1; ++y) {
+        const int end = rowStart[size_t(y - y0)];
+        float* row = byRow.data() + begin;
+        std::sort(row, row + (end - begin));
+        for (int k = 0; k + 1 < end - begin; k += 2) {
+            const int x0 = int(std::max(std::ceil(row[k] - 0.5f), 0.0f));
+            const int x1 = int(std::min(std::ceil(row[k + 1] - 0.5f), float(sprite->width)));
+            if (!mask)
+                Span(sprite, y, x0, x1, colour);
+            else
+                for (int x = x0; x < x1; ++x)
+                    if (mask(x, y)) Blend(sprite, x, y, colour);
         }
+        begin = end;
     }
 }
 

@@ -15,8 +15,25 @@ namespace adv::canvas {
 // Draw a pixel only where the mask says true; an empty function means no mask.
 using Mask = std::function<bool(int, int)>;
 
+// c composited over d, for an alpha of c between 1 and 254: each colour channel
+// (d * (255 - a) + c * a) / 255, the alpha d.a + (255 - d.a) * a / 255, all truncating.
+inline pge::Pixel Over(pge::Pixel d, pge::Pixel c) {
+    const int a = c.a, keep = 255 - a;
+    return pge::Pixel(uint8_t((d.r * keep + c.r * a) / 255), uint8_t((d.g * keep + c.g * a) / 255),
+                      uint8_t((d.b * keep + c.b * a) / 255), uint8_t(d.a + (255 - d.a) * a / 255));
+}
+
 // Alpha 0 leaves the pixel, 255 overwrites it (alpha included), anything between composites.
-void Blend(pge::Sprite* sprite, int x, int y, pge::Pixel colour);
+// Inline: the wall and the shapes call it tens of thousands of times a frame.
+inline void Blend(pge::Sprite* sprite, int x, int y, pge::Pixel colour) {
+    if (!sprite || x < 0 || y < 0 || x >= sprite->width || y >= sprite->height || colour.a == 0) return;
+    pge::Pixel& d = sprite->GetData()[size_t(y) * size_t(sprite->width) + size_t(x)];
+    d = colour.a == 255 ? colour : Over(d, colour);
+}
+
+// Blend of one colour on `count` pixels in a row from `at`, already clipped by the caller:
+// the span writer under every filled shape, exactly Blend pixel by pixel.
+void BlendRun(pge::Pixel* at, int count, pge::Pixel colour);
 void FillRect(pge::Sprite* sprite, int x, int y, int w, int h, pge::Pixel colour);
 void FillEllipse(pge::Sprite* sprite, pge::vf2d centre, float rx, float ry, pge::Pixel colour);
 void FillCircle(pge::Sprite* sprite, pge::vf2d centre, float r, pge::Pixel colour);

@@ -92,14 +92,19 @@ float FadeGain(const Sound& s) {
     return s.fadeFrom + (s.fadeTo - s.fadeFrom) * float(double(s.fadeDone) / double(s.fadeFrames));
 }
 
-float MonoAt(const Sound& s, int64_t k) {
-    if (s.looping) k = ((k % s.count) + s.count) % s.count;
-    return k >= 0 && k < s.count ? s.mono[k] : 0.0f;
+// k brought into 0..n-1 as a looping clip wraps. The neighbours of the interpolation lie at
+// most one clip length outside, so a comparison does, except for clips of a sample or two.
+int64_t Wrap(int64_t k, int64_t n) {
+    if (k >= n)
+        k -= n;
+    else if (k < 0)
+        k += n;
+    return k >= 0 && k < n ? k : ((k % n) + n) % n;
 }
 
-float StreamAt(const Sound& s, int64_t k, size_t channel) {
-    if (k < 0 || k >= s.written) return 0.0f;
-    return s.ring[size_t(k % s.ringFrames) * kChannels + channel];
+float MonoAt(const Sound& s, int64_t k) {
+    if (s.looping) k = Wrap(k, s.count);
+    return k >= 0 && k < s.count ? s.mono[k] : 0.0f;
 }
 
 // Adds one sound into out; called with the engine locked.
@@ -134,9 +139,19 @@ void MixSound(Sound& s, float* out, size_t frames) {
             out[j * kChannels] += v;
             out[j * kChannels + 1] += v;
         } else {
+            // The four neighbours k - 1 to k + 2 from the ring, with one division for the
+            // slot of the first and comparisons after it; frames outside 0..written are silent.
+            float x[4][kChannels] = {};
+            int64_t slot = std::max<int64_t>(k - 1, 0) % s.ringFrames;
+            for (int64_t n = 0; n < 4; ++n) {
+                const int64_t at = k - 1 + n;
+                if (at < 0) continue;
+                if (at < s.written)
+                    for (size_t c = 0; c < kChannels; ++c) x[n][c] = s.ring[size_t(slot) * kChannels + c];
+                if (++slot == s.ringFrames) slot = 0;
+            }
             for (size_t c = 0; c < kChannels; ++c)
-                out[j * kChannels + c] +=
-                    gain * Cubic(StreamAt(s, k - 1, c), StreamAt(s, k, c), StreamAt(s, k + 1, c), StreamAt(s, k + 2, c), f);
+                out[j * kChannels + c] += gain * Cubic(x[0][c], x[1][c], x[2][c], x[3][c], f);
         }
         s.position += s.step;
         if (s.fadeDone < s.fadeFrames) ++s.fadeDone;

@@ -1,7 +1,12 @@
 // The application's input: keys and clicks, read once a frame from the key state.
+#include "engine/PlatformKeys.h"
+#include "game/content/Highscores.h"
+#include "game/content/Preferences.h"
 #include "game/rules/Lang.h"
 #include "game/rules/Level.h"
 #include "game/TorvaneApp.h"
+
+#include <chrono>
 
 namespace torvane {
 namespace {
@@ -15,6 +20,28 @@ constexpr float kRepeatDelay = 0.22f;
 constexpr float kAttractAfter = 15.0f;
 constexpr float kAttractFor = 10.0f;
 constexpr int kTitlePages = 4;
+// Code points the name field takes.
+constexpr int kNameLength = 14;
+
+bool Continuation(char c) { return (uint8_t(c) & 0xC0) == 0x80; }
+
+// Appends the bytes of one character: refused when the field is full, and a blank
+// is refused in the first place.
+void AppendToName(std::string& name, const std::string& character) {
+    int codePoints = 0;
+    for (char c : name) codePoints += Continuation(c) ? 0 : 1;
+    if (codePoints >= kNameLength || (name.empty() && character == " ")) return;
+    name += character;
+}
+
+// Erases bytes from the end until one was no UTF-8 continuation byte.
+void EraseLastCodePoint(std::string& name) {
+    while (!name.empty()) {
+        const char last = name.back();
+        name.pop_back();
+        if (!Continuation(last)) return;
+    }
+}
 
 } // namespace
 
@@ -27,11 +54,7 @@ bool TorvaneApp::AnyInput() {
 void TorvaneApp::Press(ButtonId id, int arg) {
     Settings& settings = GetSettings();
     switch (id) {
-    case ButtonId::NewGame:
-        // ApplyPack() first, once the level packs are there.
-        game.NewGame();
-        nameEntry = scoreSaved = attractScores = false;
-        return;
+    case ButtonId::NewGame: NewGame(); return;
     case ButtonId::StartAttack: game.BeginAttack(); return;
     case ButtonId::NextLevel:
         if (game.LastLevel()) {
@@ -40,20 +63,33 @@ void TorvaneApp::Press(ButtonId id, int arg) {
             game.NextLevel();
         }
         return;
-    case ButtonId::SaveScore:
-        // The high-score entry is made here once the high scores are there.
+    case ButtonId::SaveScore: {
+        const int64_t now = std::chrono::duration_cast<std::chrono::seconds>(
+                                std::chrono::system_clock::now().time_since_epoch())
+                                .count();
+        const highscores::Entry entry{playerName.empty() ? "Torvane" : playerName, game.score, game.level, now};
+        // Added to what is on disk now, not to the list read at the start of the card.
+        scores = highscores::Load();
+        highlightRow = highscores::Insert(scores, entry);
+        highscores::Save(scores);
+        nameEntry = false;
+        scoreSaved = true;
         return;
+    }
     case ButtonId::EndBuild: game.EndBuild(true); return;
     case ButtonId::Resume: paused = false; return;
     case ButtonId::ToTitle:
         paused = nameEntry = scoreSaved = attractScores = false;
         lastInputAt = clock;
-        // ApplyPack() here, once the level packs are there.
+        ApplyPack();
         game.StartLevel(1);
         game.phase = Phase::Title;
         game.TakeEvents();
-        // A test of the editor always returns to it: testing = false and the editor
-        // reopened here, once the editor is there.
+        // A test of the editor always returns to it.
+        if (testing) {
+            testing = false;
+            OpenEditor();
+        }
         return;
     case ButtonId::TitlePage: titlePage = arg; return;
     case ButtonId::ToggleAutoRotate:
@@ -68,15 +104,11 @@ void TorvaneApp::Press(ButtonId id, int arg) {
     case ButtonId::TogglePieceChoice: settings.piece_choice = !settings.piece_choice; break;
     case ButtonId::OpenSettings: settingsOpen = true; return;
     case ButtonId::CloseSettings: settingsOpen = false; return;
-    case ButtonId::NextPack:
-        // CyclePack() here, once the level packs are there.
-        return;
-    case ButtonId::OpenEditor:
-        // The editor opens here once it is there.
-        return;
+    case ButtonId::NextPack: CyclePack(); return;
+    case ButtonId::OpenEditor: OpenEditor(); return;
     }
-    // Only the settings' changes get here: preferences::Save() belongs here once the
-    // preferences file is there.
+    // Only the settings' changes get here; each is kept at once.
+    preferences::Save();
 }
 
 void TorvaneApp::HandleInput(float dt) {
@@ -94,8 +126,8 @@ void TorvaneApp::HandleInput(float dt) {
     auto pressed = [this](pge::Key k) { return GetKey(k).bPressed; };
 
     if (editorOpen) {
-        // All keys belong to the editor; HandleEditorInput() here once it is there.
         lastInputAt = clock;
+        HandleEditorInput();
         return;
     }
     if (settingsOpen) {
@@ -142,7 +174,7 @@ void TorvaneApp::HandleInput(float dt) {
         if (leaveTest) {
             Press(ButtonId::ToTitle, 0);
         } else if (nameEntry) {
-            // HandleNameEntry() takes all keys here once the high scores are there.
+            HandleNameEntry();
         } else if (confirm) {
             Press(ButtonId::ToTitle, 0);
         }
@@ -247,6 +279,48 @@ void TorvaneApp::HandlePlayInput(float dt) {
     if (pressed(pge::SPACE)) game.Act(Action::Rotate);
     if (pressed(pge::TAB)) game.Act(Action::Cycle);
     if (pressed(pge::ENTER)) game.Act(Action::Done);
+}
+
+} // namespace torvane
+
+namespace torvane {
+
+void TorvaneApp::HandleNameEntry() {
+    const adv::platformkeys::KeyPress press = adv::platformkeys::LastPress();
+    if (press.serial != lastKeySerial) {
+        lastKeySerial = press.serial;
+        const uint16_t c = press.code;
+        if (c == 13) {
+            Press(ButtonId::SaveScore, 0);
+        } else if (c == 27) {
+            nameEntry = false;
+        } else if (c == 8 || c == 127) {
+            EraseLastCodePoint(playerName);
+        } else if (c >= 32 && c <= 126) {
+            AppendToName(playerName, std::string(1, char(c)));
+        } else if (c == 0xC4 || c == 0xD6 || c == 0xDC || c == 0xDF || c == 0xE4 || c == 0xF6 || c == 0xFC) {
+            // Ä Ö Ü ß ä ö ü as one Latin-1 byte: their two UTF-8 bytes.
+            AppendToName(playerName, std::string{char(0xC3), char((c & 63) | 128)});
+        }
+        return;
+    }
+    // No raw press (always so on Linux): the key state, where a shifted letter has no key.
+    auto pressed = [this](pge::Key k) { return GetKey(k).bPressed; };
+    if (pressed(pge::ENTER)) {
+        Press(ButtonId::SaveScore, 0);
+        return;
+    }
+    if (pressed(pge::BACK)) EraseLastCodePoint(playerName);
+    if (pressed(pge::ESCAPE)) {
+        nameEntry = false;
+        return;
+    }
+    const bool shift = GetKey(pge::SHIFT).bHeld;
+    for (int k = pge::A; k <= pge::Z; ++k)
+        if (pressed(pge::Key(k))) AppendToName(playerName, std::string(1, char((shift ? 'A' : 'a') + k - pge::A)));
+    for (int k = pge::K0; k <= pge::K9; ++k)
+        if (pressed(pge::Key(k))) AppendToName(playerName, std::string(1, char('0' + k - pge::K0)));
+    if (pressed(pge::SPACE)) AppendToName(playerName, " ");
 }
 
 } // namespace torvane

@@ -6,9 +6,12 @@
 #include "engine/PlatformKeys.h"
 #include "engine/Screenshot.h"
 #include "engine/Sound.h"
+#include "game/content/Highscores.h"
+#include "game/content/Preferences.h"
 #include "game/rules/FrameSteps.h"
 #include "game/rules/Lang.h"
 #include "game/rules/Level.h"
+#include "game/rules/LevelPack.h"
 #include "game/TorvaneSounds.h"
 #include "pge/WindowTitle.h"
 
@@ -111,13 +114,17 @@ bool TorvaneApp::OnUserCreate() {
     // Without a title picture the game opens on the first title page.
     if (!titleImage) titlePage = 0;
 
-    // preferences::Load() here, once the preferences are there.
+    preferences::Load();
+    // The bot's own choices, for this run only: it never saves.
     if (autoplay) {
         GetSettings().auto_rotate = true;
         GetSettings().repair_mode = 1;
     }
-    // The scores, the pack storage, the first-run pack copy, RefreshPacks, ApplyPack
-    // and the editor at start follow here as they arrive.
+    scores = highscores::Load();
+    SetUpPacks();
+    RefreshPacks();
+    ApplyPack();
+    if (openEditorAtStart) OpenEditor();
 
     // A level is always laid out: the title screen shows it behind its card.
     if (startLevel < 1) {
@@ -160,7 +167,7 @@ bool TorvaneApp::OnUserUpdate(float elapsed) {
         game.viewKnown = true;
     };
     hooks.beforeRestart = [this] {
-        // ApplyPack() first, once the packs are there.
+        ApplyPack();
         nameEntry = false;
         scoreSaved = false;
         attractScores = false;
@@ -180,13 +187,18 @@ bool TorvaneApp::OnUserUpdate(float elapsed) {
 
     // Made anew by the drawing below; input reads the frame before's.
     buttons.clear();
-    // DrawTitleScreen() and an early FinishFrame() in the title phase with a title
-    // picture, once the title screen is there.
+    if (game.phase == Phase::Title && titleImage) {
+        DrawTitleScreen();
+        return FinishFrame();
+    }
 
     Clear(kBg);
     view.Draw(*this, game, kStage, clock, camera.angle);
-    // view.DrawMessage, DrawBanner, DrawHud, DrawHelp and DrawOverlay, in this order,
-    // once they are there.
+    if (clock < messageUntil) view.DrawMessage(*this, message, std::min((messageUntil - clock) / 0.3f, 1.0f));
+    if (game.phase == Phase::Attack && bannerUntil > game.clock) DrawBanner();
+    DrawHud();
+    DrawHelp();
+    DrawOverlay();
     return FinishFrame();
 }
 
@@ -210,10 +222,12 @@ void TorvaneApp::OnPhaseChanged(Phase, Phase to) {
     if (to == Phase::Title || to == Phase::Build) view.Reset();
     if (to == Phase::Title) {
         titlePage = titleImage ? -1 : 0;
-        // scores = highscores::Load() once the high scores are there.
+        scores = highscores::Load();
     }
     if (to == Phase::Over) {
-        // scores anew and nameEntry from highscores::Qualifies, once they are there.
+        // Scores of level packs and of the bot are never recorded.
+        scores = highscores::Load();
+        nameEntry = !autoplay && !ActivePack() && highscores::Qualifies(scores, game.score);
         scoreSaved = false;
         highlightRow = -1;
         playerName.clear();
@@ -235,9 +249,7 @@ void TorvaneApp::ProcessEvents() {
         case Event::Sound:
             sounds::Play(event.sfx, event.value);
             break;
-        default:
-            // view.OnEvent(event, game) once the tower view is there.
-            break;
+        default: view.OnEvent(event, game); break;
         }
     }
 }

@@ -1,5 +1,8 @@
 #pragma once
 // The application: owns everything that lives for the whole run, and runs the frame.
+#include "game/content/LevelEditor.h"
+#include "game/content/PackStorage.h"
+#include "game/content/Highscores.h"
 #include "game/rules/AutoPlayer.h"
 #include "game/stage/RingCamera.h"
 #include "game/rules/TorvaneGame.h"
@@ -7,8 +10,10 @@
 #include "pge/PixelEngine.h"
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace torvane {
@@ -78,6 +83,9 @@ public:
     std::string message;
     float messageUntil = 0.0f;
     bool settingsOpen = false;
+    PackStorage packStorage;
+    std::vector<LevelPack> packs;
+    LevelEditor editor;
     bool editorOpen = false;
     bool testing = false;
     float testHintAt = -1.0f;
@@ -90,6 +98,7 @@ public:
     float lastInputAt = 0.0f;
     float attractSince = 0.0f;
     std::unique_ptr<pge::Sprite> titleImage; // the title picture at 640 by 400
+    std::vector<highscores::Entry> scores;
     bool nameEntry = false;
     bool scoreSaved = false;
     int32_t highlightRow = -1;
@@ -112,10 +121,90 @@ public:
     // A key from A to CAPS_LOCK, or the left or right mouse button, pressed in this frame.
     bool AnyInput();
 
+    // ---- the card toolkit ----
+    //
+    // A card is a centred panel over the picture. Its content is one function that takes
+    // a Card and moves `y` down as it goes; DrawCard runs it twice, first to measure
+    // (draw false: nothing drawn, no buttons) and then to draw. Content code therefore
+    // exists once, and a card's height follows its text in either language:
+    //
+    //     DrawCard([&](Card& card) {
+    //         card.Title(Tr("Pause"), kChestnut);
+    //         card.Para(Tr("Das Spiel ist angehalten."));
+    //         card.Button(Tr("Weiter (Esc)"), ButtonId::Resume);
+    //     }, 320, 0);
+    //
+    // Anything the content draws by itself must be drawn only when `draw` is set, and must
+    // move `y` the same way in both passes. Texts are at size 1 unless told.
+    struct Card {
+        TorvaneApp* app = nullptr;
+        bool draw = false; // false in the measuring pass
+        int32_t x = 0;     // left edge
+        int32_t w = 0;     // width
+        int32_t top = 0;   // top of the panel
+        int32_t y = 0;     // the running position
+
+        // A card's title: size 2 at x + 14; y += 21.
+        void Title(const std::string& text, pge::Pixel colour);
+        // Label left in kFg, value right-aligned in `colour`; y += 11.
+        void Row(const std::string& label, const std::string& value, pge::Pixel colour);
+        // Wrapped text, 11 pixels a line and 3 after the last; a `lead` opens the text in
+        // its own colour.
+        void Para(const std::string& text, pge::Pixel colour = kFg, const std::string& lead = "",
+                  pge::Pixel leadColour = kFg, int indent = 0);
+        // A paragraph of the story, indented behind a chestnut rule.
+        void Story(const std::string& text);
+        // A chestnut button 18 high that registers itself in the drawing pass.
+        void Button(const std::string& label, ButtonId id);
+    };
+    using CardContent = std::function<void(Card&)>;
+
+    // Measures the content, places the panel centred on the stage (from 360 pixels up cut
+    // to 360 at top 22), draws shadow, panel and stripe, then the content.
+    void DrawCard(const CardContent& content, int width, int minHeight);
+    // DrawCard with a member of the application as its content.
+    void DrawCardOf(void (TorvaneApp::*content)(Card&), int width, int minHeight);
+    int KeyHintWidth(const std::string& key, const std::string& label);
+    // A key cap and its meaning, the cap's top 2 above y; returns KeyHintWidth.
+    int DrawKeyHint(int x, int y, const std::string& key, const std::string& label);
+    // A labelled toggle centred at centreX whose whole line is one button.
+    void DrawSwitch(int centreX, int y, const std::string& key, const std::string& label, const std::string& value,
+                    bool on, ButtonId id);
+    // The width DrawSwitch gives its line.
+    int SwitchWidth(const std::string& key, const std::string& label, const std::string& value);
+
+    // ---- the screens ----
+    void DrawHud();
+    void DrawBanner();
+    // " Stand je Richtung: N 60 %, ..." or " Stand je Turm: ...", or empty.
+    static std::string PartList(const RoundStats& stats, const LevelConfig& config);
+    // The dimmed picture and the one card that stands over it, if any.
+    void DrawOverlay();
+    void DrawPauseCard(Card& card);
+    void DrawAnnounceCard(Card& card);
+    void DrawEvalCard(Card& card);
+    void DrawOverCard(Card& card);
+    void DrawScoresCard(Card& card);
+    void DrawTitleScoresCard(Card& card);
+    void DrawScoreTable(Card& card, int highlight);
+    // The whole frame of the title phase over the title picture.
+    void DrawTitleScreen();
+    void DrawTitleCard(Card& card);
+    void DrawSettingsCard(Card& card);
+    // The level editor, worked by keyboard only, and the landscape of its level behind it.
+    void DrawEditorCard(Card& card);
+    void DrawEditorBackdrop();
+    // The key hints of this moment at the foot, and the level's name.
+    void DrawHelp();
+    // The help bar's key texts and their meanings, left to right.
+    std::vector<std::pair<std::string, std::string>> HelpPairs();
+
 private:
     // Reads the keys and the mouse once a frame; the overlays take them first.
     void HandleInput(float dt);
     void HandleTitleInput(bool confirm);
+    // The over card's name field: raw presses first, else the key state.
+    void HandleNameEntry();
     // Build and attack: the cursor with key repeat, or the camera, then the acts.
     void HandlePlayInput(float dt);
 
@@ -126,6 +215,25 @@ private:
     // What OnUserUpdate returns: false once exitAt has come, after the screenshot.
     bool FinishFrame();
     void UpdateLogo(float dt);
+
+    // The player's pack folder, filled from the game's packs on the first start.
+    void SetUpPacks();
+    void RefreshPacks();
+    void ApplyPack();
+    // Standard levels, then each pack in turn; back to the title at level 1.
+    void CyclePack();
+    void NewGame();
+    std::string PackLabel() const;
+    void OpenEditor();
+    // All keys while the editor is open, and the "--editor=" script, one token a frame.
+    void HandleEditorInput();
+    // The title pages' contents, below the tabs.
+    void DrawStoryPage(Card& card);
+    void DrawFlowPage(Card& card);
+    void DrawControlsPage(Card& card);
+    void DrawCreditsPage(Card& card);
+    // The bare title picture's blinking line, key hints, credit and version tag.
+    void DrawTitleFoot();
 };
 
 // Applies the run options argv[1..argc-1] to the application, left to right; unknown

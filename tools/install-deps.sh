@@ -10,6 +10,7 @@ packages=(
   libgtest-dev libgmock-dev libbenchmark-dev
   xvfb xdotool x11-utils
   python3
+  desktop-file-utils appstream man-db dpkg-dev
   clang-14 libclang-rt-14-dev
 )
 

@@ -1,8 +1,11 @@
 // Plays the game without a window: the auto player at a fixed frame time, through
 // the same frame steps as the application, printing one JSON line per level.
+#include "game/content/PackFormat.h"
+#include "game/content/PackStorage.h"
 #include "game/rules/AutoPlayer.h"
 #include "game/rules/FrameSteps.h"
 #include "game/rules/Level.h"
+#include "game/rules/StateHash.h"
 #include "game/rules/TorvaneGame.h"
 
 #include <cerrno>
@@ -10,6 +13,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <sstream>
 #include <string>
 
@@ -19,7 +23,7 @@ namespace {
 
 constexpr const char* kUsage =
     "Aufruf: torvane-sim --seed=N [--level=L] [--levels=K] [--classic] [--difficulty=D]\n"
-    "                    [--repair=auto|free] [--lazy] [--fps=F]\n"
+    "                    [--repair=auto|free] [--lazy] [--fps=F] [--pack=DATEI]\n"
     "Spielt mit dem Automaten ohne Fenster und schreibt je beendetem Level eine JSON-Zeile.\n"
     "  --seed=N        Startwert der Regeln (Standard 1)\n"
     "  --level=L       erstes Level (Standard 1)\n"
@@ -28,7 +32,8 @@ constexpr const char* kUsage =
     "  --difficulty=D  Schwierigkeit 0 bis 3\n"
     "  --repair=M      auto oder free\n"
     "  --lazy          der Automat baut, repariert aber nicht\n"
-    "  --fps=F         Bilder je Sekunde (Standard 60)\n";
+    "  --fps=F         Bilder je Sekunde (Standard 60)\n"
+    "  --pack=DATEI    spielt die Level eines Levelpacks (.tpack) bis zu seinem Ende\n";
 
 struct Options {
     unsigned seed = 1;
@@ -36,7 +41,23 @@ struct Options {
     int levels = 10;
     bool lazy = false;
     float fps = 60.0f;
+    bool levelsGiven = false;
+    std::string pack;
 };
+
+// Reads and activates the pack file; false (reported) when it cannot be read or is no pack.
+bool ActivatePack(const std::string& path) {
+    const std::filesystem::path file(path);
+    const std::string folder = file.has_parent_path() ? file.parent_path().string() : ".";
+    std::string text;
+    LevelPack pack;
+    if (!FolderPackStorage(folder).read(file.filename().string(), text) || !ParsePack(text, pack)) {
+        std::fprintf(stderr, "[torvane] Kein lesbares Levelpack: %s\n", path.c_str());
+        return false;
+    }
+    SetActivePack(&pack);
+    return true;
+}
 
 // A whole decimal number in [lo, hi]; false when malformed.
 bool ParseInt(const std::string& text, long lo, long hi, long& out) {
@@ -71,6 +92,7 @@ int ParseOptions(int argc, char** argv, Options& options) {
         } else if (name == "--levels" && hasValue) {
             ok = ParseInt(value, 1, 1000000, v);
             options.levels = static_cast<int>(v);
+            options.levelsGiven = true;
         } else if (name == "--classic" && !hasValue) {
             settings.classic = 1;
         } else if (name == "--difficulty" && hasValue) {
@@ -81,6 +103,9 @@ int ParseOptions(int argc, char** argv, Options& options) {
             settings.repair_mode = value == "free" ? 0 : 1;
         } else if (name == "--lazy" && !hasValue) {
             options.lazy = true;
+        } else if (name == "--pack" && hasValue) {
+            ok = !value.empty();
+            options.pack = value;
         } else if (name == "--fps" && hasValue) {
             ok = ParseInt(value, 1, 100000, v);
             options.fps = static_cast<float>(v);
@@ -94,124 +119,6 @@ int ParseOptions(int argc, char** argv, Options& options) {
         }
     }
     return 0;
-}
-
-// FNV-1a over the whole state of the rules, field by field.
-class Hasher {
-public:
-    uint64_t value = 1469598103934665603ULL;
-
-    void Bytes(const void* data, size_t n) {
-        const auto* p = static_cast<const unsigned char*>(data);
-        for (size_t i = 0; i < n; ++i) value = (value ^ p[i]) * 1099511628211ULL;
-    }
-    void Int(int64_t v) { Bytes(&v, sizeof v); }
-    void Float(float f) {
-        uint32_t bits = 0;
-        std::memcpy(&bits, &f, sizeof bits);
-        Int(bits);
-    }
-    void Text(const std::string& s) {
-        Int(static_cast<int64_t>(s.size()));
-        Bytes(s.data(), s.size());
-    }
-    void Cells(const std::vector<Cell>& cells) {
-        Int(static_cast<int64_t>(cells.size()));
-        for (const Cell& c : cells) {
-            Int(c.x);
-            Int(c.y);
-        }
-    }
-    template <typename T, typename F>
-    void List(const std::vector<T>& list, F each) {
-        Int(static_cast<int64_t>(list.size()));
-        for (const T& item : list) each(item);
-    }
-};
-
-uint64_t StateHash(const Game& game) {
-    Hasher h;
-    std::ostringstream rng;
-    rng << game.rng;
-    h.Text(rng.str());
-    h.Int(static_cast<int>(game.phase));
-    h.Int(game.level);
-    h.Int(game.score);
-    h.Float(game.clock);
-    h.Float(game.buildLeft);
-    const LevelConfig& c = game.config;
-    for (int v : {c.towers, c.width, c.height, c.line, c.shots, c.pieces, c.need, c.spareOnes, c.spareTwos,
-                  c.ruinRows})
-        h.Int(v);
-    for (float v : {c.buildTime, c.flightTime, c.interval}) h.Float(v);
-    for (bool v : {c.ring, c.fromPack, c.waves, c.prep, c.newTower}) h.Int(v);
-    h.List(c.sectors, [&](const Sector& s) {
-        h.Int(s.centre);
-        h.Int(s.width);
-        h.Int(s.letter);
-        h.Text(s.label);
-    });
-    const RoundStats& s = game.stats;
-    for (int v : {s.buildScore, s.repairScore, s.held, s.lost, s.levelBonus, s.timeBonus, s.gapCells, s.dropped,
-                  s.overallPct, static_cast<int>(s.passed)})
-        h.Int(v);
-    h.List(s.towerPct, [&](int v) { h.Int(v); });
-    h.List(s.sectorPct, [&](int v) { h.Int(v); });
-    h.List(game.towers, [&](const Tower& t) {
-        h.Int(t.width);
-        h.List(t.cells, [&](int v) { h.Int(v); });
-        h.Int(t.revision);
-    });
-    h.Int(static_cast<int64_t>(game.pieces.size()));
-    for (const auto& [id, p] : game.pieces) {
-        h.Int(id);
-        h.Int(p.type);
-        h.Int(p.ruin);
-        h.Cells(p.cells);
-        h.Int(p.tower);
-    }
-    for (int v : {game.nextPieceId, game.nextShotId, game.activeTower, game.selected, game.cursorX, game.cursorY,
-                  game.rotation, game.shotsLeft, game.wave, game.waveShotsLeft, game.bonusPieces})
-        h.Int(v);
-    h.List(game.supply, [&](char v) { h.Int(v); });
-    for (float v : {game.autoEndAt, game.inspectEndAt, game.nextShotAt, game.attackEndAt, game.viewCentre})
-        h.Float(v);
-    h.List(game.targets, [&](const Target& t) {
-        for (int v : {t.id, t.piece, t.tower}) h.Int(v);
-        h.Float(t.firedAt);
-        h.Float(t.hitAt);
-        h.Cells(t.cells);
-        h.List(t.preps, [&](const Prep& p) {
-            h.Int(p.type);
-            h.Cells(p.cells);
-        });
-    });
-    h.List(game.holes, [&](const Hole& o) {
-        for (int v : {o.id, o.tower, o.bells}) h.Int(v);
-        h.Float(o.openedAt);
-        h.Float(o.collapseAt);
-        h.Cells(o.cells);
-    });
-    h.Int(game.focus.kind);
-    h.Int(game.focus.id);
-    h.Int(game.viewKnown);
-    h.List(game.events, [&](const Event& e) {
-        h.Int(e.kind);
-        h.Int(static_cast<int>(e.sfx));
-        h.Float(e.value);
-        h.Int(e.tower);
-        h.Cells(e.cells);
-        h.Int(e.count);
-        h.Text(e.text);
-    });
-    const UndoRecord& u = game.undo;
-    for (int v : {static_cast<int>(u.valid), static_cast<int>(u.phase), u.tower, u.piece, u.target,
-                  static_cast<int>(u.type), u.rotation, u.x, u.selected, u.points})
-        h.Int(v);
-    h.Float(u.until);
-    h.Cells(u.cells);
-    h.Int(game.lineStood);
-    return h.value;
 }
 
 // One line of JSON for a level that has just been judged.
@@ -256,6 +163,11 @@ int main(int argc, char** argv) {
         return 0;
     }
     if (parsed != 0) return parsed;
+    if (!options.pack.empty()) {
+        if (!ActivatePack(options.pack)) return 2;
+        // A pack is played to its end unless told otherwise.
+        if (!options.levelsGiven) options.levels = static_cast<int>(ActivePack()->levels.size());
+    }
 
     Game game(options.seed);
     game.NewGame();
@@ -275,11 +187,13 @@ int main(int argc, char** argv) {
     long frames = 0;
     size_t queuedAtEnd = 0;
     bool over = false;
+    bool packEnd = false;
     frame::Hooks hooks;
     hooks.rulesStepped = [&] {
         if (before != Phase::Attack || (game.phase != Phase::Eval && game.phase != Phase::Over)) return;
         queuedAtEnd = game.events.size();
         over = game.phase == Phase::Over;
+        packEnd = game.phase == Phase::Eval && game.LastLevel();
         Tally ended = tally;
         ended.Add(game.events.begin(), game.events.end());
         line = LevelLine(game, ended, frames + 1);
@@ -302,7 +216,7 @@ int main(int argc, char** argv) {
         tally.Add(taken.begin() + static_cast<std::ptrdiff_t>(queuedAtEnd), taken.end());
         frames = 0;
         ++done;
-        if (over) break;
+        if (over || packEnd) break;
     }
     return 0;
 }

@@ -93,6 +93,8 @@ const std::map<std::string, std::string>& English() {
         {"Geschichte · Ablauf · Steuerung · Bestenliste", "Story · How to play · Controls · High scores"},
         {"Geschichte · Ablauf · Steuerung · Credits", "Story · How to play · Controls · Credits"},
         {"Credits", "Credits"},
+        {"Das Torvane-Team", "The Torvane team"},
+        {"Der Vellmark – ein Spiel des Torvane-Teams", "The Vellmark – a game by the Torvane team"},
         {"Idee & Umsetzung", "Idea & realisation"},
         {"Programmierung", "Programming"},
         {"Grafik", "Graphics"},

@@ -2,9 +2,9 @@
 
 #include "engine/Assets.h"
 #include "engine/Json.h"
-#include "pge/ImageLoader.h"
+#include "game/content/PackStorage.h"
 #include "game/rules/Level.h"
-#include "game/rules/LevelPack.h"
+#include "pge/ImageLoader.h"
 
 #include <algorithm>
 #include <cmath>
@@ -122,18 +122,12 @@ const BackgroundInfo& InfoFor(const std::string& key) {
 
 } // namespace
 
-int BackgroundIndex(int level) {
-    const LevelPack* pack = ActivePack();
-    if (pack && level >= 1 && level <= static_cast<int>(pack->levels.size()))
-        return pack->levels[level - 1].background - 1;
-    return (((level - 1) % 5) + 5) % 5;
-}
-
-const Theme& ThemeFor(int level) {
+const Theme& ThemeAt(int index) {
     static const std::vector<Theme> s_themes = MakeThemes();
-    const int index = BackgroundIndex(level);
     return s_themes[static_cast<size_t>(std::clamp(index, 0, 4))];
 }
+
+const Theme& ThemeFor(int level) { return ThemeAt(BackgroundIndex(level)); }
 
 const std::string& BackgroundFor(const Theme& theme) {
     if (GetSettings().classic != 0 || theme.integrated.empty()) return theme.background;

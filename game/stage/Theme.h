@@ -35,11 +35,9 @@ struct BackgroundInfo {
     TowerFrame frame;
 };
 
-// The background's index 0 to 4 of a level: the active pack's choice for its own
-// levels, otherwise the five landscapes in turn.
-int BackgroundIndex(int level);
-
 const Theme& ThemeFor(int level);
+// The landscape of a background index 0 to 4; others are held to that range.
+const Theme& ThemeAt(int index);
 // The image key to use for a theme: the one with a painted tower on ring levels
 // when it exists, else the plain one.
 const std::string& BackgroundFor(const Theme& theme);

@@ -1,23 +1,19 @@
 #include "game/stage/TowerView.h"
 
 #include "engine/Canvas.h"
+#include "engine/Text.h"
 #include "game/rules/Pieces.h"
+#include "game/stage/StageColours.h"
 
 #include <algorithm>
 #include <cmath>
 
 namespace torvane {
 
+using namespace stage;
+
 namespace {
-
-const pge::Pixel kAccent(224, 135, 79);
-const pge::Pixel kWood(122, 80, 46);
-const pge::Pixel kWoodLight(168, 118, 70);
-const pge::Pixel kWoodDark(70, 44, 26);
 const pge::Pixel kDashed(255, 255, 255, 89);
-
-uint8_t Alpha(float f) { return static_cast<uint8_t>(std::clamp(f * 255.0f + 0.5f, 0.0f, 255.0f)); }
-
 } // namespace
 
 TowerView::TowerView() {
@@ -34,9 +30,11 @@ TowerView::TowerView() {
 float TowerView::Random() { return std::generate_canonical<float, 24>(rng); }
 
 void TowerView::Reset() {
-    // The effects and the runner are reset here as well once they are on the view.
+    particles.clear();
+    floaters.clear();
     flashes.clear();
     backgroundLevel = -1;
+    ResetRunner();
 }
 
 bool TowerView::FilledAt(int x, int y) const {
@@ -48,6 +46,14 @@ bool TowerView::FilledAt(int x, int y) const {
     return id >= 0 && static_cast<size_t>(id) < mapTower->cells.size() && mapTower->cells[static_cast<size_t>(id)] != 0;
 }
 
+void TowerView::DrawMessage(pge::PixelEngine& engine, const std::string& text, float fade) const {
+    if (text.empty() || fade <= 0.0f) return;
+    const int x = layout.stage.x + layout.stage.w / 2;
+    const int y = int(layout.stripHeight) + layout.stage.y + (layout.ring ? 8 : 18);
+    adv::text::DrawOutlined(engine, x, y, text, adv::canvas::WithAlpha(pge::WHITE, fade),
+                            adv::canvas::WithAlpha(pge::BLACK, fade * 0.6f), 2, adv::text::Align::Centre);
+}
+
 void TowerView::Draw(pge::PixelEngine& engine, const Game& game, const StageRect& stage, float time, float camera) {
     // The background first, so that the layout below sees the frame of the image.
     if (!background || backgroundLevel != game.level || stage.w != cachedStage.w || stage.h != cachedStage.h ||
@@ -56,16 +62,28 @@ void TowerView::Draw(pge::PixelEngine& engine, const Game& game, const StageRect
     layout = ComputeLayout(game, stage);
     layout.camera = camera;
 
-    // The runner's update, with dt = time - lastTime limited to 0..0.1, belongs here.
+    const float dt = std::clamp(time - lastTime, 0.0f, 0.1f);
     lastTime = time;
+    UpdateRunner(game, dt, camera);
 
     DrawBackground(engine, game, layout, time);
-    for (int t = 0; t < static_cast<int>(game.towers.size()); ++t) DrawTower(engine, game, layout, t);
-    // The labels of every tower follow here, above all towers.
+    const int towers = static_cast<int>(game.towers.size());
+    for (int t = 0; t < towers; ++t) DrawTower(engine, game, layout, t);
+    // No tower is drawn over another's labels.
+    for (int t = 0; t < towers; ++t) DrawTowerLabels(engine, game, layout, t);
 
-    // Then, in the build, inspection and attack phases: the runner on the active tower,
-    // the effects, the carousel (build and attack), and on a ring the minimap and the
-    // edge arrows; in every other phase the effects alone.
+    const Phase phase = game.phase;
+    if (phase != Phase::Build && phase != Phase::Inspect && phase != Phase::Attack) {
+        DrawEffects(engine, game, layout);
+        return;
+    }
+    DrawRunner(engine.GetDrawTarget(), game, TowerGeo(layout, game.activeTower));
+    DrawEffects(engine, game, layout);
+    if (phase != Phase::Inspect) DrawCarousel(engine, game, layout);
+    if (layout.ring) {
+        DrawMinimap(engine, game, layout, time);
+        DrawEdgeArrows(engine, game, layout, time);
+    }
 }
 
 void TowerView::DrawTower(pge::PixelEngine& engine, const Game& game, const Layout& lay, int tower) {
@@ -187,8 +205,7 @@ void TowerView::DrawTower(pge::PixelEngine& engine, const Game& game, const Layo
     const pge::Pixel prepGlow(90, 255, 140, Alpha(std::sin(t * 7.0f) * 0.15f + 0.35f));
     for (const Target& shot : game.targets) {
         if (shot.tower != tower) continue;
-        const Piece* piece = game.GetPiece(shot.piece);
-        for (const Cell& c : piece ? piece->cells : shot.cells) {
+        for (const Cell& c : AimedCells(game, shot)) {
             const bool covered = std::any_of(shot.preps.begin(), shot.preps.end(), [&](const Prep& p) {
                 return std::find(p.cells.begin(), p.cells.end(), c) != p.cells.end();
             });

@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <memory>
 #include <random>
+#include <string>
 #include <vector>
 
 namespace torvane {
@@ -78,10 +79,40 @@ public:
         uint8_t index = 0;
     };
 
+    // Debris of a hit or a fall, in grid positions so that it turns with a ring.
+    struct Particle {
+        float x = 0.0f;
+        float y = 0.0f;
+        float vx = 0.0f;
+        float vy = 0.0f;
+        float life = 0.0f;
+        float born = 0.0f;  // game clock
+        float size = 0.0f;  // in row heights
+        int32_t tower = 0;
+    };
+
+    // Rising text over cells, such as the points for a repair.
+    struct Floater {
+        std::string text;
+        float x = 0.0f;
+        float y = 0.0f;
+        float born = 0.0f;
+        int32_t tower = 0;
+    };
+
     struct Flash {
         std::vector<Cell> cells;
         float born = 0.0f;
         int32_t tower = 0;
+    };
+
+    // A danger behind the ring's visible part: d columns from the camera, left seconds to go.
+    struct EdgeArrow {
+        float d = 0.0f;
+        float left = 0.0f;
+        bool isHole = false;
+        pge::vf2d tip;      // the triangle's point at the stage's edge
+        float dir = 1.0f;   // +1 for an arrow at the left edge (it opens to the right), -1 at the right
     };
 
     TowerView();
@@ -92,10 +123,37 @@ public:
     // One frame on the engine's draw target; time in seconds, camera the front column.
     void Draw(pge::PixelEngine& engine, const Game& game, const StageRect& stage, float time, float camera);
     void Reset();
+    // The application's one-line message over the stage, fade from 0 to 1; placed by the
+    // layout of the last Draw, or the default one before any.
+    void DrawMessage(pge::PixelEngine& engine, const std::string& text, float fade) const;
     void DrawTower(pge::PixelEngine& engine, const Game& game, const Layout& layout, int tower);
     void DrawWall(pge::Sprite* target, const Game& game, const Geo& g, int tower);
     // Whether the wall map shows an occupied cell at this screen pixel.
     bool FilledAt(int x, int y) const;
+    // Forgets what is kept between frames besides the background, so that the next Draw
+    // works everything out anew.
+    void DropCaches();
+
+    // ---- the runner on the rim ----
+    void UpdateRunner(const Game& game, float dt, float camera);
+    void DrawRunner(pge::Sprite* target, const Game& game, const Geo& geo) const;
+
+    // ---- carousels, labels, arrows and minimap ----
+    // A piece as a small icon centred at (cx, cy), cells of `size` pixels.
+    void DrawMini(pge::Sprite* target, char type, float cx, float cy, float size, float fade, int rotation,
+                  pge::Pixel colour) const;
+    void DrawCarousel(pge::PixelEngine& engine, const Game& game, const Layout& layout);
+    void DrawCarouselVertical(pge::PixelEngine& engine, const Game& game, const Layout& layout);
+    void DrawTowerLabels(pge::PixelEngine& engine, const Game& game, const Layout& layout, int tower);
+    // The dangers beyond a ring's view, most urgent first, placed at the stage's edges.
+    std::vector<EdgeArrow> EdgeArrows(const Game& game, const Layout& layout) const;
+    void DrawEdgeArrows(pge::PixelEngine& engine, const Game& game, const Layout& layout, float time);
+    void DrawMinimap(pge::PixelEngine& engine, const Game& game, const Layout& layout, float time);
+
+    // ---- effects from the rules' events ----
+    // Every event of the rules that the application doesn't handle itself.
+    void OnEvent(const Event& event, const Game& game);
+    void DrawEffects(pge::PixelEngine& engine, const Game& game, const Layout& layout);
 
     void BuildBackground(const Game& game, const Layout& layout);
     void BuildPaintedBackground(const Game& game, const Layout& layout);
@@ -121,17 +179,80 @@ public:
     int32_t mapCols = 0;
 
     std::vector<Cloud> clouds;
+    std::vector<Particle> particles;
+    std::vector<Floater> floaters;
     std::vector<Flash> flashes;
     std::mt19937 rng{12345u};
     Layout layout;
+
+    // ---- the runner ----
+    int32_t runnerTower = -1;
+    float runnerColumn = 0.0f;
+    int32_t runnerDirection = 1;
+    bool running = false;
+    float runTime = 0.0f;
+    float dropTime = -10.0f; // view time of the last placed piece
+    bool jumping = false;
+    int32_t jumpFromTower = 0;
+    float jumpFromColumn = 0.0f;
+    float jumpStart = 0.0f;
+    float jumpDuration = 0.5f;
+
     float lastTime = 0.0f;
 
 private:
     // A uniform float in [0, 1) of the view's own generator.
     float Random();
+    // The grid point at the middle of some cells: their column centre and mean row + 0.5.
+    static pge::vf2d CentreOf(const Game& game, const std::vector<Cell>& cells);
+    // The cells under fire: the piece's own while it stands, else those it had.
+    static const std::vector<Cell>& AimedCells(const Game& game, const Target& shot);
+    // The percentages at the line and the alarm for a tower under fire that is not the active one.
+    void DrawStanding(pge::PixelEngine& engine, const Game& game, const Layout& layout, int tower) const;
+    // The runner back at no tower, so that his next update places him without a jump.
+    void ResetRunner();
 
-    // Scratch images of DrawWall: the position within the cell across and along.
-    std::vector<float> wallU, wallV;
+    // A stretch of one row of the wall map whose pixels are treated alike.
+    enum class RunKind : uint8_t { Shadow, ShadowGrid, Solid };
+    struct WallRun {
+        int32_t y = 0, x = 0, count = 0;
+        RunKind kind = RunKind::Shadow;
+        uint32_t colours = 0; // Solid: the first of its colours in WallCache::colours
+    };
+    struct Speckle {
+        int32_t x = 0, y = 0;
+        pge::Pixel colour;
+    };
+    struct Face {
+        std::vector<pge::vf2d> outline, inner;
+        pge::Pixel fill, edge;
+    };
+    // What DrawWall keeps of one tower between frames. The map depends only on the
+    // geometry; the shaded wall also on the cells, their pieces' ruin flags and the
+    // material. Filled cells lie opaque over what is behind them, so their pixels are
+    // kept as they are; empty cells are blended anew each frame.
+    struct WallCache {
+        bool mapped = false;
+        Geo geo;
+        std::vector<int32_t> map; // lent to wallMap while this tower is the one drawn last
+        int32_t x = 0, y = 0, w = 0, h = 0;
+        std::vector<float> u, v; // the position within the cell across and along
+        bool shaded = false;
+        std::vector<int32_t> cells;
+        std::vector<uint8_t> ruins;
+        pge::Pixel stone;
+        bool planks = false;
+        std::vector<WallRun> runs;
+        std::vector<pge::Pixel> colours;
+        std::vector<Speckle> speckles;
+        std::vector<Face> faces;
+    };
+    void MapWall(WallCache& wall, const Geo& g);
+    void ShadeWall(WallCache& wall, const Geo& g, const Theme& theme);
+
+    std::vector<WallCache> walls; // by tower
+    int32_t mapOwner = -1;        // the tower whose map wallMap holds
+    std::vector<uint8_t> ruinScratch;
 };
 
 } // namespace torvane

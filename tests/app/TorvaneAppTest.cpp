@@ -140,6 +140,12 @@ TEST(TorvaneAppRunOptions, MalformedNumbersThrowNamedExceptions) {
     EXPECT_FALSE(app.settingsOpen);
 }
 
+// The top left pixel of the title screen: its picture's where the asset tree has one,
+// else the screen background.
+pge::Pixel TitleCorner(const TorvaneApp& app) {
+    return app.titleImage ? app.titleImage->GetPixel(0, 0) : torvane::kBg;
+}
+
 TEST(TorvaneAppFrame, HundredFramesWithoutAnyServer) {
     TorvaneApp app;
     Apply(app, {"--skip-intro"});
@@ -156,8 +162,8 @@ TEST(TorvaneAppFrame, HundredFramesWithoutAnyServer) {
     // The clock follows the raw frame times, stalls included.
     EXPECT_NEAR(app.clock, sum, 1e-3);
     EXPECT_EQ(run.Title(), "Torvane");
-    // The frame starts from the screen background; its top left corner stays free.
-    EXPECT_EQ(app.GetDrawTarget()->GetPixel(0, 0), torvane::kBg);
+    // The title's top left corner stays free of cards: the picture's, or the background.
+    EXPECT_EQ(app.GetDrawTarget()->GetPixel(0, 0), TitleCorner(app));
 }
 
 TEST(TorvaneAppStart, LevelOptionDecidesBetweenTitleAndGame) {
@@ -177,9 +183,8 @@ TEST(TorvaneAppStart, LevelOptionDecidesBetweenTitleAndGame) {
     EXPECT_EQ(first.game.phase, torvane::Phase::Build);
     EXPECT_EQ(first.lastPhase, torvane::Phase::Build);
     EXPECT_EQ(first.game.level, 1);
-    // Without a title picture the title is the first page.
-    EXPECT_EQ(first.titleImage, nullptr);
-    EXPECT_EQ(first.titlePage, 0);
+    // The title opens on its picture where the asset tree has one, else on the first page.
+    EXPECT_EQ(first.titlePage, first.titleImage ? -1 : 0);
 
     TorvaneApp third;
     Apply(third, {"--level=3"});
@@ -260,7 +265,8 @@ TEST(TorvaneAppFrame, LogoRunsForItsTimeOrUntilSkipped) {
         EXPECT_LT(app.logoTime, 0.0f);
         EXPECT_NEAR(app.phaseStart, app.clock, 1e-3);
         run.Frame(0.05f);
-        EXPECT_EQ(app.GetDrawTarget()->GetPixel(0, 0), torvane::kBg);
+        // The title follows (a picture fades in from black): the corner is black no more.
+        EXPECT_NE(app.GetDrawTarget()->GetPixel(0, 0), pge::BLACK);
     }
     for (pge::Key skip : {pge::SPACE, pge::ENTER, pge::ESCAPE}) {
         TorvaneApp app;
@@ -352,8 +358,8 @@ TEST(TorvaneAppFrame, ExitAfterWritesTheScreenshotOfThatFrame) {
     ASSERT_NE(px, nullptr);
     EXPECT_EQ(w, 640);
     EXPECT_EQ(h, 400);
-    EXPECT_EQ(px[0], torvane::kBg.r);
-    EXPECT_EQ(px[(399 * 640 + 639) * 4 + 2], torvane::kBg.b);
+    EXPECT_EQ(px[0], TitleCorner(app).r);
+    EXPECT_EQ(px[(399 * 640 + 639) * 4 + 2], torvane::kPanel.b); // the help bar
     stbi_image_free(px);
     std::remove(path.c_str());
 }

@@ -129,3 +129,26 @@ TEST(CanvasPolylines, DashesEndEvenWhenRoundingStallsThePhase) {
         EXPECT_NE(s.GetPixel(int(0.5f + k * period + dash + gap / 2), 0), kInk) << k;
     }
 }
+
+// The span writer under the filled shapes must give, for every alpha, what the compositing
+// rule gives pixel by pixel, whatever the lengths of its four-pixel blocks and their tail.
+TEST(CanvasBlend, RunsCompositeLikeSinglePixels) {
+    const pge::Pixel dsts[] = {pge::Pixel(0, 0, 0, 0), pge::Pixel(255, 255, 255, 255), pge::Pixel(1, 128, 254, 3),
+                               pge::Pixel(77, 200, 13, 250), pge::Pixel(255, 0, 255, 0), pge::Pixel(128, 64, 32, 128),
+                               pge::Pixel(9, 99, 199, 254)};
+    const int n = int(std::size(dsts));
+    for (int a = 0; a < 256; ++a)
+        for (const pge::Pixel c : {pge::Pixel(255, 0, 128, a), pge::Pixel(0, 255, 3, a), pge::Pixel(200, 100, 50, a)}) {
+            std::vector<pge::Pixel> run(dsts, dsts + n);
+            canvas::BlendRun(run.data(), n, c);
+            for (int i = 0; i < n; ++i) {
+                const pge::Pixel d = dsts[i];
+                const auto mix = [a](int dv, int cv) { return (dv * (255 - a) + cv * a) / 255; };
+                const pge::Pixel want = a == 0     ? d
+                                        : a == 255 ? c
+                                                   : pge::Pixel(mix(d.r, c.r), mix(d.g, c.g), mix(d.b, c.b),
+                                                                std::min(d.a + (255 - d.a) * a / 255, 255));
+                ASSERT_EQ(run[size_t(i)], want) << "alpha " << a << " pixel " << i;
+            }
+        }
+}

@@ -47,6 +47,23 @@ TEST_F(Mixer, ClipPlaysInPlaceAtItsVolumeLoopsAndTheMixIsClipped) {
     EXPECT_EQ(Render(*engine, 5)[4], 1.0f);
 }
 
+// The neighbours that the interpolation reads reach past a clip of one or two samples more
+// than once; looped, such a clip still repeats itself exactly.
+TEST_F(Mixer, TinyLoopsRepeatExactly) {
+    const std::vector<float> one{0.25f}, two{0.1f, 0.3f};
+    auto a = Clip(one);
+    mixer::SetLooping(*a, true);
+    mixer::Start(*a);
+    auto out = Render(*engine, 7);
+    for (size_t j = 0; j < 7; ++j) ASSERT_EQ(out[2 * j], 0.25f) << j;
+    mixer::StopWithFade(*a, 0);
+    auto b = Clip(two);
+    mixer::SetLooping(*b, true);
+    mixer::Start(*b);
+    out = Render(*engine, 7);
+    for (size_t j = 0; j < 7; ++j) ASSERT_EQ(out[2 * j], two[j % 2]) << j;
+}
+
 TEST_F(Mixer, FadesAreLinearAndStopWithoutFadeSilencesAtOnce) {
     std::vector<float> samples(kRate, 0.5f);
     auto s = Clip(samples), t = Clip(samples);

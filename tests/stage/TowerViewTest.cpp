@@ -1,7 +1,7 @@
 // The stage: whole frames compared with reference pictures, the marks on the wall,
 // the ray-cast wall itself, and the landscape behind it with its theme.
 #include "engine/Assets.h"
-#include "engine/Screenshot.h"
+#include "game/content/PackStorage.h"
 #include "game/rules/LevelPack.h"
 #include "game/rules/Pieces.h"
 #include "game/stage/RingCamera.h"
@@ -9,7 +9,7 @@
 #include "game/stage/TowerView.h"
 #include "pge/Headless.h"
 #include "tests/stage/PalettedTestImage.h"
-#include "tests/rules/RulesTestSupport.h"
+#include "tests/stage/StageTestSupport.h"
 
 #include <gtest/gtest.h>
 
@@ -17,92 +17,12 @@
 #include <cstdlib>
 #include <filesystem>
 #include <set>
-#include <unistd.h>
 
 namespace torvane {
 namespace {
 
 using namespace testing_support;
-using Pixels = std::vector<pge::Pixel>;
 
-// A fresh asset tree below the build folder, made the asset root; one per process, as
-// the test runner runs cases side by side.
-std::string MakeAssetRoot(const std::string& name) {
-    const std::filesystem::path base = std::filesystem::path(TORVANE_BINARY_DIR) / "tower_view_tests" /
-                                       (name + "_" + std::to_string(getpid()));
-    std::filesystem::remove_all(base);
-    std::filesystem::create_directories(base / "bin");
-    std::filesystem::create_directories(base / "Resources" / "assets" / "torvane");
-    adv::Assets::Init((base / "bin" / "torvane").string());
-    return adv::Assets::Root();
-}
-
-// The screen against tests/reference/<name>.png, colour channels each within 2. A failure
-// writes <name>-actual.png and <name>-diff.png (differing pixels red) into the build folder.
-void ExpectMatchesReference(const pge::Sprite& actual, const std::string& name) {
-    const pge::Sprite expected(std::string(TORVANE_SOURCE_DIR) + "/tests/reference/" + name + ".png");
-    ASSERT_EQ(expected.pColData.size(), actual.pColData.size()) << name;
-    pge::Sprite diff(actual.width, actual.height);
-    int differing = 0;
-    for (size_t i = 0; i < actual.pColData.size(); ++i) {
-        const pge::Pixel a = actual.pColData[i], e = expected.pColData[i];
-        const bool same = std::abs(a.r - e.r) <= 2 && std::abs(a.g - e.g) <= 2 && std::abs(a.b - e.b) <= 2;
-        differing += same ? 0 : 1;
-        diff.pColData[i] = same ? pge::Pixel(e.r / 4, e.g / 4, e.b / 4) : pge::Pixel(255, 0, 0);
-    }
-    const std::string out = std::string(TORVANE_BINARY_DIR) + "/tower_view_tests/" + name;
-    if (differing > 0) {
-        adv::screenshot::SavePng(actual, out + "-actual.png");
-        adv::screenshot::SavePng(diff, out + "-diff.png");
-    }
-    EXPECT_EQ(differing, 0) << name << ": see " << out << "-diff.png";
-}
-
-// Lays a piece of the given rotation moved by (x, y) on a tower.
-int Lay(Game& g, int tower, char type, int rotation, int x, int y) {
-    std::vector<Cell> cells = Rotated(type, rotation);
-    for (Cell& c : cells) c = Cell{g.WrapX(c.x + x), c.y + y};
-    return g.AddPiece(tower, type, cells, false);
-}
-
-// The screen pixels that differ between two frames.
-std::vector<pge::vi2d> Differences(const Pixels& a, const Pixels& b) {
-    std::vector<pge::vi2d> out;
-    for (size_t i = 0; i < a.size(); ++i)
-        if (a[i] != b[i]) out.push_back({static_cast<int>(i % 640), static_cast<int>(i / 640)});
-    return out;
-}
-
-// A headless engine with its 640 by 400 draw target; no images: the painted landscape.
-class TowerViewFrameTest : public RulesTest {
-protected:
-    void SetUp() override {
-        RulesTest::SetUp();
-        MakeAssetRoot("painted");
-        ASSERT_TRUE(run.Create());
-    }
-    pge::Sprite& Screen() { return *engine.GetDrawTarget(); }
-    // Draws at the camera's own start, or at `camera` when given; gives the screen.
-    Pixels DrawAt(const Game& g, float time, float camera = -1.0f) {
-        RingCamera ring;
-        ring.Update(g, 0.0f);
-        view.Draw(engine, g, stage, time, camera >= 0.0f ? camera : ring.angle);
-        return Screen().pColData;
-    }
-    static Game Started(bool classic, unsigned seed, int level) {
-        GetSettings().classic = classic ? 1 : 0;
-        Game g(seed);
-        g.StartLevel(level);
-        return g;
-    }
-
-    struct : pge::PixelEngine {
-        bool OnUserCreate() override { return true; }
-    } engine; // offers only its draw target
-    pge::Headless run{engine};
-    TowerView view;
-    const StageRect stage{0, 18, 640, 368};
-};
 using TowerViewMarksTest = TowerViewFrameTest;
 using BackgroundTest = TowerViewFrameTest;
 
@@ -161,9 +81,9 @@ TEST_F(TowerViewMarksTest, RedGapsEndBelowTheLineAndStaleFlashesDrawNothing) {
     Game g = EmptyGame(false, 1);
     g.config.sectors.clear(); // every column is attacked
     g.phase = Phase::Eval;    // no marks outside the build and the attack
-    const Pixels plain = DrawAt(g, 1.0f, 0.0f);
+    const Pixels plain = TowersAt(g, 0.0f);
     g.phase = Phase::Attack;
-    const std::vector<pge::vi2d> diff = Differences(plain, DrawAt(g, 1.0f, 0.0f));
+    const std::vector<pge::vi2d> diff = Differences(plain, TowersAt(g, 0.0f));
     ASSERT_FALSE(diff.empty());
     const TowerView::Geo geo = view.TowerGeo(view.layout, 0);
     for (const pge::vi2d& p : diff) { // the line's ring at x: baseY - cellH line + ry cos(asin((x - cx) / rx))
@@ -186,19 +106,19 @@ TEST_F(TowerViewMarksTest, GhostOnlyOnTheActiveTowerAndWhenItLands) {
     Game g = ClassicGame(2);
     const std::vector<char> supply = g.supply;
     g.cursorX = 2;
-    const Pixels withGhost = DrawAt(g, 1.0f, 0.0f);
+    const Pixels withGhost = TowersAt(g, 0.0f);
     const TowerView::Geo right = view.TowerGeo(view.layout, 1);
     g.supply.clear(); // no piece in hand: no ghost, and none ever on tower 1
-    for (const pge::vi2d& p : Differences(withGhost, DrawAt(g, 1.0f, 0.0f)))
+    for (const pge::vi2d& p : Differences(withGhost, TowersAt(g, 0.0f)))
         ASSERT_LT(p.x, right.cx - std::sin(right.halfAngle) * right.rx) << "off tower 0";
     EXPECT_FALSE(withGhost == Screen().pColData);
     // A tower filled to the top leaves no landing row: GhostY is negative, no ghost.
     g.supply = supply;
     for (int x = 0; x < g.config.width; ++x) FillColumn(g, 0, x, 0, g.config.height);
     ASSERT_LT(g.GhostY(), 0);
-    const Pixels full = DrawAt(g, 1.0f, 0.0f);
+    const Pixels full = TowersAt(g, 0.0f);
     g.supply.clear();
-    EXPECT_TRUE(full == DrawAt(g, 1.0f, 0.0f));
+    EXPECT_TRUE(full == TowersAt(g, 0.0f));
 }
 
 // The ray-cast wall on small pictures, where the cell seen at a pixel can be worked

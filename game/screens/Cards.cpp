@@ -1,0 +1,126 @@
+// The card toolkit: panels measured by running their content once without drawing,
+// and the pieces cards are made of (rows, paragraphs, buttons, key caps, switches).
+#include "engine/Canvas.h"
+#include "engine/Text.h"
+#include "game/TorvaneApp.h"
+
+#include <algorithm>
+
+namespace torvane {
+namespace {
+
+// From this height on a card is cut and placed at kCutTop.
+constexpr int kCutHeight = 360;
+constexpr int kCutTop = 22;
+constexpr int kPadding = 14;
+constexpr int kLineHeight = 11;
+constexpr pge::Pixel kShadow{0, 0, 0, 90};
+constexpr pge::Pixel kSwitchOnText{20, 40, 24};
+
+} // namespace
+
+void TorvaneApp::Card::Title(const std::string& text, pge::Pixel colour) {
+    if (draw) adv::text::Draw(*app, x + kPadding, y, text, colour, 2);
+    y += 21;
+}
+
+void TorvaneApp::Card::Row(const std::string& label, const std::string& value, pge::Pixel colour) {
+    if (draw) {
+        adv::text::Draw(*app, x + kPadding, y, label, kFg);
+        adv::text::Draw(*app, x + w - kPadding, y, value, colour, 1, adv::text::Align::Right);
+    }
+    y += kLineHeight;
+}
+
+void TorvaneApp::Card::Para(const std::string& text, pge::Pixel colour, const std::string& lead,
+                            pge::Pixel leadColour, int indent) {
+    const std::string full = lead.empty() ? text : lead + " " + text;
+    if (!full.empty()) {
+        const auto lines = adv::text::Wrap(*app, full, w - 2 * kPadding - indent);
+        for (size_t i = 0; i < lines.size(); ++i) {
+            if (draw) {
+                adv::text::Draw(*app, x + kPadding + indent, y, lines[i], colour);
+                if (i == 0 && !lead.empty()) adv::text::Draw(*app, x + kPadding + indent, y, lead, leadColour);
+            }
+            y += kLineHeight;
+        }
+    }
+    y += 3;
+}
+
+void TorvaneApp::Card::Story(const std::string& text) {
+    const int first = y;
+    Para(text, kFg, "", kFg, 10);
+    if (draw) adv::canvas::FillRect(app->GetDrawTarget(), x + kPadding, first - 1, 2, y - 3 - (first - 1), kChestnut);
+}
+
+void TorvaneApp::Card::Button(const std::string& label, ButtonId id) {
+    y += 6;
+    if (draw) {
+        const int bw = adv::text::Width(*app, label) + 24;
+        adv::canvas::FillRoundRect(app->GetDrawTarget(), float(x + kPadding), float(y), float(bw), 18.0f, 3.0f,
+                                   kChestnut);
+        adv::text::Draw(*app, x + kPadding + bw / 2, y + 5, label, pge::WHITE, 1, adv::text::Align::Centre);
+        app->buttons.push_back({x + kPadding, y, bw, 18, id, 0});
+    }
+    y += 18;
+}
+
+void TorvaneApp::DrawCard(const CardContent& content, int width, int minHeight) {
+    Card measure{this, false, 0, width, 0, kPadding};
+    content(measure);
+    int height = std::max(measure.y - measure.top + kPadding, minHeight);
+    int top = (368 - height) / 2 + 18;
+    int start = top + kPadding;
+    if (height >= kCutHeight) {
+        height = kCutHeight;
+        top = kCutTop;
+        start = 36;
+    }
+    const int left = (640 - width) / 2;
+    pge::Sprite* target = GetDrawTarget();
+    adv::canvas::FillRect(target, left + 4, top + 6, width, height, kShadow);
+    adv::canvas::FillRect(target, left, top, width, height, kPanel);
+    adv::canvas::FillRect(target, left, top, width, 3, kChestnut);
+    Card card{this, true, left, width, top, start};
+    content(card);
+}
+
+int TorvaneApp::KeyHintWidth(const std::string& key, const std::string& label) {
+    return adv::text::Width(*this, key) + 12 + adv::text::Width(*this, label);
+}
+
+int TorvaneApp::DrawKeyHint(int x, int y, const std::string& key, const std::string& label) {
+    pge::Sprite* target = GetDrawTarget();
+    const int cap = adv::text::Width(*this, key) + 6;
+    adv::canvas::FillRoundRect(target, float(x), float(y - 2), float(cap), 11.0f, 2.0f, kBg);
+    adv::canvas::StrokeRoundRect(target, float(x), float(y - 2), float(cap), 11.0f, 2.0f, kLine, 1.0f);
+    adv::text::Draw(*this, x + 3, y, key, kFg);
+    adv::text::Draw(*this, x + cap + 6, y, label, kFg);
+    return KeyHintWidth(key, label);
+}
+
+int TorvaneApp::SwitchWidth(const std::string& key, const std::string& label, const std::string& value) {
+    const int sw = std::max(adv::text::Width(*this, value) + 18, 30);
+    return adv::text::Width(*this, key) + adv::text::Width(*this, label) + 18 + sw;
+}
+
+void TorvaneApp::DrawSwitch(int centreX, int y, const std::string& key, const std::string& label,
+                            const std::string& value, bool on, ButtonId id) {
+    pge::Sprite* target = GetDrawTarget();
+    const int sw = std::max(adv::text::Width(*this, value) + 18, 30);
+    const int total = SwitchWidth(key, label, value);
+    const int x0 = centreX - total / 2;
+    const int pill = x0 + DrawKeyHint(x0, y, key, label) + 6;
+    adv::canvas::FillRoundRect(target, float(pill), float(y - 2), float(sw), 11.0f, 5.5f, on ? kOk : kLine);
+    const float knob = on ? float(pill + sw - 6) : float(pill + 6);
+    adv::canvas::FillCircle(target, {knob, float(y) + 3.5f}, 4.0f, pge::WHITE);
+    if (on) {
+        adv::text::Draw(*this, pill + 4, y, value, kSwitchOnText);
+    } else {
+        adv::text::Draw(*this, pill + 13, y, value, kMuted);
+    }
+    buttons.push_back({x0 - 4, y - 4, total + 8, 15, id, 0});
+}
+
+} // namespace torvane

@@ -1,0 +1,107 @@
+// The level editor's face: the rows, hints and message that the editor describes,
+// over the landscape of the level being edited.
+#include "engine/Canvas.h"
+#include "engine/Text.h"
+#include "game/rules/Lang.h"
+#include "game/stage/Theme.h"
+#include "game/TorvaneApp.h"
+
+#include <algorithm>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace torvane {
+namespace {
+
+// Rows shown at once; the list scrolls with the selection in the middle.
+constexpr int kShownRows = 15;
+constexpr int kRowHeight = 15;
+// The hints stand at this distance below the card's top, whatever the list's length.
+constexpr int kFoot = 306;
+
+using Hint = std::pair<std::string, std::string>;
+
+} // namespace
+
+void TorvaneApp::DrawEditorBackdrop() {
+    const int index = editor.GetView().background;
+    if (index < 0) return;
+    // The landscape's own colours: its sky, hills and ground.
+    const Theme& theme = ThemeAt(index);
+    pge::Sprite* target = GetDrawTarget();
+    adv::canvas::VerticalGradient(target, 0, 0, 640, 260, theme.skyTop, theme.skyBottom);
+    adv::canvas::FillRect(target, 0, 260, 640, 50, theme.hills);
+    adv::canvas::FillRect(target, 0, 310, 640, 90, theme.ground);
+}
+
+void TorvaneApp::DrawEditorCard(Card& card) {
+    const LevelEditor::View view = editor.GetView();
+    const int x = card.x, w = card.w;
+    card.Title(view.title, kChestnut);
+    if (card.draw) {
+        if (!view.subtitle.empty())
+            adv::text::Draw(*this, x + 14 + adv::text::Width(*this, view.title, 2) + 10, card.y - 15, view.subtitle,
+                            kSlate);
+        adv::canvas::FillRect(GetDrawTarget(), x + 14, card.y, w - 28, 1, kLine);
+    }
+    card.y += 6;
+
+    const int n = static_cast<int>(view.rows.size());
+    const auto selected =
+        std::find_if(view.rows.begin(), view.rows.end(), [](const LevelEditor::Row& r) { return r.selected; });
+    const int s = selected == view.rows.end() ? 0 : static_cast<int>(selected - view.rows.begin());
+    const int first = std::max(std::min(s - 7, n - kShownRows), 0);
+    const int last = std::min(first + kShownRows, n);
+    for (int i = first; i < last; ++i) {
+        const LevelEditor::Row& row = view.rows[static_cast<size_t>(i)];
+        if (!row.heading.empty()) {
+            if (i != first) card.y += 4;
+            if (card.draw) adv::text::Draw(*this, x + 18, card.y, row.heading, kChestnut);
+            card.y += kRowHeight;
+        }
+        if (card.draw) {
+            if (row.selected) {
+                adv::canvas::FillRoundRect(GetDrawTarget(), float(x + 10), float(card.y - 3), float(w - 20), 14.0f,
+                                           3.0f, kBg);
+                adv::canvas::FillRect(GetDrawTarget(), x + 10, card.y - 3, 2, 14, kChestnut);
+            }
+            adv::text::Draw(*this, x + 18, card.y, row.label, row.selected ? kFg : kMuted);
+            const std::string value = row.selected && row.changeable ? "‹ " + row.value + " ›" : row.value;
+            adv::text::Draw(*this, x + w - 14, card.y, value, row.selected ? kChestnut : kFg, 1,
+                            adv::text::Align::Right);
+        }
+        card.y += kRowHeight;
+    }
+    if (n > kShownRows) {
+        if (card.draw)
+            adv::text::Draw(*this, x + w - 14, card.y, Trf("{0} von {1}", {std::to_string(s + 1), std::to_string(n)}),
+                            kMuted, 1, adv::text::Align::Right);
+        card.y += kRowHeight;
+    }
+
+    // Hints broken into lines that fit the card.
+    std::vector<std::vector<Hint>> lines(1);
+    int lineWidth = 0;
+    for (const Hint& hint : view.hints) {
+        const int width = KeyHintWidth(hint.first, hint.second) + 14;
+        if (!lines.back().empty() && lineWidth + width > w - 28) {
+            lines.emplace_back();
+            lineWidth = 0;
+        }
+        lines.back().push_back(hint);
+        lineWidth += width;
+    }
+    if (lines.back().empty()) lines.pop_back();
+    card.y = std::max(card.y, card.top + kFoot - kRowHeight * static_cast<int>(lines.size()));
+    if (card.draw && !view.message.empty()) adv::text::Draw(*this, x + 14, card.y, view.message, kOk);
+    card.y += 16;
+    for (const std::vector<Hint>& line : lines) {
+        int hx = x + 14;
+        for (const Hint& hint : line)
+            hx += (card.draw ? DrawKeyHint(hx, card.y, hint.first, hint.second) : 0) + 14;
+        card.y += kRowHeight;
+    }
+}
+
+} // namespace torvane

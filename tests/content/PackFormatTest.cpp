@@ -1,0 +1,240 @@
+// The .tpack format: reading by hand-written files, bounds, writing and reading back, file names.
+#include "game/content/PackFormat.h"
+#include "game/rules/Level.h"
+#include "tests/rules/RulesTestSupport.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+#include <string>
+
+namespace torvane {
+namespace {
+
+using testing_support::RulesTest;
+using PackFormatTest = RulesTest;
+
+const std::string kHeader = "torvane-levelpack 1\n";
+
+LevelPack Parsed(const std::string& text) {
+    LevelPack pack;
+    EXPECT_TRUE(ParsePack(text, pack)) << text;
+    return pack;
+}
+
+PackLevel OneLevel(const std::string& keys) {
+    const LevelPack pack = Parsed(kHeader + "[level]\n" + keys);
+    EXPECT_EQ(pack.levels.size(), 1u);
+    return pack.levels.empty() ? PackLevel{} : pack.levels[0];
+}
+
+TEST_F(PackFormatTest, RefusesWhatIsNoPackAndLeavesTheTargetAlone) {
+    LevelPack out;
+    out.name = "vorher";
+    out.file = "vorher.tpack";
+    std::mt19937 rng(7);
+    std::string noise(4096, '\0');
+    for (char& c : noise) c = static_cast<char>(rng());
+    for (const std::string& text : {std::string(), std::string("\n\n# nur ein Kommentar\n"), kHeader + "name=Leer\n",
+                                    std::string("levelpack 1\n[level]\n"), "[level]\n" + kHeader, noise})
+        EXPECT_FALSE(ParsePack(text, out));
+    EXPECT_EQ(out.name, "vorher");
+    EXPECT_EQ(out.file, "vorher.tpack");
+}
+
+TEST_F(PackFormatTest, HeaderCommentsAndDefaults) {
+    // Comments and blank lines may stand before the header; only its beginning counts.
+    const LevelPack pack = Parsed("# mein Pack\n\n  torvane-levelpackage 7\r\nname = Burg am See \r\n"
+                                  "background=4\n[level]\r\nname=X\n# background=2\n");
+    EXPECT_EQ(pack.name, "Burg am See");
+    EXPECT_TRUE(pack.file.empty());
+    ASSERT_EQ(pack.levels.size(), 1u);
+    const PackLevel& l = pack.levels[0];
+    EXPECT_EQ(l.name, "X");
+    // Keys before the first level are the pack's, and only its name counts there.
+    EXPECT_EQ(l.background, 1);
+    EXPECT_EQ(l.build, 70);
+    EXPECT_EQ(l.pieces, 16);
+    EXPECT_EQ(l.line, 5);
+    EXPECT_EQ(l.need, 50);
+    EXPECT_EQ(l.shots, 6);
+    EXPECT_EQ(l.interval, 50);
+    EXPECT_EQ(l.directions, "N");
+    EXPECT_TRUE(l.waves);
+    EXPECT_TRUE(l.prep);
+    EXPECT_FALSE(l.newTower);
+    EXPECT_EQ(Parsed(kHeader + "[level]\n").name, "Levelpack");
+}
+
+TEST_F(PackFormatTest, NumbersAreReadLikeStrtolAndClamped) {
+    EXPECT_EQ(OneLevel("build=5").build, 20);
+    EXPECT_EQ(OneLevel("build=999").build, 240);
+    EXPECT_EQ(OneLevel("build=99999999999999999999").build, 240);
+    EXPECT_EQ(OneLevel("build=-99999999999999999999").build, 20);
+    EXPECT_EQ(OneLevel("pieces=12abc").pieces, 12);
+    EXPECT_EQ(OneLevel("pieces=abc").pieces, 4);
+    EXPECT_EQ(OneLevel("need=100").need, 100);
+    EXPECT_EQ(OneLevel("line=1").line, 2);
+    EXPECT_EQ(OneLevel("shots=61").shots, 60);
+    EXPECT_EQ(OneLevel("background=0").background, 1);
+    EXPECT_EQ(OneLevel("background=6").background, 5);
+    EXPECT_EQ(OneLevel("interval=0.1").interval, 5);
+    EXPECT_EQ(OneLevel("interval=99").interval, 150);
+    EXPECT_EQ(OneLevel("interval=1,5").interval, 15);
+    EXPECT_EQ(OneLevel("interval=2.79").interval, 27);
+    EXPECT_EQ(OneLevel("interval=2,").interval, 20);
+    EXPECT_EQ(OneLevel("interval=2.x").interval, 20);
+    EXPECT_EQ(OneLevel("interval=99999999999.9").interval, 150);
+    // A repeated key overwrites; an unknown key is ignored.
+    EXPECT_EQ(OneLevel("shots=3\nfarbe=rot\nshots=9").shots, 9);
+}
+
+TEST_F(PackFormatTest, WordsFallBackToTheirDefaults) {
+    EXPECT_FALSE(OneLevel("order=mixed").waves);
+    EXPECT_TRUE(OneLevel("order=Mixed").waves);
+    EXPECT_FALSE(OneLevel("prep=no").prep);
+    EXPECT_TRUE(OneLevel("prep=nein").prep);
+    EXPECT_TRUE(OneLevel("new_tower=yes").newTower);
+    EXPECT_FALSE(OneLevel("new_tower=ja").newTower);
+}
+
+TEST_F(PackFormatTest, DirectionsAreRebuilt) {
+    EXPECT_EQ(OneLevel("directions=ewEn").directions, "OWN");
+    EXPECT_EQ(OneLevel("directions=xyz").directions, "N");
+    EXPECT_EQ(OneLevel("directions=").directions, "N");
+    EXPECT_EQ(OneLevel("directions=S Ö, N;w").directions, "SNW");
+    EXPECT_EQ(OneLevel("directions=WN").directions, "WN"); // the order of first appearance stays
+}
+
+TEST_F(PackFormatTest, AThirtyFirstLevelOverwritesTheThirtieth) {
+    std::string text = kHeader;
+    for (int i = 1; i <= 31; ++i) text += "[level]\nshots=" + std::to_string(i) + "\n";
+    const LevelPack pack = Parsed(text);
+    ASSERT_EQ(pack.levels.size(), 30u);
+    EXPECT_EQ(pack.levels[28].shots, 29);
+    EXPECT_EQ(pack.levels[29].shots, 31);
+
+    // Ten thousand sections and names that are not UTF-8 are read without harm.
+    std::string many = kHeader + "name=\xff\xfe\xc3\n";
+    for (int i = 0; i < 10000; ++i) many += "[level]\nname=\x80\xc3(\n";
+    const LevelPack big = Parsed(many);
+    EXPECT_EQ(big.levels.size(), 30u);
+    EXPECT_EQ(big.name, "\xff\xfe\xc3");
+    EXPECT_EQ(big.levels[29].name, "\x80\xc3(");
+}
+
+TEST_F(PackFormatTest, WritesTheDocumentedText) {
+    LevelPack pack;
+    pack.name = "Burg am See";
+    pack.levels.resize(2);
+    pack.levels[0].name = "Erster Angriff";
+    PackLevel& b = pack.levels[1];
+    b = {"Von zwei Seiten", 2, 60, 18, 6, 55, 8, 35, "NO", false, false, true};
+    EXPECT_EQ(SerialisePack(pack),
+              "torvane-levelpack 1\nname=Burg am See\n\n"
+              "[level]\nname=Erster Angriff\nbackground=1\nbuild=70\npieces=16\nline=5\nneed=50\nshots=6\n"
+              "interval=5.0\ndirections=N\norder=waves\nprep=yes\nnew_tower=no\n\n"
+              "[level]\nname=Von zwei Seiten\nbackground=2\nbuild=60\npieces=18\nline=6\nneed=55\nshots=8\n"
+              "interval=3.5\ndirections=NO\norder=mixed\nprep=no\nnew_tower=yes\n");
+}
+
+TEST_F(PackFormatTest, ReadingBackAnyClampedPackGivesItAgain) {
+    std::mt19937 rng(2024);
+    const auto any = [&](int lo, int hi) { return std::uniform_int_distribution<int>(lo, hi)(rng); };
+    const std::string letters = "NOSWEnoswe xZ";
+    for (int round = 0; round < 500; ++round) {
+        LevelPack pack;
+        // Names without line ends or blanks at their ends, as the editor makes them.
+        for (int i = any(0, 12); i > 0; --i) pack.name += static_cast<char>(any(33, 255));
+        for (int n = any(1, 30); n > 0; --n) {
+            PackLevel l;
+            for (int i = any(0, 10); i > 0; --i) l.name += static_cast<char>(any(33, 255));
+            l.background = any(-3, 9);
+            l.build = any(-10, 300);
+            l.pieces = any(0, 80);
+            l.line = any(-1, 20);
+            l.need = any(0, 120);
+            l.shots = any(-5, 70);
+            l.interval = any(0, 200);
+            l.directions.clear();
+            for (int i = any(0, 6); i > 0; --i) l.directions += letters[static_cast<size_t>(any(0, 12))];
+            l.waves = any(0, 1);
+            l.prep = any(0, 1);
+            l.newTower = any(0, 1);
+            Clamp(l);
+            pack.levels.push_back(l);
+        }
+        LevelPack back;
+        ASSERT_TRUE(ParsePack(SerialisePack(pack), back));
+        EXPECT_EQ(back.name, pack.name.empty() ? "Levelpack" : pack.name);
+        ASSERT_EQ(back.levels.size(), pack.levels.size());
+        for (size_t i = 0; i < pack.levels.size(); ++i) {
+            const PackLevel &a = pack.levels[i], &b = back.levels[i];
+            EXPECT_EQ(std::tie(a.name, a.background, a.build, a.pieces, a.line, a.need, a.shots, a.interval,
+                               a.directions, a.waves, a.prep, a.newTower),
+                      std::tie(b.name, b.background, b.build, b.pieces, b.line, b.need, b.shots, b.interval,
+                               b.directions, b.waves, b.prep, b.newTower))
+                << "round " << round << " level " << i;
+        }
+    }
+}
+
+TEST_F(PackFormatTest, DefaultLevelsFollowTheRingCampaignWhateverIsActive) {
+    LevelPack active;
+    active.levels.resize(3);
+    active.levels[1].shots = 60;
+    SetActivePack(&active);
+    GetSettings().classic = 1;
+    const PackLevel two = DefaultPackLevel(2);
+    // Both are restored afterwards.
+    EXPECT_EQ(GetSettings().classic, 1);
+    ASSERT_NE(ActivePack(), nullptr);
+    EXPECT_EQ(ActivePack()->levels[1].shots, 60);
+
+    SetActivePack(nullptr);
+    GetSettings().classic = 0;
+    for (int level : {-2, 0, 1, 2, 7, 12}) {
+        const LevelConfig c = ConfigFor(level);
+        const PackLevel l = level == 2 ? two : DefaultPackLevel(level);
+        EXPECT_EQ(l.background, (std::max(level, 1) - 1) % 5 + 1) << level;
+        EXPECT_EQ(l.build, std::clamp(static_cast<int>(c.buildTime + 0.5f), 20, 240)) << level;
+        EXPECT_EQ(l.shots, std::clamp(c.shots, 1, 60)) << level;
+        EXPECT_EQ(l.interval, std::clamp(static_cast<int>(c.interval * 10.0f + 0.5f), 5, 150)) << level;
+        EXPECT_EQ(l.line, std::clamp(c.line, 2, 12)) << level;
+        EXPECT_EQ(l.need, std::clamp(c.need, 10, 100)) << level;
+        EXPECT_EQ(l.pieces, std::clamp(c.pieces, 4, 60)) << level;
+        ASSERT_EQ(l.directions.size(), c.sectors.size()) << level;
+        for (size_t i = 0; i < c.sectors.size(); ++i) EXPECT_EQ(l.directions[i], c.sectors[i].letter);
+        EXPECT_TRUE(l.name.empty());
+        EXPECT_TRUE(l.waves && l.prep && !l.newTower);
+    }
+}
+
+TEST_F(PackFormatTest, FileNamesFromTitles) {
+    EXPECT_EQ(PackFileName("  Burg am  See! "), "Burg_am_See.tpack");
+    EXPECT_EQ(PackFileName("???"), "Levelpack.tpack");
+    EXPECT_EQ(PackFileName(""), "Levelpack.tpack");
+    EXPECT_EQ(PackFileName("Süd-Wall_2"), "Sd-Wall_2.tpack");
+    EXPECT_EQ(PackFileName("abcdefghijklmnopqrstuvwxyzabcd"), "abcdefghijklmnopqrst.tpack");
+    // The limit counts while building, so a blank at the twentieth place is then cut.
+    EXPECT_EQ(PackFileName("abcdefghijklmnopqrs tuv"), "abcdefghijklmnopqrs.tpack");
+    EXPECT_EQ(PackFileName("a/../../b"), "ab.tpack");
+}
+
+TEST_F(PackFormatTest, TextHelpers) {
+    EXPECT_EQ(Trim(" \t\r a b \r\t "), "a b");
+    EXPECT_EQ(Trim(" \t\r"), "");
+    std::string s = "Süd";
+    PopChar(s);
+    PopChar(s);
+    EXPECT_EQ(s, "S");
+    PopChar(s);
+    PopChar(s);
+    EXPECT_EQ(s, "");
+    std::string loose = "\x80\x80"; // continuation bytes alone go as one
+    PopChar(loose);
+    EXPECT_EQ(loose, "");
+}
+
+} // namespace
+} // namespace torvane

@@ -1,0 +1,126 @@
+// Pack files in a folder: listing, loading, bad files left as they are, failing writes.
+#include "game/content/PackFormat.h"
+#include "game/content/PackStorage.h"
+#include "tests/content/ContentTestSupport.h"
+#include "tests/rules/RulesTestSupport.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <random>
+#include <sstream>
+
+namespace torvane {
+namespace {
+
+namespace fs = std::filesystem;
+using testing_support::RulesTest;
+using testing_support::ScratchFolder;
+using PackStorageTest = RulesTest;
+
+void WriteFile(const fs::path& path, const std::string& text) {
+    std::ofstream(path, std::ios::binary) << text;
+}
+
+std::string ReadFile(const fs::path& path) {
+    std::ifstream in(path, std::ios::binary);
+    std::ostringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+std::string PackText(const std::string& name, int levels = 1) {
+    std::string text = "torvane-levelpack 1\nname=" + name + "\n";
+    for (int i = 0; i < levels; ++i) text += "[level]\nshots=3\n";
+    return text;
+}
+
+TEST_F(PackStorageTest, AMissingFolderOrStoreGivesNothing) {
+    const fs::path dir = ScratchFolder("missing") / "nicht_da";
+    EXPECT_TRUE(FolderPackStorage(dir.string()).list().empty());
+    EXPECT_FALSE(fs::exists(dir)); // listing creates nothing
+    EXPECT_TRUE(LoadPacks(PackStorage{}).empty());
+    PackStorage onlyList = FolderPackStorage(dir.string());
+    onlyList.read = nullptr;
+    EXPECT_TRUE(LoadPacks(onlyList).empty());
+}
+
+TEST_F(PackStorageTest, BadFilesAreLeftOutAndLeftAlone) {
+    const fs::path dir = ScratchFolder("bad");
+    std::mt19937 rng(3);
+    std::string noise(65536, '\0');
+    for (char& c : noise) c = static_cast<char>(rng());
+    std::string huge = PackText("Riesig");
+    huge.resize(10 * 1024 * 1024, 'x'); // ten megabytes: the last key is a long line of junk
+    std::string many = PackText("Viele", 0);
+    for (int i = 0; i < 10000; ++i) many += "[level]\nname=\xc3\x28\xff\n";
+    const std::map<std::string, std::string> files = {
+        {"empty.tpack", ""},          {"noise.tpack", noise},          {"x.tpack", "kein Pack\n"},
+        {"huge.tpack", huge},         {"many.tpack", many},            {"upper.TPACK", PackText("Gross")},
+        {"plain.txt", PackText("Text")}, {"good.tpack", PackText("Gut", 3)}};
+    for (const auto& [name, text] : files) WriteFile(dir / name, text);
+    fs::create_directory(dir / "folder.tpack");
+    fs::create_symlink(dir / "gone", dir / "dangling.tpack"); // a file that cannot be read
+    const auto before = fs::last_write_time(dir / "x.tpack");
+
+    const std::vector<LevelPack> packs = LoadPacks(FolderPackStorage(dir.string()));
+    std::vector<std::string> names;
+    for (const LevelPack& p : packs) names.push_back(p.name + "|" + p.file);
+    EXPECT_EQ(names, (std::vector<std::string>{"Gut|good.tpack", "Riesig|huge.tpack", "Viele|many.tpack"}));
+    EXPECT_EQ(packs[0].levels.size(), 3u);
+    EXPECT_EQ(packs[2].levels.size(), 30u);
+    // Reading changes no file.
+    for (const auto& [name, text] : files) EXPECT_EQ(ReadFile(dir / name), text) << name;
+    EXPECT_EQ(fs::last_write_time(dir / "x.tpack"), before);
+    EXPECT_TRUE(fs::is_directory(dir / "folder.tpack"));
+    std::string text;
+    EXPECT_FALSE(FolderPackStorage(dir.string()).read("dangling.tpack", text));
+    EXPECT_FALSE(FolderPackStorage(dir.string()).read("folder.tpack", text));
+    EXPECT_FALSE(FolderPackStorage(dir.string()).write("folder.tpack", PackText("Ueber")));
+}
+
+TEST_F(PackStorageTest, SortedByteWise) {
+    const fs::path dir = ScratchFolder("sorted");
+    WriteFile(dir / "1.tpack", PackText("alpha"));
+    WriteFile(dir / "2.tpack", PackText("\xc3\x84pfel")); // Äpfel
+    WriteFile(dir / "3.tpack", PackText("Alpha"));
+    WriteFile(dir / "4.tpack", PackText("Zeta"));
+    std::vector<std::string> names;
+    for (const LevelPack& p : LoadPacks(FolderPackStorage(dir.string()))) names.push_back(p.name);
+    EXPECT_EQ(names, (std::vector<std::string>{"Alpha", "Zeta", "alpha", "\xc3\x84pfel"}));
+}
+
+TEST_F(PackStorageTest, WritingCreatesTheFolderAndReportsFailure) {
+    const fs::path dir = ScratchFolder("write");
+    const PackStorage store = FolderPackStorage((dir / "a" / "levelpacks").string());
+    ASSERT_TRUE(store.write("p.tpack", PackText("P")));
+    std::string back;
+    ASSERT_TRUE(store.read("p.tpack", back));
+    EXPECT_EQ(back, PackText("P"));
+    EXPECT_TRUE(store.write("p.tpack", "kurz"));
+    EXPECT_EQ(ReadFile(dir / "a" / "levelpacks" / "p.tpack"), "kurz"); // truncated, not appended
+    // A folder that cannot be made (its parent is a file) fails the write, also for root.
+    WriteFile(dir / "datei", "");
+    EXPECT_FALSE(FolderPackStorage((dir / "datei" / "levelpacks").string()).write("p.tpack", "x"));
+}
+
+TEST_F(PackStorageTest, BackgroundOfALevel) {
+    EXPECT_EQ(BackgroundIndex(6), 0);
+    EXPECT_EQ(BackgroundIndex(0), 4);
+    EXPECT_EQ(BackgroundIndex(-1), 3);
+    LevelPack pack;
+    pack.levels.resize(2);
+    pack.levels[0].background = 3;
+    SetActivePack(&pack);
+    EXPECT_EQ(BackgroundIndex(1), 2);
+    EXPECT_EQ(BackgroundIndex(2), 0);
+    EXPECT_EQ(BackgroundIndex(3), 2); // beyond the pack: the landscapes in turn
+    EXPECT_EQ(PackLevelName(0), "");
+    EXPECT_EQ(PackLevelName(3), "");
+    LevelPack empty;
+    SetActivePack(&empty);
+    EXPECT_EQ(ActivePack(), nullptr);
+}
+
+} // namespace
+} // namespace torvane

@@ -1,0 +1,252 @@
+// The settings file and the high-score file: their exact formats, the data folder's
+// search, and the damaged and unwritable cases, which must cost nothing but that file.
+#include "game/content/Highscores.h"
+#include "game/content/Preferences.h"
+#include "game/rules/Lang.h"
+#include "game/rules/Level.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <random>
+#include <unistd.h>
+
+namespace torvane {
+namespace {
+
+namespace fs = std::filesystem;
+using highscores::Entry;
+
+// A private XDG_DATA_HOME; the environment and the settings come back afterwards.
+class DataFolderTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        saved = GetSettings();
+        language = CurrentLanguage();
+        for (const char* name : {"XDG_DATA_HOME", "HOME"})
+            if (const char* v = std::getenv(name)) env[name] = v;
+        base = fs::path(TORVANE_BINARY_DIR) / ("content_tests_" + std::to_string(getpid()));
+        fs::remove_all(base);
+        fs::create_directories(base);
+        setenv("XDG_DATA_HOME", base.c_str(), 1);
+        folder = base / "Torvane";
+    }
+    void TearDown() override {
+        fs::remove_all(base);
+        for (const char* name : {"XDG_DATA_HOME", "HOME"}) {
+            if (env.count(name)) {
+                setenv(name, env[name].c_str(), 1);
+            } else {
+                unsetenv(name);
+            }
+        }
+        GetSettings() = saved;
+        SetLanguage(language);
+    }
+    void Write(const std::string& name, const std::string& text) {
+        fs::create_directories(folder);
+        std::ofstream(folder / name, std::ios::binary) << text;
+    }
+    std::string Read(const std::string& name) {
+        std::string text;
+        preferences::ReadFile((folder / name).string(), text);
+        return text;
+    }
+
+    Settings saved;
+    Language language = Language::English;
+    std::map<std::string, std::string> env;
+    fs::path base, folder;
+};
+using PreferencesTest = DataFolderTest;
+using HighscoresTest = DataFolderTest;
+
+TEST_F(PreferencesTest, DirectoryFollowsXdgThenHomeAndIsMade) {
+    EXPECT_EQ(preferences::Directory(), folder.string());
+    EXPECT_TRUE(fs::is_directory(folder));
+    // An empty XDG_DATA_HOME goes by HOME.
+    setenv("XDG_DATA_HOME", "", 1);
+    setenv("HOME", base.c_str(), 1);
+    EXPECT_EQ(preferences::Directory(), (base / ".local" / "share" / "Torvane").string());
+    // Neither: no folder, nothing read, nothing written.
+    unsetenv("XDG_DATA_HOME");
+    unsetenv("HOME");
+    EXPECT_EQ(preferences::Directory(), "");
+    GetSettings().difficulty = 2;
+    preferences::Load();
+    EXPECT_EQ(GetSettings().difficulty, 2);
+    EXPECT_FALSE(preferences::Save());
+    EXPECT_TRUE(highscores::Path().empty());
+    EXPECT_TRUE(highscores::Load().empty());
+    EXPECT_FALSE(highscores::Save({{"A", 1, 1, 0}}));
+    // A file where the folder should be: it can't be made.
+    setenv("XDG_DATA_HOME", base.c_str(), 1);
+    fs::remove_all(folder);
+    std::ofstream(folder) << "x";
+    EXPECT_EQ(preferences::Directory(), "");
+    EXPECT_FALSE(preferences::Save());
+}
+
+TEST_F(PreferencesTest, WritesTheExampleFileAndReadsItBack) {
+    Settings& s = GetSettings();
+    s.auto_rotate = true;
+    s.piece_choice = true;
+    s.difficulty = 1;
+    s.repair_mode = 1;
+    s.music = true;
+    s.sprites = 0;
+    s.level_pack = "burg.tpack";
+    SetLanguage(Language::English);
+    const std::string example = "settings_version=2\nauto_rotate=1\npiece_choice=1\ndifficulty=medium\n"
+                                "repair_mode=auto\nmusic=1\nsprites=auto\nlanguage=en\nlevel_pack=burg.tpack\n";
+    EXPECT_EQ(preferences::Serialise(), example);
+    ASSERT_TRUE(preferences::Save());
+    EXPECT_EQ(Read("settings.txt"), example);
+
+    GetSettings() = Settings{};
+    SetLanguage(Language::German);
+    preferences::Apply("difficulty=hard\nrepair_mode=free\npiece_choice=0\nsprites=off\nlanguage=de\nmusic=0");
+    const std::string other = preferences::Serialise();
+    preferences::Apply(other);
+    EXPECT_EQ(preferences::Serialise(), other);
+    preferences::Load();
+    EXPECT_EQ(preferences::Serialise(), example);
+}
+
+TEST_F(PreferencesTest, ValuesReadByTheirOwnRules) {
+    Settings& s = GetSettings();
+    // Without the marker auto_rotate is not taken; with it anywhere, also later, it is.
+    preferences::Apply("auto_rotate=0\n");
+    EXPECT_TRUE(s.auto_rotate);
+    preferences::Apply("auto_rotate=0\r\nsprites=on\r\nsettings_version=2\r\n");
+    EXPECT_FALSE(s.auto_rotate);
+    EXPECT_EQ(s.sprites, 1);
+    for (const auto& [value, on] : std::vector<std::pair<std::string, bool>>{
+             {"true", true}, {"1", true}, {"TRUE", false}, {"yes", false}, {"1 ", false}}) {
+        preferences::Apply("settings_version=2\nauto_rotate=" + value);
+        EXPECT_EQ(s.auto_rotate, on) << value;
+    }
+    // Not understood: the format's meaning, not the default. Keys match exactly.
+    s.difficulty = 3;
+    preferences::Apply("difficulty=Hard\n difficulty=hard\nrepair_mode=AUTO\nlevel_pack=a=b\nlanguage=xx");
+    EXPECT_EQ(s.difficulty, 0);
+    EXPECT_EQ(s.repair_mode, 0);
+    EXPECT_EQ(s.level_pack, "a=b");
+    EXPECT_EQ(CurrentLanguage(), Language::German);
+    // Twice: the last wins; lines without "=" are skipped.
+    preferences::Apply("difficulty=hard\ngarbage\ndifficulty=torvane");
+    EXPECT_EQ(s.difficulty, 3);
+}
+
+TEST_F(PreferencesTest, DamagedFilesLeaveWhatCanBeRead) {
+    // Random bytes, then a line of 10 MB, then a good line: only the good line counts.
+    std::mt19937 rng(5);
+    std::string noise(4096, '\0');
+    for (char& c : noise) c = char(rng() % 256);
+    Write("settings.txt", noise + "\n" + std::string(10 << 20, 'x') + "=y\ndifficulty=hard\n");
+    GetSettings() = Settings{};
+    preferences::Load();
+    EXPECT_EQ(GetSettings().difficulty, 2);
+    EXPECT_TRUE(GetSettings().auto_rotate);
+
+    // A folder in the file's place: defaults, and saving fails without harm.
+    fs::remove(folder / "settings.txt");
+    fs::create_directories(folder / "settings.txt");
+    GetSettings() = Settings{};
+    preferences::Load();
+    EXPECT_EQ(GetSettings().difficulty, 0);
+    EXPECT_FALSE(preferences::Save());
+    EXPECT_TRUE(fs::is_directory(folder / "settings.txt"));
+}
+
+TEST_F(PreferencesTest, FailedWritesCostOnlyTheirFile) {
+    // Files on a full disk: each save fails alone, and the other file is still written.
+    fs::create_directories(folder);
+    fs::create_symlink("/dev/full", folder / "settings.txt");
+    EXPECT_FALSE(preferences::Save());
+    EXPECT_TRUE(highscores::Save({{"A", 1, 1, 0}}));
+    EXPECT_EQ(highscores::Load().size(), 1u);
+    fs::remove(folder / "settings.txt");
+    fs::remove(folder / "highscores.txt");
+    fs::create_symlink("/dev/full", folder / "highscores.txt");
+    ASSERT_FALSE(fs::exists(folder / "settings.txt"));
+    EXPECT_FALSE(highscores::Save({{"A", 1, 1, 0}}));
+    EXPECT_TRUE(preferences::Save());
+    // A data folder that can't be made, where even root can't write.
+    setenv("XDG_DATA_HOME", "/proc/no-such-folder", 1);
+    EXPECT_EQ(preferences::Directory(), "");
+    EXPECT_FALSE(preferences::Save());
+}
+
+TEST_F(HighscoresTest, FileFormatAsWritten) {
+    const std::vector<Entry> list = {{"Anna", 18450, 7, 1730000000}, {"Jo", 9200, 3, 1729990000}};
+    const std::string text = "18450\t7\t1730000000\tAnna\n9200\t3\t1729990000\tJo\n";
+    EXPECT_EQ(highscores::Serialise(list), text);
+    ASSERT_TRUE(highscores::Save(list));
+    EXPECT_EQ(Read("highscores.txt"), text);
+    const std::vector<Entry> back = highscores::Load();
+    ASSERT_EQ(back.size(), 2u);
+    EXPECT_EQ(back[1].name, "Jo");
+    EXPECT_EQ(back[0].time, 1730000000);
+    // CRLF gives the same list; a tab or line feed in a name becomes a blank.
+    EXPECT_EQ(highscores::Serialise(highscores::Parse("18450\t7\t1730000000\tAnna\r\n9200\t3\t1729990000\tJo\r\n")),
+              text);
+    EXPECT_EQ(highscores::Parse(highscores::Serialise({{"a\tb\nc", 5, 1, 0}}))[0].name, "a b c");
+    EXPECT_EQ(highscores::Serialise({}), "");
+}
+
+TEST_F(HighscoresTest, ParseSkipsBadLinesAndKeepsTheTenBest) {
+    const auto list = highscores::Parse("12x\t3\t0\tAnna\n12\t3\t0\t\n\t1\t1\tX\n5\t1\t1\n"
+                                        " +7\t2\t0\tB\tC\n-3\t1\t0\tneg\n4294967306\t1\t0\twide\n");
+    ASSERT_EQ(list.size(), 4u);
+    EXPECT_EQ(list[0].name, "");
+    EXPECT_EQ(list[0].score, 12);
+    EXPECT_EQ(list[1].name, "wide"); // low 32 bits: 10
+    EXPECT_EQ(list[2].name, "B\tC");
+    EXPECT_EQ(list[3].score, -3);
+
+    std::string twelve;
+    for (int s : {30, 110, 20, 90, 120, 40, 100, 10, 80, 60, 70, 50}) twelve += std::to_string(s) + "\t1\t0\tx\n";
+    const auto best = highscores::Parse(twelve);
+    ASSERT_EQ(best.size(), 10u);
+    for (size_t i = 0; i < best.size(); ++i) EXPECT_EQ(best[i].score, 120 - 10 * int(i));
+    // Equal scores keep the order of the file.
+    const auto equal = highscores::Parse("5\t1\t0\tfirst\n9\t1\t0\ttop\n5\t1\t0\tsecond\n");
+    EXPECT_EQ(equal[1].name, "first");
+    EXPECT_EQ(equal[2].name, "second");
+
+    // Random bytes and a folder in the file's place are an empty list, never a crash.
+    std::mt19937 rng(9);
+    std::string noise(1 << 16, '\0');
+    for (char& c : noise) c = char(rng() % 256);
+    EXPECT_LE(highscores::Parse(noise).size(), 10u);
+    fs::create_directories(folder / "highscores.txt");
+    EXPECT_TRUE(highscores::Load().empty());
+    EXPECT_FALSE(highscores::Save({{"A", 1, 1, 0}}));
+}
+
+TEST_F(HighscoresTest, QualifyAndInsertKeepOlderAhead) {
+    std::vector<Entry> list;
+    EXPECT_EQ(highscores::Insert(list, {"a", 50, 1, 0}), 0);
+    list = {{"", 500, 1, 0}, {"", 300, 1, 0}, {"", 300, 1, 0}, {"", 100, 1, 0}};
+    EXPECT_EQ(highscores::Insert(list, {"new", 300, 1, 0}), 3);
+    EXPECT_EQ(list[3].name, "new");
+
+    std::vector<Entry> full;
+    for (int i = 0; i < 10; ++i) full.push_back({std::to_string(i), 1000 - 100 * i, 1, 0});
+    ASSERT_EQ(full[9].score, 100);
+    EXPECT_TRUE(highscores::Qualifies(list, 0));
+    EXPECT_FALSE(highscores::Qualifies(full, 100));
+    EXPECT_TRUE(highscores::Qualifies(full, 101));
+    const auto before = highscores::Serialise(full);
+    EXPECT_EQ(highscores::Insert(full, {"late", 100, 1, 0}), -1);
+    EXPECT_EQ(highscores::Serialise(full), before);
+    EXPECT_EQ(highscores::Insert(full, {"top", 2000, 1, 0}), 0);
+    EXPECT_EQ(full.size(), 10u);
+    EXPECT_EQ(full[9].score, 200);
+}
+
+} // namespace
+} // namespace torvane

@@ -1,0 +1,44 @@
+# Shared by the install and package scripts: checks an installed tree below PREFIX, the layout
+# that a `cmake --install` gives and that the .deb holds below /usr.
+# Usage: check_layout PREFIX SOURCE, SOURCE the source tree (after sourcing xvfb.bash, for fail).
+
+# $1: a path that must be a relative symbolic link to $2 (a path below the same prefix).
+check_link() {
+    local target
+    target=$(readlink "$1") || fail "$1 is no symbolic link"
+    [ "${target#/}" = "$target" ] || fail "$1 points to the absolute path $target"
+    [ "$(readlink -f "$1")" = "$(readlink -f "$2")" ] || fail "$1 points to $target, not to $2"
+}
+
+check_layout() {
+    local prefix=$1 program
+    for program in torvane torvane-sim; do
+        [ -x "$prefix/lib/games/torvane/$program" ] && [ ! -L "$prefix/lib/games/torvane/$program" ] \
+            || fail "no program $program in lib/games/torvane"
+        check_link "$prefix/games/$program" "$prefix/lib/games/torvane/$program"
+    done
+    # The programs look for "assets" beside their real path.
+    check_link "$prefix/lib/games/torvane/assets" "$prefix/share/games/torvane"
+    [ -f "$prefix/share/games/torvane/logo/logo.jpg" ] || fail "no logo in the asset tree"
+    [ -d "$prefix/share/games/torvane/torvane/music" ] || fail "no music in the asset tree"
+
+    local app="$prefix/share/applications/org.torvane.torvane.desktop"
+    local meta="$prefix/share/metainfo/org.torvane.torvane.metainfo.xml"
+    desktop-file-validate "$app" || fail "desktop entry"
+    grep -qx 'Exec=torvane' "$app" || fail "desktop entry starts something else"
+    appstreamcli validate --no-net "$meta" >/dev/null || fail "$(appstreamcli validate --no-net "$meta")"
+    local page warnings
+    for page in torvane torvane-sim; do
+        [ -f "$prefix/share/man/man6/$page.6.gz" ] || fail "no manual page $page.6.gz"
+        warnings=$(man --warnings -l "$prefix/share/man/man6/$page.6.gz" 2>&1 >/dev/null)
+        [ -z "$warnings" ] || fail "manual page $page: $warnings"
+    done
+    # Each icon that the asset tree holds is in the theme under the program's name.
+    local source=$2 size
+    for size in 256 128 64 48 32; do
+        if [ -f "$source/assets/torvane/icon/torvane-$size.png" ]; then
+            cmp -s "$source/assets/torvane/icon/torvane-$size.png" \
+                "$prefix/share/icons/hicolor/${size}x$size/apps/torvane.png" || fail "icon $size"
+        fi
+    done
+}

@@ -1,0 +1,205 @@
+#!/usr/bin/env bash
+# "Der Vorabend" played through its whole solution by scripted mouse and keys: half of it,
+# saved to a slot and quit; then a new start that loads the slot and plays to the end.
+# Broken save files and an unwritable data folder are reported in the menu, never fatal.
+set -euo pipefail
+BUILD=$1
+HERE=$(cd "$(dirname "$0")" && pwd)
+source "$HERE/lib/xvfb.bash"
+start_xvfb_in_workdir
+export XDG_DATA_HOME="$WORK/data"
+SAVES="$XDG_DATA_HOME/Vorabend/saves"
+
+# Every picture decodes and has the adventure's size.
+check_png() {
+    local summary
+    summary=$(python3 "$HERE/lib/png_pixels.py" "$1") || fail "$1 does not decode"
+    case "$summary" in
+      "384 240 distinct=1 "*) fail "$1 is blank" ;;
+      "384 240 "*) ;;
+      *) fail "$1: unexpected picture $summary" ;;
+    esac
+}
+
+play() {
+    local name=$1
+    shift
+    local rc=0
+    "$BUILD/vorabend" "$@" --play="$name.txt" 2>"$name.err" || rc=$?
+    cat "$name.err" >&2
+    [ "$rc" -eq 0 ] || fail "$name: exit status $rc"
+}
+
+
+# The first half: the bread, the dialogue, the key for the bread, the smithy, the oily rag.
+cat > first.txt <<EOF
+wait 0.2
+shot title.png
+key SPACE
+idle
+expect scene hof
+shot hof.png
+verb Nimm
+hotspot brot
+idle
+expect item brot
+point 380 165
+idle
+verb Oeffne
+hotspot tuer
+idle
+expect flag tuer_probiert 1
+expect scene hof
+actor hella right
+idle
+wait 0.2
+# The question about the door shows only once the door has been tried.
+expect option Warum ist die Turmtür verschlossen?
+shot dialogue.png
+option Wer bist du?
+idle
+expect nooption Wer bist du?
+option Warum
+idle
+expect nooption Warum
+option Gib mir
+idle
+expect option Gib mir
+option Bis
+idle
+verb Gib
+item brot
+hover actor hella
+wait 0.2
+expect sentence Gib Brot an Hella
+actor hella
+idle
+expect item schluessel
+expect noitem brot
+expect flag schluessel_erhalten 1
+point 300 165
+idle
+point 130 165
+idle
+hotspot tor right
+idle
+expect scene werkstatt
+shot smithy.png
+verb Nimm
+hotspot lappen
+idle
+verb Nimm
+hotspot feuerstahl
+idle
+verb Benutze
+item lappen
+hover hotspot oelfass
+wait 0.2
+expect sentence Benutze Lappen mit Ölfass
+shot sentence.png
+hotspot oelfass
+idle
+expect item oellappen
+expect noitem lappen
+key F5
+menu Spiel speichern
+wait 0.2
+shot savepage.png
+menu 3.
+wait 0.2
+expect message In Feld 3 gespeichert
+menu Zurueck
+menu Spiel beenden
+menu Ja
+EOF
+play first
+for f in title hof dialogue smithy sentence savepage; do check_png "$f.png"; done
+[ -f "$SAVES/slot2.sav" ] || fail "no save in slot 3"
+grep -qx "scene werkstatt" "$SAVES/slot2.sav" || fail "the save is not of the smithy"
+grep -qx "label Schmiede" "$SAVES/slot2.sav" || fail "the save has no label"
+
+# Broken files in slots 1 and 2: random bytes, another magic. Both read as empty, and
+# loading them changes nothing.
+head -c 3000 /dev/urandom > "$SAVES/slot0.sav"
+printf "other-save 1\nscene zinne\n" > "$SAVES/slot1.sav"
+
+# The second half, after a new start: the load, the door, the beacon, the end.
+cat > second.txt <<EOF
+expect scene hof
+key F5
+menu Spiel laden
+wait 0.2
+menu 1.  - leer -
+wait 0.2
+expect toast Laden fehlgeschlagen
+expect scene hof
+key F5
+menu Spiel laden
+menu 2.  - leer -
+wait 0.2
+expect toast Laden fehlgeschlagen
+expect scene hof
+expect noitem schluessel
+key F5
+menu Spiel laden
+menu 3. Schmiede
+wait 0.2
+expect toast Spielstand geladen
+expect scene werkstatt
+expect item oellappen
+expect item schluessel
+expect flag schluessel_erhalten 1
+idle
+hotspot tuer right
+idle
+expect scene hof
+point 300 165
+idle
+point 440 165
+idle
+verb Benutze
+item schluessel
+hotspot tuer
+idle
+expect flag tuer_offen 1
+hotspot tuer_offen right
+idle
+expect scene zinne
+shot battlement.png
+verb Benutze
+item feuerstahl
+hotspot leuchtfeuer
+idle
+expect state 1
+verb Benutze
+item oellappen
+hotspot leuchtfeuer
+idle
+expect flag lappen_drin 1
+verb Benutze
+item feuerstahl
+hotspot leuchtfeuer
+idle
+expect state 2
+shot end.png
+key ESCAPE
+EOF
+play second --skip-intro
+for f in battlement end; do check_png "$f.png"; done
+head -c 20 "$SAVES/slot1.sav" | grep -q "^other-save" || fail "a broken slot was overwritten"
+
+# A data folder that cannot be made: saving fails with a message and the game goes on.
+: > "$WORK/afile"
+cat > nosave.txt <<EOF
+key F5
+menu Spiel speichern
+menu 1.
+wait 0.2
+expect message Speichern fehlgeschlagen
+menu Zurueck
+menu Spiel fortsetzen
+wait 0.2
+expect scene hof
+EOF
+XDG_DATA_HOME="$WORK/afile" play nosave --skip-intro
+echo OK

@@ -1,0 +1,194 @@
+// The card toolkit and the strips around the stage: measuring and drawing agree, the
+// panel's placement, the buttons a frame registers, the HUD's end button, the banner's
+// fade, the sentence of parts and the help bar's hints.
+#include "engine/Canvas.h"
+#include "tests/screens/ScreensFixture.h"
+
+namespace torvane::testing_support {
+namespace {
+
+using CardTest = ScreensTest;
+
+// Top of the panel: the first row of the chestnut stripe in the card's middle column.
+int PanelTop(const pge::Sprite& s) {
+    for (int y = 0; y < 400; ++y)
+        if (s.GetPixel(320, y) == kChestnut) return y;
+    return -1;
+}
+
+TEST_F(CardTest, MeasuredAndDrawnHeightsAgreeAndThePanelIsPlaced) {
+    Start({"--level=1"});
+    // A long paragraph in both passes, an empty one, a row and a button.
+    std::vector<int> starts, ends;
+    int emptyPara = 0;
+    auto content = [&](TorvaneApp::Card& c) {
+        starts.push_back(c.y);
+        c.Title("Title", kChestnut);
+        c.Para(std::string(40, 'x') + " " + std::string(300, ' ') + "wrapped words go on and on and on");
+        const int before = c.y;
+        c.Para("");
+        emptyPara = c.y - before;
+        c.Row("a", "b", kFg);
+        c.Button("Go", ButtonId::Resume);
+        ends.push_back(c.y);
+    };
+    app.Clear(kBg);
+    app.buttons.clear();
+    app.DrawCard(content, 300, 0);
+    ASSERT_EQ(starts.size(), 2u);
+    EXPECT_EQ(ends[0] - starts[0], ends[1] - starts[1]);
+    EXPECT_EQ(emptyPara, 3);
+    const int height = ends[0] - 0 + 14; // from the measuring pass's top 0
+    ASSERT_LT(height, 360);
+    EXPECT_EQ(PanelTop(Screen()), (368 - height) / 2 + 18);
+    EXPECT_EQ(starts[1], PanelTop(Screen()) + 14);
+    // Registered once, by the drawing pass, where it was drawn.
+    ASSERT_EQ(app.buttons.size(), 1u);
+    EXPECT_EQ(app.buttons[0].x, (640 - 300) / 2 + 14);
+    EXPECT_EQ(app.buttons[0].y + 18, ends[1]);
+
+    // From 360 on: cut, at top 22, the content from 36.
+    starts.clear();
+    app.DrawCard([&](TorvaneApp::Card& c) { starts.push_back(c.y), c.y += 400; }, 200, 0);
+    EXPECT_EQ(starts[1], 36);
+    app.Clear(kBg);
+    app.DrawCard([&](TorvaneApp::Card& c) { c.y += 400; }, 200, 0);
+    EXPECT_EQ(PanelTop(Screen()), 22);
+    EXPECT_EQ(Screen().GetPixel(320, 22 + 359), kPanel);
+    EXPECT_NE(Screen().GetPixel(320, 22 + 360), kPanel);
+
+    // A least height above the content: the content starts at the panel's top.
+    starts.clear();
+    app.Clear(kBg);
+    app.DrawCard([&](TorvaneApp::Card& c) { starts.push_back(c.y); }, 200, 336);
+    EXPECT_EQ(PanelTop(Screen()), (368 - 336) / 2 + 18);
+    EXPECT_EQ(starts[1], PanelTop(Screen()) + 14);
+}
+
+TEST_F(CardTest, AClickReadsTheButtonsOfTheFrameBefore) {
+    Start({});
+    ASSERT_EQ(app.game.phase, Phase::Title);
+    ASSERT_EQ(app.titlePage, 0); // no title picture: the page card
+    // The card's start button lies at a place known only from drawing it.
+    Frame();
+    Button start{};
+    for (const Button& b : app.buttons)
+        if (b.id == ButtonId::NewGame) start = b;
+    ASSERT_GT(start.w, 0);
+    // In a frame whose list is empty nothing is hit, though the button is drawn then.
+    app.buttons.clear();
+    run->MoveMouse(start.x + 2, start.y + 2);
+    run->SetMouseButton(0, true);
+    Frame();
+    EXPECT_EQ(app.game.phase, Phase::Title);
+    run->SetMouseButton(0, false);
+    Frame();
+    Click(start.x + 2, start.y + 2);
+    EXPECT_EQ(app.game.phase, Phase::Build);
+    // The tabs are buttons in drawing order, after the page number that was the card's.
+    app.game.phase = Phase::Title;
+    Frame();
+    std::vector<int> tabs;
+    for (const Button& b : app.buttons)
+        if (b.id == ButtonId::TitlePage) tabs.push_back(b.arg);
+    EXPECT_EQ(tabs, (std::vector<int>{0, 1, 2, 3}));
+}
+
+TEST_F(CardTest, HudEndButtonOnlyInTheBuildAndOnlyWithRoom) {
+    Start({"--level=1"});
+    Frame();
+    EXPECT_TRUE(HasButton(ButtonId::EndBuild));
+    app.paused = true;
+    Frame();
+    EXPECT_FALSE(HasButton(ButtonId::EndBuild));
+    app.paused = false;
+
+    // German, several towers and a long score: the fields need the room, the button goes.
+    GetSettings().classic = 1;
+    SetLanguage(Language::German);
+    app.game.StartLevel(7);
+    app.game.phase = Phase::Build;
+    app.game.score = 2000000000;
+    Frame();
+    ASSERT_GT(app.game.towers.size(), 1u);
+    EXPECT_FALSE(HasButton(ButtonId::EndBuild));
+    // ENTER still ends the build.
+    ASSERT_TRUE(Tap(pge::ENTER));
+    EXPECT_EQ(app.game.phase, Phase::Inspect);
+}
+
+TEST_F(CardTest, BannerFadesOverItsLastTenthsOfASecond) {
+    Start({"--level=1"});
+    app.bannerText = "";
+    const pge::Pixel back{8, 10, 14};
+    for (const auto& [left, alpha] : std::vector<std::pair<float, int>>{{2.0f, 170}, {0.2f, 85}, {0.1f, 42}}) {
+        app.Clear(kBg);
+        app.bannerUntil = app.game.clock + left;
+        app.DrawBanner();
+        pge::Sprite expect(1, 1);
+        expect.SetPixel(0, 0, kBg);
+        adv::canvas::Blend(&expect, 0, 0, pge::Pixel(back.r, back.g, back.b, uint8_t(alpha)));
+        EXPECT_EQ(Screen().GetPixel(5, 200), expect.GetPixel(0, 0)) << left;
+        EXPECT_EQ(Screen().GetPixel(5, 179), kBg);
+    }
+}
+
+TEST(PartList, ByDirectionByTowerOrNothing) {
+    SetLanguage(Language::German);
+    RoundStats stats;
+    LevelConfig config;
+    EXPECT_EQ(TorvaneApp::PartList(stats, config), "");
+    stats.towerPct = {80};
+    EXPECT_EQ(TorvaneApp::PartList(stats, config), "");
+    stats.towerPct = {80, 45};
+    EXPECT_EQ(TorvaneApp::PartList(stats, config), " Stand je Turm: 80 %, 45 %.");
+    // Directions win; only as many as the level has sectors.
+    config.sectors.resize(2);
+    config.sectors[0].label = "Norden";
+    config.sectors[1].label = "Osten";
+    stats.sectorPct = {60, 30, 99};
+    EXPECT_EQ(TorvaneApp::PartList(stats, config), " Stand je Richtung: Norden 60 %, Osten 30 %.");
+    SetLanguage(Language::English);
+    EXPECT_EQ(TorvaneApp::PartList(stats, config), " By direction: North 60 %, East 30 %.");
+}
+
+TEST_F(CardTest, HelpBarFollowsThePhaseAndCountsTheUndoDown) {
+    SetLanguage(Language::German);
+    GetSettings().piece_choice = true;
+    Start({"--level=1"});
+    using Pairs = std::vector<std::pair<std::string, std::string>>;
+    auto keys = [this] {
+        std::vector<std::string> out;
+        for (const auto& p : app.HelpPairs()) out.push_back(p.first);
+        return out;
+    };
+    EXPECT_EQ(keys(), (std::vector<std::string>{"← →", "↓", "Space", "Tab", "Enter"}));
+    ASSERT_TRUE(Tap(pge::DOWN));
+    // Five seconds to take it back, counted in whole seconds, as the third hint.
+    ASSERT_GE(app.HelpPairs().size(), 3u);
+    EXPECT_EQ(app.HelpPairs()[2], (std::pair<std::string, std::string>{"↑", "zurücklegen (5 s)"}));
+    app.game.clock += 3.5f;
+    EXPECT_EQ(app.HelpPairs()[2].second, "zurücklegen (2 s)");
+    app.game.clock += 1.6f;
+    EXPECT_EQ(keys(), (std::vector<std::string>{"← →", "↓", "Space", "Tab", "Enter"}));
+
+    app.paused = true;
+    EXPECT_EQ(app.HelpPairs(), (Pairs{{"Esc", "weiter"}, {"Q", "zurück zum Titel"}}));
+    app.paused = false;
+    // The automatic repair on a ring: the turn by hand only with auto_rotate off.
+    app.game.phase = Phase::Attack;
+    GetSettings().difficulty = 0;
+    GetSettings().repair_mode = 1;
+    GetSettings().auto_rotate = true;
+    EXPECT_EQ(keys(), (std::vector<std::string>{"↑", "↓ Space Enter", "Tab"}));
+    GetSettings().auto_rotate = false;
+    EXPECT_EQ(app.HelpPairs()[0], (std::pair<std::string, std::string>{"← →", "Turm drehen"}));
+    // The cards show their own buttons: no hints, only the level's name.
+    for (Phase p : {Phase::Inspect, Phase::Announce, Phase::Eval, Phase::Over}) {
+        app.game.phase = p;
+        EXPECT_TRUE(app.HelpPairs().empty()) << int(p);
+    }
+}
+
+} // namespace
+} // namespace torvane::testing_support

@@ -1,0 +1,93 @@
+#pragma once
+// A headless application with its own data folder and an empty asset tree, so that
+// what the screens show depends on nothing outside the test.
+#include "engine/Assets.h"
+#include "engine/Mixer.h"
+#include "game/rules/Lang.h"
+#include "game/rules/Level.h"
+#include "game/TorvaneApp.h"
+#include "pge/Headless.h"
+#include "tests/app/DataFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <unistd.h>
+
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace torvane::testing_support {
+
+class ScreensTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        saved = GetSettings();
+        language = CurrentLanguage();
+        dataFolder = FreshDataFolder();
+        adv::mixer::UseOffline(44100);
+        assets = std::string(TORVANE_BINARY_DIR) + "/screens_tests_assets_" + std::to_string(getpid());
+        std::filesystem::remove_all(assets);
+        std::filesystem::create_directories(assets + "/bin");
+        std::filesystem::create_directories(assets + "/Resources/assets/torvane");
+        adv::Assets::Init(assets + "/bin/torvane");
+    }
+    void TearDown() override {
+        run.reset();
+        adv::mixer::UseOffline(0);
+        adv::Assets::Clear();
+        std::filesystem::remove_all(assets);
+        GetSettings() = saved;
+        SetLanguage(language);
+    }
+
+    void Start(std::vector<const char*> args) {
+        args.insert(args.begin(), {"torvane", "--seed=5", "--skip-intro"});
+        ApplyRunOptions(app, int(args.size()), args.data());
+        run = std::make_unique<pge::Headless>(app);
+        ASSERT_TRUE(run->Create());
+    }
+    bool Frame(float dt = 0.033f) { return run->Frame(dt); }
+    // Down for one frame, up for the next.
+    bool Tap(pge::Key key) {
+        run->SetKey(key, true);
+        const bool alive = Frame();
+        run->SetKey(key, false);
+        return Frame() && alive;
+    }
+    // A left click at (x, y), with the button up again in the next frame.
+    void Click(int x, int y) {
+        run->MoveMouse(x, y);
+        run->SetMouseButton(0, true);
+        Frame();
+        run->SetMouseButton(0, false);
+        Frame();
+    }
+    bool HasButton(ButtonId id) const {
+        for (const Button& b : app.buttons)
+            if (b.id == id) return true;
+        return false;
+    }
+    // The screens as the frame draws them, over a plain background in place of the
+    // stage, so that their pictures change only when the screens do.
+    void Compose() {
+        app.buttons.clear();
+        app.Clear(kBg);
+        if (app.clock < app.messageUntil)
+            app.view.DrawMessage(app, app.message, std::min((app.messageUntil - app.clock) / 0.3f, 1.0f));
+        if (app.game.phase == Phase::Attack && app.bannerUntil > app.game.clock) app.DrawBanner();
+        app.DrawHud();
+        app.DrawHelp();
+        app.DrawOverlay();
+    }
+    pge::Sprite& Screen() { return *app.GetDrawTarget(); }
+
+    Settings saved;
+    Language language = Language::English;
+    std::string dataFolder, assets;
+    TorvaneApp app;
+    std::unique_ptr<pge::Headless> run;
+};
+
+} // namespace torvane::testing_support

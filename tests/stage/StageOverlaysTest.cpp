@@ -1,0 +1,422 @@
+// What the stage tells the player over the towers: the runner, the carousel, the edge
+// arrows, the labels' blinking and countdowns, and the effects of the rules' events,
+// which never change the game.
+#include "engine/Text.h"
+#include "game/rules/FrameSteps.h"
+#include "game/rules/StateHash.h"
+#include "game/stage/Carousel.h"
+#include "tests/stage/StageTestSupport.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+namespace torvane {
+namespace {
+
+using namespace testing_support;
+
+TEST(CarouselTest, ShowsAShortListOnceAndAtMostFive) {
+    const std::vector<std::vector<int>> expected = {{0}, {0, 1}, {-1, 0, 1}, {-1, 0, 1, 2}, {-2, -1, 0, 1, 2}};
+    for (int n = 1; n <= 5; ++n) EXPECT_EQ(CarouselOffsets(n, false), expected[static_cast<size_t>(n - 1)]) << n;
+    EXPECT_EQ(CarouselOffsets(9, false), expected[4]);
+    // Limited: the piece in hand and the next one only.
+    EXPECT_EQ(CarouselOffsets(1, true), (std::vector<int>{0}));
+    EXPECT_EQ(CarouselOffsets(2, true), (std::vector<int>{0, 1}));
+    EXPECT_EQ(CarouselOffsets(6, true), (std::vector<int>{0, 1}));
+    EXPECT_TRUE(CarouselOffsets(0, false).empty());
+}
+
+using RunnerTest = TowerViewFrameTest;
+
+TEST_F(RunnerTest, JumpsFromTowerZeroToTwoInAThirdOfASecondMoreAndStaysAtTheGoal) {
+    Game g = Started(true, 3, 7);
+    ASSERT_GE(g.config.towers, 3);
+    ASSERT_NE(g.SelectedType(), 0);
+    view.lastTime = 5.0f;
+    view.UpdateRunner(g, 0.02f, 0.0f);
+    EXPECT_EQ(view.runnerTower, 0);
+    EXPECT_FALSE(view.jumping); // put in place at the first update
+    g.activeTower = 2;
+    g.cursorX = 3;
+    const float goal = 3.0f + static_cast<float>(ShapeWidth(Rotated(g.SelectedType(), g.rotation))) * 0.5f;
+    view.lastTime = 6.0f;
+    view.UpdateRunner(g, 0.02f, 0.0f);
+    EXPECT_TRUE(view.jumping);
+    EXPECT_FLOAT_EQ(view.jumpDuration, 0.62f); // 0.5 + 0.12 for the tower in between
+    EXPECT_EQ(view.runnerTower, 2);
+    EXPECT_FLOAT_EQ(view.runnerColumn, goal);
+    // In the air he does not run, even when the piece moves.
+    g.cursorX = 0;
+    view.lastTime = 6.61f;
+    view.UpdateRunner(g, 0.05f, 0.0f);
+    EXPECT_TRUE(view.jumping);
+    EXPECT_FLOAT_EQ(view.runnerColumn, goal);
+    EXPECT_FALSE(view.running);
+    view.lastTime = 6.63f;
+    view.UpdateRunner(g, 0.05f, 0.0f);
+    EXPECT_FALSE(view.jumping);
+    EXPECT_TRUE(view.running);
+    EXPECT_FLOAT_EQ(view.runnerColumn, goal - 0.9f); // 18 columns a second
+}
+
+TEST_F(RunnerTest, HoldsStillAtDtZeroAndTakesTheShortWayRoundTheRing) {
+    Game g = Started(false, 7, 1);
+    g.cursorX = 2;
+    view.UpdateRunner(g, 0.05f, 0.0f);
+    g.cursorX = 28; // the goal lies 6 columns to the left, across the seam
+    view.UpdateRunner(g, 0.05f, 0.0f);
+    EXPECT_TRUE(view.running);
+    EXPECT_EQ(view.runnerDirection, -1);
+    const float column = view.runnerColumn, runTime = view.runTime;
+    view.UpdateRunner(g, 0.0f, 0.0f);
+    EXPECT_FLOAT_EQ(view.runnerColumn, column);
+    EXPECT_FLOAT_EQ(view.runTime, runTime);
+}
+
+// The runner drawn alone on a blank sprite: the body's colour at his waist tells the
+// sheet and the frame shown.
+class RunnerSheetTest : public TowerViewFrameTest {
+protected:
+    pge::Pixel Shown(const Game& g, float time, bool mirrored = false, int anchor = 59) {
+        pge::Sprite blank(640, 400);
+        view.lastTime = time;
+        const TowerView::Geo geo = view.TowerGeo(view.layout, g.activeTower);
+        view.DrawRunner(&blank, g, geo);
+        const pge::vf2d at = geo.P(view.runnerColumn, static_cast<float>(geo.rows), 1.0f);
+        const int x = static_cast<int>(std::lround(at.x)), y = static_cast<int>(std::lround(at.y - geo.lift));
+        // The white mark at frame column 39, or 24 when mirrored.
+        EXPECT_EQ(blank.GetPixel(x - 32 + (mirrored ? 24 : 39), y - anchor + 35), pge::Pixel(255, 255, 255)) << time;
+        return blank.GetPixel(x, y - anchor + 45);
+    }
+};
+
+TEST_F(RunnerSheetTest, DropSheetPlaysForFourTenthsOfASecondAfterAPlacedPiece) {
+    Game g = Started(true, 3, 1);
+    g.cursorY = 0; // nothing carried over his head
+    DrawAt(g, 10.0f, 0.0f);
+    Event placed;
+    placed.kind = Event::Placed;
+    view.OnEvent(placed, g);
+    EXPECT_FLOAT_EQ(view.dropTime, 10.0f);
+    const int drop = 3, idle = 2;
+    EXPECT_EQ(Shown(g, 10.0f), RunnerBody(drop, 0));
+    EXPECT_EQ(Shown(g, 10.1f), RunnerBody(drop, 1));  // 0.1 / 0.4 * 6 = 1.5
+    EXPECT_EQ(Shown(g, 10.25f), RunnerBody(drop, 3)); // 3.75
+    EXPECT_EQ(Shown(g, 10.4f), RunnerBody(drop, 5));
+    EXPECT_EQ(Shown(g, 10.41f), RunnerBody(idle, 83 % 6)); // trunc(10.41 * 8) = 83
+    EXPECT_EQ(Shown(g, 9.9f), RunnerBody(idle, 79 % 6));   // before the drop: no negative age
+    view.runnerDirection = -1;
+    EXPECT_EQ(Shown(g, 10.25f, true), RunnerBody(drop, 3)); // mirrored to the left
+    // In the air he shows the jump, a piece placed or not.
+    view.jumping = true;
+    view.jumpFromTower = 0;
+    view.jumpStart = 10.0f;
+    view.jumpDuration = 0.5f;
+    view.runnerDirection = 1;
+    EXPECT_EQ(Shown(g, 10.6f, false, 54), RunnerBody(4, 5)); // landed: the last frame, 5 pixels lower
+}
+
+using OverlayPictureTest = TowerViewFrameTest;
+
+// A ring under fire, seen from column 0.5: a ball on its way to a piece in view, a
+// replacement laid out for another, the focus on a hole with the piece in hand fitting
+// it, a ball behind the tower at the right and a hole behind it at the left.
+TEST_F(OverlayPictureTest, RingUnderFire) {
+    Game g = Started(false, 11, 5);
+    const int top = g.ColumnTop(0, 0);
+    for (int x = 0; x < 32; x += 2) Lay(g, 0, 'O', 0, x, top);
+    const int hit = Lay(g, 0, 'O', 0, 30, top + 2), flying = Lay(g, 0, 'T', 0, 3, top + 2);
+    const int prepped = Lay(g, 0, 'I', 1, 1, top + 2), behind = Lay(g, 0, 'O', 0, 12, top + 2);
+    const int lost = Lay(g, 0, 'O', 0, 22, top + 2);
+    g.phase = Phase::Attack;
+    g.clock = 10.0f;
+    for (const int piece : {hit, lost}) {
+        const std::vector<Cell> cells = g.pieces.at(piece).cells;
+        for (const Cell& c : cells) g.RemoveCell(0, c.x, c.y);
+        g.pieces.erase(piece);
+        g.holes.push_back(Hole{piece, 0, cells, 8.0f, piece == hit ? 12.5f : 11.2f, 0});
+    }
+    const std::vector<Cell>& prep = g.pieces.at(prepped).cells;
+    g.targets.push_back(Target{1, flying, 0, 7.9f, 10.9f, g.pieces.at(flying).cells, {}}); // 70 % of its way
+    g.targets.push_back(Target{2, prepped, 0, 9.0f, 14.0f, prep, {Prep{'I', prep}}});
+    g.targets.push_back(Target{3, behind, 0, 9.0f, 11.5f, g.pieces.at(behind).cells, {}});
+    g.focus = {Focus::Hole, hit};
+    g.supply = {'O', 'I', 'T', 'S', 'Z', 'L'};
+    g.selected = 0;
+    DrawAt(g, 2.1f, 0.5f);
+    ExpectMatchesReference(Screen(), "ring_under_fire");
+}
+
+// Three classic towers in the attack: the full carousel, the towers' shares, and the
+// alarm over the third, where a ball is on its way while the player works on the first.
+TEST_F(OverlayPictureTest, ClassicThreeTowersWithAlarm) {
+    Game g = Started(true, 5, 4);
+    ASSERT_EQ(g.config.towers, 3);
+    for (int t = 0; t < 3; ++t) Lay(g, t, 'O', 0, 2 * t, g.ColumnTop(t, 2 * t));
+    g.phase = Phase::Attack;
+    g.clock = 7.5f;
+    const int piece = g.CellAt(2, 4, g.ColumnTop(2, 4) - 1);
+    ASSERT_NE(piece, 0);
+    g.targets.push_back(Target{1, piece, 2, 4.0f, 9.0f, g.pieces.at(piece).cells, {}});
+    DrawAt(g, 0.2f, 0.0f);
+    ExpectMatchesReference(Screen(), "classic_three_towers");
+}
+
+// Debris of a hit and the points for a repair, a third of a second after the events.
+TEST_F(OverlayPictureTest, DebrisAndPointsInMidFlight) {
+    Game g = Started(false, 7, 1);
+    g.phase = Phase::Attack;
+    g.clock = 5.0f;
+    const int top = g.ColumnTop(0, 0);
+    Event burst;
+    burst.kind = Event::Burst;
+    burst.cells = {{0, top + 3}, {1, top + 3}, {2, top + 3}};
+    burst.count = 14;
+    Event points;
+    points.kind = Event::Float;
+    points.cells = {{30, top}, {31, top}};
+    points.text = "Sofort ersetzt! +150";
+    DrawAt(g, 1.0f, 0.5f);
+    view.OnEvent(burst, g);
+    view.OnEvent(points, g);
+    g.clock = 5.35f;
+    DrawAt(g, 1.35f, 0.5f);
+    ExpectMatchesReference(Screen(), "effects_mid_flight");
+}
+
+using EdgeArrowTest = TowerViewFrameTest;
+
+TEST_F(EdgeArrowTest, DangersBehindTheRingAreListedMostUrgentFirstAndBlink) {
+    Game g = EmptyGame(false, 2);
+    g.phase = Phase::Attack;
+    g.clock = 20.0f;
+    const int near = Lay(g, 0, 'O', 0, 12, 0), far = Lay(g, 0, 'O', 0, 10, 0), seen = Lay(g, 0, 'O', 0, 1, 0);
+    g.targets.push_back(Target{1, near, 0, 18.0f, 23.0f, g.pieces.at(near).cells, {}});   // 3 s to go
+    g.targets.push_back(Target{2, far, 0, 18.0f, 21.0f, g.pieces.at(far).cells, {}});     // 1 s to go
+    g.targets.push_back(Target{3, seen, 0, 18.0f, 20.5f, g.pieces.at(seen).cells, {}});   // in view
+    g.holes.push_back(Hole{1, 0, {{22, 0}}, 17.0f, 22.0f, 0});                           // 9.5 columns left
+    DrawAt(g, 0.0f, 0.5f);
+    const std::vector<TowerView::EdgeArrow> arrows = view.EdgeArrows(g, view.layout);
+    ASSERT_EQ(arrows.size(), 3u); // the target in view has none
+    // Half view 80 / 360 * 32 = 7.11 columns; the base row 18 + 368 * 0.42.
+    const float base = 18.0f + 368.0f * 0.42f;
+    EXPECT_FLOAT_EQ(arrows[0].left, 1.0f);
+    EXPECT_FLOAT_EQ(arrows[0].d, 11.0f - 0.5f);
+    EXPECT_EQ(arrows[0].tip.x, 560.0f);
+    EXPECT_FLOAT_EQ(arrows[0].tip.y, base);
+    EXPECT_TRUE(arrows[1].isHole);
+    EXPECT_EQ(arrows[1].tip.x, 6.0f); // the first on the left
+    EXPECT_FLOAT_EQ(arrows[1].tip.y, base);
+    EXPECT_FLOAT_EQ(arrows[2].left, 3.0f);
+    EXPECT_EQ(arrows[2].tip.x, 560.0f);
+    EXPECT_FLOAT_EQ(arrows[2].tip.y, base + 22.0f);
+    // Drawn 70 % of each 0.6 seconds: a point inside the triangle, sampled.
+    int shown = 0;
+    for (int i = 0; i < 60; ++i) {
+        for (pge::Pixel& p : Screen().pColData) p = pge::Pixel(0, 0, 0);
+        view.DrawEdgeArrows(engine, g, view.layout, 3.0f + static_cast<float>(i) * 0.01f);
+        shown += Screen().GetPixel(553, static_cast<int>(base) + 22) == pge::Pixel(255, 74, 58);
+    }
+    EXPECT_NEAR(shown, 42, 1);
+}
+
+using LabelTest = TowerViewFrameTest;
+
+TEST_F(LabelTest, AlarmForAnotherTowerBlinksSixTenthsOfTheTimeAndNeverOnTheActiveOne) {
+    Game g = Started(true, 3, 3);
+    ASSERT_GE(g.config.towers, 2);
+    g.phase = Phase::Attack;
+    const int piece = g.CellAt(1, 0, 0);
+    ASSERT_NE(piece, 0);
+    g.targets.push_back(Target{1, piece, 1, 0.0f, 100.0f, g.pieces.at(piece).cells, {}});
+    DrawAt(g, 1.0f, 0.0f);
+    const TowerView::Geo geo = view.TowerGeo(view.layout, 1);
+    const int x = static_cast<int>(std::lround(geo.cx));
+    const int y = static_cast<int>(std::lround(geo.baseY - view.layout.cell * static_cast<float>(geo.rows) - geo.ry -
+                                               view.layout.cell * 0.8f - 8.0f));
+    const auto alarmPixels = [&](int tower) {
+        for (pge::Pixel& p : Screen().pColData) p = pge::Pixel(0, 0, 0);
+        view.DrawTowerLabels(engine, g, view.layout, tower);
+        int n = 0;
+        for (int j = y; j < y + 16; ++j)
+            for (int i = x - 40; i < x + 40; ++i) n += Screen().GetPixel(i, j) == pge::Pixel(255, 74, 58);
+        return n;
+    };
+    // sin(12 t) > -0.3 over one period: (pi + 2 asin 0.3) / 2 pi = 0.597.
+    int shown = 0;
+    for (int i = 0; i < 100; ++i) {
+        g.clock = static_cast<float>(i) * 0.5235988f / 100.0f;
+        shown += alarmPixels(1) > 0;
+    }
+    EXPECT_NEAR(shown, 60, 1);
+    g.activeTower = 1;
+    g.clock = 0.0f; // sin 0 = 0: a moment when it shows
+    EXPECT_EQ(alarmPixels(1), 0);
+}
+
+TEST_F(LabelTest, HoleCountdownRoundsUpAndShowsZeroWhenTheTimeIsUp) {
+    Game g = EmptyGame(false, 2);
+    g.phase = Phase::Eval; // of the labels only the line's name and the countdown remain
+    g.clock = 30.0f;
+    g.holes.push_back(Hole{1, 0, {{0, 3}, {1, 3}}, 28.0f, 0.0f, 0});
+    DrawAt(g, 1.0f, 1.0f);
+    const auto labels = [&](float left) {
+        g.holes[0].collapseAt = g.clock + left;
+        for (pge::Pixel& p : Screen().pColData) p = pge::Pixel(0, 0, 0);
+        view.DrawTowerLabels(engine, g, view.layout, 0);
+        return Screen().pColData;
+    };
+    const auto expected = [&](const std::string& digits) {
+        for (pge::Pixel& p : Screen().pColData) p = pge::Pixel(0, 0, 0);
+        const TowerView::Geo geo = view.TowerGeo(view.layout, 0);
+        const pge::vf2d l = geo.FrontCurve(static_cast<float>(g.config.line), 1.0f, 0.0f).front();
+        const float margin = view.layout.cell * 0.5f;
+        if (l.x - margin - static_cast<float>(adv::text::Width(engine, "Defence Line")) > 2.0f)
+            adv::text::DrawOutlined(engine, static_cast<int>(std::lround(l.x - margin)),
+                                    static_cast<int>(std::lround(l.y - 4.0f)), "Defence Line", pge::Pixel(236, 70, 58),
+                                    pge::Pixel(0, 0, 0, 150), 1, adv::text::Align::Right);
+        const pge::vf2d p = geo.P(1.0f, 3.5f, 1.0f); // the middle of the two cells
+        adv::text::DrawOutlined(engine, static_cast<int>(std::lround(p.x)), static_cast<int>(std::lround(p.y - 8.0f)),
+                                digits, pge::Pixel(255, 177, 59), pge::Pixel(0, 0, 0, 150), 2,
+                                adv::text::Align::Centre);
+        return Screen().pColData;
+    };
+    const Pixels one = expected("1"), zero = expected("0");
+    ASSERT_FALSE(one == zero);
+    EXPECT_TRUE(labels(0.5f) == one);
+    EXPECT_TRUE(labels(1.0f) == one);
+    EXPECT_TRUE(labels(1.5f) == expected("2"));
+    EXPECT_TRUE(labels(0.0f) == zero);
+    EXPECT_TRUE(labels(-0.4f) == zero);
+}
+
+using EffectsTest = TowerViewFrameTest;
+
+TEST_F(EffectsTest, BurstSpreadsOverItsCellsAndDrawsFromTheViewsOwnGenerator) {
+    Game g = ClassicGame(1);
+    g.clock = 7.0f;
+    Event burst;
+    burst.kind = Event::Burst;
+    burst.tower = 0;
+    burst.cells = {{1, 2}, {5, 0}, {3, 9}};
+    burst.count = 12;
+    const std::mt19937 before = view.rng;
+    const std::mt19937 rulesBefore = g.rng;
+    view.OnEvent(burst, g);
+    ASSERT_EQ(view.particles.size(), 12u);
+    for (size_t i = 0; i < 12; ++i) {
+        const TowerView::Particle& p = view.particles[i];
+        const Cell& c = burst.cells[i % 3]; // four to a cell, in turn
+        EXPECT_EQ(static_cast<int>(std::floor(p.x)), c.x);
+        EXPECT_EQ(static_cast<int>(std::floor(p.y)), c.y);
+        EXPECT_GE(p.vx, -3.0f);
+        EXPECT_LT(p.vx, 3.0f);
+        EXPECT_GE(p.vy, 1.0f);
+        EXPECT_LT(p.vy, 6.0f);
+        EXPECT_FLOAT_EQ(p.life, 1.2f);
+        EXPECT_FLOAT_EQ(p.born, 7.0f);
+    }
+    EXPECT_FALSE(view.rng == before);
+    EXPECT_TRUE(g.rng == rulesBefore);
+    // No cells, or no count: nothing, and no number drawn.
+    const std::mt19937 after = view.rng;
+    burst.count = 0;
+    view.OnEvent(burst, g);
+    burst.count = 5;
+    burst.cells.clear();
+    view.OnEvent(burst, g);
+    EXPECT_EQ(view.particles.size(), 12u);
+    EXPECT_TRUE(view.rng == after);
+}
+
+TEST_F(EffectsTest, ParticleFallsByGravityAndItsOwnSpeedAtFourTenths) {
+    Game g = ClassicGame(1);
+    DrawAt(g, 1.0f, 0.0f);
+    const TowerView::Geo geo = view.TowerGeo(view.layout, 0);
+    // A particle of one pixel rising at 2.5 rows a second, living long enough to stay bright.
+    view.particles.push_back({2.3f, 6.2f, 0.0f, 2.5f, 10.0f, 0.0f, 0.01f, 0});
+    for (const float a : {0.25f, 0.5f, 1.0f}) {
+        g.clock = a;
+        for (pge::Pixel& p : Screen().pColData) p = pge::Pixel(0, 0, 0);
+        view.DrawEffects(engine, g, view.layout);
+        // y + a * 2.5 * 0.4 - 4.5 a²
+        const pge::vf2d at = geo.P(2.3f, 6.2f + a * 1.0f - 4.5f * a * a, 1.0f);
+        std::vector<pge::vi2d> lit;
+        for (int i = 0; i < 640 * 400; ++i)
+            if (Screen().pColData[static_cast<size_t>(i)] != pge::Pixel(0, 0, 0)) lit.push_back({i % 640, i / 640});
+        ASSERT_EQ(lit.size(), 1u) << a;
+        EXPECT_EQ(lit[0].x, static_cast<int>(at.x)) << a;
+        EXPECT_EQ(lit[0].y, static_cast<int>(at.y)) << a;
+    }
+    // Particles, floaters and flashes go when their time is up, and Reset takes all.
+    view.particles.push_back({1.0f, 1.0f, 0.0f, 0.0f, 1.2f, 0.0f, 0.2f, 0});
+    view.floaters.push_back({"+10", 1.0f, 1.0f, 0.0f, 0});
+    view.flashes.push_back({{{1, 1}}, 0.0f, 0});
+    g.clock = 1.3f;
+    view.DrawEffects(engine, g, view.layout);
+    EXPECT_EQ(view.particles.size(), 1u);
+    EXPECT_EQ(view.floaters.size(), 1u);
+    EXPECT_TRUE(view.flashes.empty());
+    view.Reset();
+    EXPECT_TRUE(view.particles.empty() && view.floaters.empty());
+    EXPECT_EQ(view.runnerTower, -1);
+}
+
+TEST_F(EffectsTest, FloaterStartsAtTheMiddleOfItsCells) {
+    Game g = EmptyGame(false, 1);
+    g.clock = 3.0f;
+    Event e;
+    e.kind = Event::Float;
+    e.tower = 0;
+    e.cells = {{31, 4}, {0, 4}, {0, 5}, {31, 5}}; // across the seam
+    e.text = "+150";
+    view.OnEvent(e, g);
+    ASSERT_EQ(view.floaters.size(), 1u);
+    EXPECT_FLOAT_EQ(view.floaters[0].x, -0.5f); // column centre 0, at the seam, less 0.5
+    EXPECT_FLOAT_EQ(view.floaters[0].y, 4.5f);  // mean row 5, less 0.5
+    EXPECT_FLOAT_EQ(view.floaters[0].born, 3.0f);
+}
+
+// The same seed and inputs give the same game, whether the stage is drawn or not.
+TEST_F(EffectsTest, DrawingNeverChangesTheGame) {
+    const auto play = [&](bool draw, int& bursts) {
+        GetSettings().classic = 0;
+        Game g(4242);
+        g.NewGame();
+        g.TakeEvents();
+        AutoPlayer bot;
+        float timer = 0.0f;
+        Phase lastPhase = g.phase;
+        int32_t lastLevel = g.level;
+        RingCamera camera;
+        frame::Hooks hooks;
+        hooks.camera = [&](float step) {
+            camera.Update(g, step);
+            g.viewCentre = camera.angle;
+            g.viewKnown = true;
+        };
+        TowerView stageView;
+        float time = 0.0f;
+        for (int frame = 0; frame < 2400 && g.phase != Phase::Eval && g.phase != Phase::Over; ++frame) {
+            frame::RunRules({g, bot, timer, lastPhase, lastLevel, true, false}, 0.05f, hooks);
+            time += 0.05f;
+            for (const Event& e : g.TakeEvents()) {
+                bursts += e.kind == Event::Burst;
+                if (draw) stageView.OnEvent(e, g);
+            }
+            if (draw) stageView.Draw(engine, g, stage, time, camera.angle);
+        }
+        EXPECT_TRUE(g.phase == Phase::Eval || g.phase == Phase::Over);
+        // A tower's revision is a stamp of a counter shared by all games in the process.
+        for (Tower& t : g.towers) t.revision = 0;
+        return StateHash(g);
+    };
+    int seen = 0, drawnSeen = 0;
+    const uint64_t plain = play(false, seen);
+    EXPECT_EQ(play(true, drawnSeen), plain);
+    EXPECT_GT(drawnSeen, 0); // effects were made on the way
+}
+
+} // namespace
+} // namespace torvane
