@@ -195,6 +195,11 @@ void Desert(Scene& s) {
             }
         }
 
+    // The far floor of the desert beyond the pass, in the haze.
+    for (int y = 112; y < 150; ++y)
+        for (int x = 0; x < p.W(); ++x)
+            if (p.At(x, y) >= sky && p.At(x, y) < sky + 14) p.Set(x, y, Dither(mesa, 5, 4.4f - (y - 112) * 0.06f, x, y));
+
     // The walls of the pass: terraced buttes of red sandstone with strata and grooves,
     // the left wall turned away from the light, the right one towards it.
     const auto strata = [&](int x, int y, int top, float lit) {
@@ -232,7 +237,8 @@ void Desert(Scene& s) {
     FillBelow(p, dunes, [&](int x, int y, int depth) {
         // Each dune lit on the slope that faces left, the crest sharp.
         const float slope = dunes[static_cast<size_t>(std::min(x + 1, p.W() - 1))] - dunes[static_cast<size_t>(std::max(x - 1, 0))];
-        return Dither(dune, 8, 4.0f + std::clamp(slope, -2.0f, 2.0f) * 1.4f - depth * 0.15f + (depth == 0 ? 1.5f : 0.0f), x, y);
+        const float face = std::clamp(slope, -2.0f, 2.0f) * 1.4f * std::max(0.0f, 1.0f - depth / 14.0f);
+        return Dither(dune, 8, 4.0f + face - depth * 0.12f + (depth == 0 ? 1.5f : 0.0f), x, y);
     });
     // The floor of the pass, ripples of wind across it.
     const Ridge floor = MakeRidge(p.W(), 158, 3, 60, 43, 2);
@@ -302,12 +308,15 @@ void Highlands(Scene& s) {
     // The lake: reflections of the mountains, darker in the middle, lighter at the far shore.
     const int lakeTop = 124, lakeBottom = 156;
     for (int y = lakeTop; y < lakeBottom; ++y) {
-        const float shore = 10.0f * std::sin((y - lakeTop) * 0.09f) + 8.0f;
-        for (int x = static_cast<int>(shore); x < p.W() - static_cast<int>(shore * 0.6f); ++x) {
+        const float shore = 10.0f * std::sin((y - lakeTop) * 0.09f) + 8.0f + Fractal1(y / 3.0f, 130, 2) * 4.0f;
+        const int x0 = static_cast<int>(shore), x1 = p.W() - static_cast<int>(shore * 0.6f + 2.0f);
+        for (int x = x0; x < x1; ++x) {
             const int mirror = 2 * lakeTop - y;
             const int above = mirror >= 0 ? p.At(x, mirror) : sky;
             const bool snowy = above >= far + 5 && above < far + 8;
-            p.Set(x, y, Dither(water, 7, snowy ? 4.5f : 2.5f + (y - lakeTop) * 0.05f, x, y));
+            // A lit strand along the far shore, the reflections below it.
+            const bool strand = y == lakeTop;
+            p.Set(x, y, strand ? hill + 6 : Dither(water, 7, snowy ? 4.5f : 2.5f + (y - lakeTop) * 0.05f, x, y));
         }
     }
     // The waterfall from the crag on the right into the lake.
