@@ -1,8 +1,7 @@
 // The application's level packs: choosing and cycling them, a chosen pack that goes
 // away, a test run from the editor and its return, and no scores for pack games.
-#include "game/content/PackFormat.h"
 #include "game/content/Preferences.h"
-#include "tests/screens/ScreensFixture.h"
+#include "tests/screens/PackFixture.h"
 
 #include <gtest/gtest.h>
 
@@ -15,29 +14,9 @@ namespace {
 
 namespace fs = std::filesystem;
 
-class PacksTest : public testing_support::ScreensTest {
+class PacksTest : public testing_support::PackScreensTest {
 protected:
-    void SetUp() override {
-        ScreensTest::SetUp();
-        packs = dataFolder + "/levelpacks";
-        fs::create_directories(packs);
-    }
-    void TearDown() override {
-        ScreensTest::TearDown();
-        SetActivePack(nullptr);
-    }
-    void AddPack(const std::string& name, int levels) {
-        LevelPack pack;
-        pack.name = name;
-        for (int i = 1; i <= levels; ++i) {
-            pack.levels.push_back(DefaultPackLevel(i));
-            pack.levels.back().name = name + " " + std::to_string(i);
-        }
-        std::ofstream(packs + "/" + PackFileName(name), std::ios::binary) << SerialisePack(pack);
-    }
     std::string ActiveName() const { return ActivePack() ? ActivePack()->name : std::string("-"); }
-
-    std::string packs;
 };
 
 TEST_F(PacksTest, PCyclesThroughThePacksAndBackToTheStandardLevels) {
