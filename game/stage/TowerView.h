@@ -151,6 +151,7 @@ public:
     void DrawMinimap(pge::PixelEngine& engine, const Game& game, const Layout& layout, float time);
 
     // ---- effects from the rules' events ----
+    // Every event of the rules that the application doesn't handle itself.
     void OnEvent(const Event& event, const Game& game);
     void DrawEffects(pge::PixelEngine& engine, const Game& game, const Layout& layout);
 
