@@ -185,6 +185,14 @@ TEST_F(OverlayPictureTest, DebrisAndPointsInMidFlight) {
     ExpectMatchesReference(Screen(), "effects_mid_flight");
 }
 
+// The message line over a classic stage, below the carousel, fading out.
+TEST_F(OverlayPictureTest, MessageLineBelowTheCarousel) {
+    Game g = Started(true, 5, 2);
+    DrawAt(g, 1.0f, 0.0f);
+    view.DrawMessage(engine, "Kein Platz mehr in dieser Spalte", 0.6f);
+    ExpectMatchesReference(Screen(), "message_line");
+}
+
 using EdgeArrowTest = TowerViewFrameTest;
 
 TEST_F(EdgeArrowTest, DangersBehindTheRingAreListedMostUrgentFirstAndBlink) {
