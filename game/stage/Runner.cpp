@@ -4,6 +4,7 @@
 #include "engine/Canvas.h"
 #include "game/content/PackStorage.h"
 #include "game/rules/Pieces.h"
+#include "game/content/PackStorage.h"
 #include "game/stage/StageColours.h"
 #include "game/stage/TowerView.h"
 

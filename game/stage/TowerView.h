@@ -123,8 +123,6 @@ public:
     // One frame on the engine's draw target; time in seconds, camera the front column.
     void Draw(pge::PixelEngine& engine, const Game& game, const StageRect& stage, float time, float camera);
     void Reset();
-    // Every event of the rules that the application doesn't handle itself.
-    void OnEvent(const Event& event, const Game& game);
     // The application's one-line message over the stage, fade from 0 to 1; placed by the
     // layout of the last Draw, or the default one before any.
     void DrawMessage(pge::PixelEngine& engine, const std::string& text, float fade) const;
@@ -152,7 +150,9 @@ public:
     void DrawEdgeArrows(pge::PixelEngine& engine, const Game& game, const Layout& layout, float time);
     void DrawMinimap(pge::PixelEngine& engine, const Game& game, const Layout& layout, float time);
 
-    // ---- effects from the rules' events (OnEvent records them) ----
+    // ---- effects from the rules' events ----
+    // Every event of the rules that the application doesn't handle itself.
+    void OnEvent(const Event& event, const Game& game);
     void DrawEffects(pge::PixelEngine& engine, const Game& game, const Layout& layout);
 
     void BuildBackground(const Game& game, const Layout& layout);
