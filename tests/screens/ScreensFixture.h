@@ -12,6 +12,8 @@
 #include <gtest/gtest.h>
 #include <stb_image_write.h>
 
+#include <unistd.h>
+
 #include <filesystem>
 #include <memory>
 #include <string>
