@@ -105,7 +105,7 @@ key F5
 menu Spiel speichern
 wait 0.2
 shot savepage.png
-menu 3.
+slot 3
 wait 0.2
 expect message In Feld 3 gespeichert
 menu Zurueck
@@ -129,20 +129,20 @@ expect scene hof
 key F5
 menu Spiel laden
 wait 0.2
-menu 1.  - leer -
+slot 1
 wait 0.2
 expect toast Laden fehlgeschlagen
 expect scene hof
 key F5
 menu Spiel laden
-menu 2.  - leer -
+slot 2
 wait 0.2
 expect toast Laden fehlgeschlagen
 expect scene hof
 expect noitem schluessel
 key F5
 menu Spiel laden
-menu 3. Schmiede
+slot 3
 wait 0.2
 expect toast Spielstand geladen
 expect scene werkstatt
@@ -193,7 +193,7 @@ head -c 20 "$SAVES/slot1.sav" | grep -q "^other-save" || fail "a broken slot was
 cat > nosave.txt <<EOF
 key F5
 menu Spiel speichern
-menu 1.
+slot 1
 wait 0.2
 expect message Speichern fehlgeschlagen
 menu Zurueck
