@@ -206,6 +206,9 @@ menu Ja
 EOF
 XDG_DATA_HOME="$WORK/afile" play nosave --skip-intro
 
+# A timed quit ends the run by itself, with a regular exit status.
+timeout 20 "$BUILD/vorabend" --skip-intro --exit-after=0.5 2>timed.err || fail "the timed quit did not end the run cleanly"
+
 # A play script that cannot be read ends the run with a message; an unknown option is named.
 set +e
 "$BUILD/vorabend" --bogus --play=no/such/file 2>bad.err
