@@ -269,14 +269,13 @@ bool AdventureGame::OnUserUpdate(float elapsed) {
         toastTime -= dt;
         if (toastTime <= 0.0f) toast.clear();
     }
-    if (state == Intro) {
-        // The key that ends the last screen is not also a key of the game.
+    if (state == Intro && !menu.IsOpen()) {
         UpdateIntro(dt);
-        if (state == Intro)
-            introScreens[introIndex]->Draw(*this, introClock);
-        else
+        // The key that ends the last screen is not also a key of the game.
+        if (state != Intro) {
             DrawWorld();
-        return true;
+            return true;
+        }
     }
     HandleGlobalKeys();
     if (menu.IsOpen()) {
@@ -285,6 +284,10 @@ bool AdventureGame::OnUserUpdate(float elapsed) {
         DrawWorld();
         menu.Draw(*this, Actor::TextSpeed());
         DrawToast();
+        return true;
+    }
+    if (state == Intro) {
+        DrawWorld();
         return true;
     }
     if (paused) {
@@ -667,6 +670,10 @@ bool AdventureGame::ApplyMenuRequest(const GameMenu::Request& r) {
 
 void AdventureGame::DrawWorld() {
     Clear(pge::BLACK);
+    if (state == Intro) {
+        if (introIndex < introScreens.size()) introScreens[introIndex]->Draw(*this, introClock);
+        return;
+    }
     if (state == Ended) {
         DrawEnd();
         return;

@@ -204,6 +204,39 @@ TEST_F(GameTest, ATimedQuitEndsTheRunAfterItsTimeInFrameSteps) {
     EXPECT_TRUE(game.OnUserUpdate(0.1f));
 }
 
+// A title card that paints the screen one colour.
+struct Card : ScreenDefinition {
+    void Draw(AdventureGame& game, float) override { game.Clear(pge::Pixel(10, 20, 30)); }
+};
+
+TEST(Intro, TheMenuOpensOverTheTitleAndTheClickThatEndsItIsNoOrder) {
+    AdventureGame game;
+    pge::Headless run(game, AdventureGame::kViewWidth, AdventureGame::kViewHeight);
+    game.SetContentBuilder([](AdventureGame& g) {
+        testing::BuildTestContent(g);
+        g.AddIntroScreen(std::make_unique<Card>());
+    });
+    ASSERT_TRUE(run.Create());
+    auto press = [&](pge::Key key) {
+        run.SetKey(key, true);
+        run.Frame(0.016f);
+        run.SetKey(key, false);
+        run.Frame(0.016f);
+    };
+    press(pge::F5);
+    EXPECT_TRUE(game.menu.IsOpen());
+    EXPECT_EQ(game.state, AdventureGame::Intro);
+    const pge::Pixel under = game.GetDrawTarget()->GetPixel(2, 2); // the title, shaded by the menu
+    EXPECT_GT(under.b, 0);
+    EXPECT_LT(under.b, 30);
+    press(pge::ESCAPE); // closes the menu, not the title
+    EXPECT_FALSE(game.menu.IsOpen());
+    EXPECT_EQ(game.state, AdventureGame::Intro);
+    press(pge::SPACE); // ends the title, and is no pause
+    EXPECT_EQ(game.state, AdventureGame::Playing);
+    EXPECT_FALSE(game.paused);
+}
+
 TEST_F(GameTest, TextSpeedKeysAndPause) {
     const int before = Actor::TextSpeed();
     t.run.SetKey(pge::EQUALS, true);
