@@ -125,8 +125,7 @@ void AdventureGame::ChangeScene(const std::string& sceneId, const std::string& e
     if (current)
         if (SceneDefinition* old = scenes.Definition(current->id)) old->OnExit(*this);
     ResetInteraction();
-    dialogue.clear();
-    hoveredOption = -1;
+    EndDialogue();
     Actor& p = Player();
     const SceneEntry* e = next->Entry(entry);
     if (!e) e = next->Entry("default");
