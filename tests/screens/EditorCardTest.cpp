@@ -29,7 +29,7 @@ protected:
         for (int y = 0; y < 400; ++y)
             for (int x = 0; x < 640; ++x)
                 title.SetPixel(x, y, pge::Pixel(uint8_t(60 + (x + y) / 16 % 2 * 30), uint8_t(90 + y / 5), 120));
-        adv::screenshot::SavePng(title, assets + "/Resources/assets/torvane/title.png");
+        adv::screenshot::SavePng(title, testing_support::TestAssets() + "/torvane/title.png");
     }
     void Start(std::vector<const char*> args) {
         ScreensTest::Start(std::move(args));
