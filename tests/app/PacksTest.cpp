@@ -82,6 +82,30 @@ TEST_F(PacksTest, ATestRunPlaysTheWorkingPackAndEscReturnsToTheEditor) {
     EXPECT_EQ(app.game.phase, Phase::Title);
 }
 
+TEST_F(PacksTest, TheEditorsTextFieldsTakeLettersDigitsAndBlanksFromTheKeys) {
+    Start({"--editor"});
+    SetLanguage(Language::German);
+    // Enter on the new-pack entry opens its page and is not also taken there.
+    ASSERT_TRUE(Tap(pge::ENTER));
+    ASSERT_EQ(app.editor.page, 1);
+    EXPECT_EQ(app.editor.message, "");
+    // While typing, T is a letter and not a test; SHIFT gives capitals.
+    run->SetKey(pge::SHIFT, true);
+    ASSERT_TRUE(Tap(pge::B));
+    run->SetKey(pge::SHIFT, false);
+    for (pge::Key k : {pge::U, pge::R, pge::G, pge::SPACE, pge::T, pge::K2, pge::X}) ASSERT_TRUE(Tap(k));
+    EXPECT_EQ(app.editor.newName, "Burg t2x");
+    EXPECT_TRUE(app.editorOpen);
+    ASSERT_TRUE(Tap(pge::BACK));
+    EXPECT_EQ(app.editor.newName, "Burg t2");
+    // Off the name row the same keys are the editor's own: Space is Enter, which creates the pack.
+    ASSERT_TRUE(Tap(pge::DOWN));
+    ASSERT_TRUE(Tap(pge::SPACE));
+    EXPECT_EQ(app.editor.page, 2);
+    EXPECT_EQ(app.editor.pack.file, "Burg_t2.tpack");
+    EXPECT_TRUE(fs::exists(packs + "/Burg_t2.tpack"));
+}
+
 TEST_F(PacksTest, AFailedSaveIsShownAndTheWorkGoesOn) {
     AddPack("Alpha", 2);
     // The pack's file is replaced by a folder of that name: writing it fails.
