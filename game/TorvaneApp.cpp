@@ -104,8 +104,8 @@ bool TorvaneApp::OnUserCreate() {
     adv::SetWindowTitle("Torvane");
     adv::platformkeys::Install(this);
     adv::platformkeys::IgnoreKeyRepeat(true);
-    adv::Music::Init();
-    sounds::Init();
+    // The device opens in the background; the effects are made once it is there.
+    adv::Music::InitInBackground();
 
     if (!adv::Assets::Missing(kTitleKey)) {
         if (const pge::Sprite* picture = adv::Assets::Sprite(kTitleKey)->Sprite())
@@ -151,6 +151,7 @@ bool TorvaneApp::OnUserUpdate(float elapsed) {
     clock += elapsed;
     adv::Sound::Update();
     adv::Music::Update(dt);
+    sounds::Init();
 
     if (logoTime >= 0.0f) {
         UpdateLogo(dt);
@@ -255,7 +256,8 @@ void TorvaneApp::ProcessEvents() {
 }
 
 bool TorvaneApp::FinishFrame() {
-    if (exitAt <= 0.0f || exitAt > clock) return true;
+    // Only a time above 0 counts, so a NaN never ends the run.
+    if (!(exitAt > 0.0f) || exitAt > clock) return true;
     quit = true;
     if (!screenshotPath.empty()) {
         if (adv::screenshot::SavePng(*GetDrawTarget(), screenshotPath)) {
@@ -278,7 +280,8 @@ void TorvaneApp::UpdateLogo(float dt) {
         return;
     }
     Clear(pge::BLACK);
-    if (adv::Assets::Missing(kLogoKey)) return;
+    // Without a logo that decodes, the intro stays black.
+    if (adv::Assets::Missing(kLogoKey) || adv::Assets::Failed(kLogoKey)) return;
     const pge::Sprite* logo = adv::Assets::Sprite(kLogoKey)->Sprite();
     if (!logo || logo->width < 1 || logo->height < 1) return;
 

@@ -192,23 +192,6 @@ TEST_F(InputTest, AnnounceSpaceBeforeTheLockEndsDoesNothing) {
     EXPECT_EQ(app.game.phase, Phase::Attack);
 }
 
-TEST_F(InputTest, TitlePagesRingAndEscapeEndsTheRun) {
-    Start({"--skip-intro"});
-    ASSERT_EQ(app.game.phase, Phase::Title);
-    ASSERT_EQ(app.titleImage, nullptr);
-    ASSERT_EQ(app.titlePage, 0);
-    ASSERT_TRUE(Tap(pge::LEFT));
-    EXPECT_EQ(app.titlePage, 3);
-    ASSERT_TRUE(Tap(pge::RIGHT));
-    EXPECT_EQ(app.titlePage, 0);
-    ASSERT_TRUE(Tap(pge::RIGHT));
-    EXPECT_EQ(app.titlePage, 1);
-    // Without a title picture ESCAPE always ends the program, from any page.
-    run->SetKey(pge::ESCAPE, true);
-    EXPECT_FALSE(run->Frame(kDt));
-    EXPECT_TRUE(app.quit);
-}
-
 TEST_F(InputTest, TitleConfirmStartsANewGame) {
     Start({"--skip-intro"});
     ASSERT_TRUE(Tap(pge::ENTER));

@@ -1,6 +1,7 @@
 #include "game/TorvaneApp.h"
 
 #include "engine/Assets.h"
+#include "engine/Mixer.h"
 #include "game/rules/Level.h"
 #include "pge/Headless.h"
 
@@ -21,6 +22,13 @@ using torvane::ApplyRunOptions;
 using torvane::TorvaneApp;
 
 namespace {
+
+// Music and effects on a mixer without a device, for the tests that read the error stream:
+// a device opens in the background and may report its absence in the middle of a capture.
+struct OfflineAudio {
+    OfflineAudio() { adv::mixer::UseOffline(44100); }
+    ~OfflineAudio() { adv::mixer::UseOffline(0); }
+};
 
 bool Apply(TorvaneApp& app, std::vector<const char*> args) {
     args.insert(args.begin(), "torvane");
@@ -140,6 +148,12 @@ TEST(TorvaneAppRunOptions, MalformedNumbersThrowNamedExceptions) {
     EXPECT_FALSE(app.settingsOpen);
 }
 
+// The top left pixel of the title screen: its picture's where the asset tree has one,
+// else the screen background.
+pge::Pixel TitleCorner(const TorvaneApp& app) {
+    return app.titleImage ? app.titleImage->GetPixel(0, 0) : torvane::kBg;
+}
+
 TEST(TorvaneAppFrame, HundredFramesWithoutAnyServer) {
     TorvaneApp app;
     Apply(app, {"--skip-intro"});
@@ -156,8 +170,8 @@ TEST(TorvaneAppFrame, HundredFramesWithoutAnyServer) {
     // The clock follows the raw frame times, stalls included.
     EXPECT_NEAR(app.clock, sum, 1e-3);
     EXPECT_EQ(run.Title(), "Torvane");
-    // The frame starts from the screen background; its top left corner stays free.
-    EXPECT_EQ(app.GetDrawTarget()->GetPixel(0, 0), torvane::kBg);
+    // The title's top left corner stays free of cards: the picture's, or the background.
+    EXPECT_EQ(app.GetDrawTarget()->GetPixel(0, 0), TitleCorner(app));
 }
 
 TEST(TorvaneAppStart, LevelOptionDecidesBetweenTitleAndGame) {
@@ -177,9 +191,8 @@ TEST(TorvaneAppStart, LevelOptionDecidesBetweenTitleAndGame) {
     EXPECT_EQ(first.game.phase, torvane::Phase::Build);
     EXPECT_EQ(first.lastPhase, torvane::Phase::Build);
     EXPECT_EQ(first.game.level, 1);
-    // Without a title picture the title is the first page.
-    EXPECT_EQ(first.titleImage, nullptr);
-    EXPECT_EQ(first.titlePage, 0);
+    // The title opens on its picture where the asset tree has one, else on the first page.
+    EXPECT_EQ(first.titlePage, first.titleImage ? -1 : 0);
 
     TorvaneApp third;
     Apply(third, {"--level=3"});
@@ -260,7 +273,8 @@ TEST(TorvaneAppFrame, LogoRunsForItsTimeOrUntilSkipped) {
         EXPECT_LT(app.logoTime, 0.0f);
         EXPECT_NEAR(app.phaseStart, app.clock, 1e-3);
         run.Frame(0.05f);
-        EXPECT_EQ(app.GetDrawTarget()->GetPixel(0, 0), torvane::kBg);
+        // The title follows (a picture fades in from black): the corner is black no more.
+        EXPECT_NE(app.GetDrawTarget()->GetPixel(0, 0), pge::BLACK);
     }
     for (pge::Key skip : {pge::SPACE, pge::ENTER, pge::ESCAPE}) {
         TorvaneApp app;
@@ -332,6 +346,7 @@ TEST(TorvaneAppFrame, LogoIsCentredScaledAndFadesIn) {
 }
 
 TEST(TorvaneAppFrame, ExitAfterWritesTheScreenshotOfThatFrame) {
+    const OfflineAudio audio;
     const std::string path = TempPath("exit.png");
     std::remove(path.c_str());
     TorvaneApp app;
@@ -352,13 +367,18 @@ TEST(TorvaneAppFrame, ExitAfterWritesTheScreenshotOfThatFrame) {
     ASSERT_NE(px, nullptr);
     EXPECT_EQ(w, 640);
     EXPECT_EQ(h, 400);
-    EXPECT_EQ(px[0], torvane::kBg.r);
-    EXPECT_EQ(px[(399 * 640 + 639) * 4 + 2], torvane::kPanel.b); // the help bar
+    // The file holds the last frame drawn, corner to corner.
+    const pge::Sprite& frame = *app.GetDrawTarget();
+    for (const auto& [x, y] : {std::pair{0, 0}, std::pair{639, 399}, std::pair{320, 200}}) {
+        const stbi_uc* p = px + (y * 640 + x) * 4;
+        EXPECT_EQ(pge::Pixel(p[0], p[1], p[2], p[3]), frame.GetPixel(x, y)) << x << "," << y;
+    }
     stbi_image_free(px);
     std::remove(path.c_str());
 }
 
 TEST(TorvaneAppFrame, ScreenshotFailureIsReportedAndTheRunStillEnds) {
+    const OfflineAudio audio;
     const std::string path = TempPath("missing_dir/x.png");
     TorvaneApp app;
     Apply(app, {"--exit-after=0.1", ("--screenshot=" + path).c_str()});
@@ -371,6 +391,7 @@ TEST(TorvaneAppFrame, ScreenshotFailureIsReportedAndTheRunStillEnds) {
 }
 
 TEST(TorvaneAppFrame, ZeroExitTimeNeverEndsAndNoPathWritesNothing) {
+    const OfflineAudio audio;
     TorvaneApp app;
     Apply(app, {"--skip-intro", "--exit-after=0"});
     pge::Headless run(app);
@@ -384,4 +405,51 @@ TEST(TorvaneAppFrame, ZeroExitTimeNeverEndsAndNoPathWritesNothing) {
     testing::internal::CaptureStderr();
     EXPECT_FALSE(r.Frame(0.5f));
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+}
+
+TEST(TorvaneAppFrame, UndecodableLogoStaysBlackAndNaNNeverEndsTheRun) {
+    // A logo file that does not decode: the intro stays black, with no placeholder.
+    const std::string root = TempPath("bad_logo_root");
+    std::filesystem::create_directories(root + "/bin");
+    std::filesystem::create_directories(root + "/Resources/assets/logo");
+    std::FILE* logo = std::fopen((root + "/Resources/assets/logo/logo.jpg").c_str(), "wb");
+    ASSERT_NE(logo, nullptr);
+    std::fputs("\xFF\xD8 not a picture", logo);
+    std::fclose(logo);
+    adv::Assets::Init(root + "/bin/torvane");
+    {
+        TorvaneApp app;
+        pge::Headless run(app);
+        ASSERT_TRUE(run.Create());
+        for (int i = 0; i < 30; ++i) run.Frame(0.05f); // 1.5 s: a logo would be fully there
+        ASSERT_GE(app.logoTime, 0.0f);
+        const pge::Sprite& target = *app.GetDrawTarget();
+        int lit = 0;
+        for (const pge::Pixel& p : target.pColData) lit += p != pge::BLACK;
+        EXPECT_EQ(lit, 0);
+    }
+    adv::Assets::Clear();
+    std::filesystem::remove_all(root);
+
+    // Only a time above 0 ends a run; NaN is none.
+    TorvaneApp endless;
+    Apply(endless, {"--skip-intro", "--exit-after=nan"});
+    pge::Headless run(endless);
+    ASSERT_TRUE(run.Create());
+    for (int i = 0; i < 10; ++i) EXPECT_TRUE(run.Frame(0.1f)) << i;
+}
+
+TEST(TorvaneAppStart, FarLevelsStartAndPlay) {
+    for (const char* level : {"--level=2147483647", "--level=536870912"}) {
+        for (int classic : {0, 1}) {
+            torvane::GetSettings().classic = classic;
+            TorvaneApp app;
+            Apply(app, {level, "--autoplay"});
+            pge::Headless run(app);
+            ASSERT_TRUE(run.Create());
+            for (int i = 0; i < 40; ++i) ASSERT_TRUE(run.Frame(0.05f)) << level << " " << classic;
+            EXPECT_GE(app.game.config.shots, 1) << level << " " << classic;
+        }
+    }
+    torvane::GetSettings().classic = 0;
 }

@@ -3,6 +3,7 @@
 #include "game/content/PackStorage.h"
 
 #include <filesystem>
+#include <unistd.h>
 #include <map>
 #include <memory>
 #include <string>
@@ -40,7 +41,7 @@ struct MemoryStore {
 
 // A fresh, empty folder under the build tree for one test.
 inline std::filesystem::path ScratchFolder(const std::string& name) {
-    const std::filesystem::path dir = std::filesystem::path(TORVANE_BINARY_DIR) / "content_scratch" / name;
+    const std::filesystem::path dir = std::filesystem::path(TORVANE_BINARY_DIR) / "content_scratch" / (name + "_" + std::to_string(getpid()));
     std::filesystem::remove_all(dir);
     std::filesystem::create_directories(dir);
     return dir;

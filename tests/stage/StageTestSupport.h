@@ -12,6 +12,8 @@
 
 #include <gtest/gtest.h>
 
+#include <unistd.h>
+
 #include <cstdlib>
 #include <filesystem>
 #include <string>
@@ -23,7 +25,7 @@ using Pixels = std::vector<pge::Pixel>;
 
 // A fresh asset tree below the build folder, made the asset root.
 inline std::string MakeAssetRoot(const std::string& name) {
-    const std::filesystem::path base = std::filesystem::path(TORVANE_BINARY_DIR) / "tower_view_tests" / name;
+    const std::filesystem::path base = std::filesystem::path(TORVANE_BINARY_DIR) / "tower_view_tests" / (name + "_" + std::to_string(getpid()));
     std::filesystem::remove_all(base);
     std::filesystem::create_directories(base / "bin");
     std::filesystem::create_directories(base / "Resources" / "assets" / "torvane");

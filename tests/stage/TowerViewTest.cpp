@@ -2,6 +2,7 @@
 // the ray-cast wall itself, and the landscape behind it with its theme.
 #include "engine/Assets.h"
 #include "game/content/PackStorage.h"
+#include "game/rules/AutoPlayer.h"
 #include "game/rules/LevelPack.h"
 #include "game/rules/Pieces.h"
 #include "game/stage/RingCamera.h"
@@ -16,6 +17,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <filesystem>
+#include <random>
 #include <set>
 
 namespace torvane {
@@ -75,6 +77,48 @@ TEST_F(TowerViewFrameTest, ClassicLevelSevenWithFiveTowers) {
     g.clock = 2.0f;
     DrawAt(g, 0.5f, 0.0f);
     ExpectMatchesReference(Screen(), "classic_level7");
+}
+
+// What the view keeps between frames must never show. A game played by the bot, in random
+// steps through building, attacks, ruins and new levels, on the ring with its turning camera
+// and on five classic towers, is drawn by a view that keeps what it can and by one that
+// works out every frame anew: every pixel of every frame is the same.
+TEST_F(TowerViewFrameTest, KeptAndFreshFramesAreTheSame) {
+    struct : pge::PixelEngine {
+        bool OnUserCreate() override { return true; }
+    } fresh;
+    pge::Headless freshRun{fresh};
+    ASSERT_TRUE(freshRun.Create());
+    TowerView anew;
+    std::mt19937 pick(99);
+    for (const bool classic : {false, true}) {
+        Game g = Started(classic, 5, classic ? 7 : 1);
+        AutoPlayer bot;
+        RingCamera ring;
+        float time = 0.0f;
+        for (int frame = 0; frame < 250; ++frame) {
+            for (int step = std::uniform_int_distribution<int>(0, 24)(pick); step > 0; --step) {
+                g.Update(0.05f);
+                if (step % 2 == 0) bot.Step(g);
+                if (g.phase == Phase::Over) g.NewGame();
+            }
+            const float dt = std::uniform_real_distribution<float>(0.0f, 0.1f)(pick);
+            time += dt;
+            ring.Update(g, dt);
+            g.viewCentre = ring.angle;
+            g.viewKnown = true;
+            for (const Event& e : g.TakeEvents())
+                if (e.kind != Event::Sound && e.kind != Event::Say && e.kind != Event::Banner) {
+                    view.OnEvent(e, g);
+                    anew.OnEvent(e, g);
+                }
+            view.Draw(engine, g, stage, time, ring.angle);
+            anew.DropCaches();
+            anew.Draw(fresh, g, stage, time, ring.angle);
+            ASSERT_EQ(Differences(Screen().pColData, fresh.GetDrawTarget()->pColData).size(), 0u)
+                << (classic ? "classic" : "ring") << " frame " << frame << " level " << g.level;
+        }
+    }
 }
 
 TEST_F(TowerViewMarksTest, RedGapsEndBelowTheLineAndStaleFlashesDrawNothing) {
@@ -244,6 +288,44 @@ TEST_F(BackgroundTest, PalettedFrameWithCycle) {
     ExpectMatchesReference(Screen(), "paletted_cycle");
 }
 
+TEST_F(BackgroundTest, DamagedCycleFilesAndFoldersForFilesFallBack) {
+    // Frames beyond any image, or beyond this 320 by 200 one, would stretch the wall's map
+    // over gigabytes: they are not used, and the grid stands where the ring puts it.
+    const char* frames[] = {R"("centre_x": 1e300, "half_width": 40)", R"("centre_x": 160, "half_width": 1e6)",
+                            R"("centre_x": 16000, "half_width": 16000)", R"("centre_x": 160, "half_width": 40)"};
+    for (int i = 0; i < 4; ++i) {
+        SCOPED_TRACE(i);
+        view = TowerView(); // the background is built afresh
+        const std::string root = MakeAssetRoot("bad_frame_" + std::to_string(i));
+        WriteWaterBackground(root);
+        WriteText(root + "/torvane/color-cycles.json",
+                  std::string(R"({"backgrounds": [{"file": "torvane-bg-01-desert-cycle.png", "tower_frame": {)") +
+                      frames[i] + R"(, "rim_y": 60, "base_y": 180}}]})");
+        const Game g = Started(false, 5, 1);
+        DrawAt(g, 0.0f);
+        EXPECT_TRUE(view.indexed);
+        EXPECT_EQ(view.frame.valid, i == 3); // the last one fits
+        EXPECT_EQ(view.layout.integrated, i == 3);
+    }
+    // A folder where the cycle file should be: one message, and the image stands still.
+    std::string root = MakeAssetRoot("cycle_folder");
+    WriteWaterBackground(root);
+    std::filesystem::remove(root + "/torvane/color-cycles.json");
+    std::filesystem::create_directory(root + "/torvane/color-cycles.json");
+    view = TowerView();
+    ::testing::internal::CaptureStderr();
+    DrawAt(Started(false, 5, 1), 0.0f);
+    EXPECT_NE(::testing::internal::GetCapturedStderr().find("[torvane] Farbzyklen nicht lesbar: Datei fehlt: "),
+              std::string::npos);
+    EXPECT_TRUE(view.indexed && view.cycles.empty());
+    // A folder where the image should be: the painted landscape.
+    root = MakeAssetRoot("image_folder");
+    std::filesystem::create_directory(root + "/torvane/torvane-bg-01-desert-cycle.png");
+    view = TowerView();
+    DrawAt(Started(false, 5, 1), 0.0f);
+    EXPECT_FALSE(view.indexed);
+}
+
 // The theme of a level, its image key and the colour-cycle file.
 using ThemeTest = RulesTest;
 
@@ -290,6 +372,20 @@ TEST_F(ThemeTest, ColourCycleFile) {
     EXPECT_EQ(b[0].Frame(100.0f), 0);
     EXPECT_EQ(b[2].direction, 1);
     EXPECT_TRUE(ColorCyclesFor("c.png").empty());
+}
+
+TEST_F(ThemeTest, NumbersBeyondAnIntAreHeldAndNaNIsTheDefault) {
+    WriteText(MakeAssetRoot("theme_numbers") + "/torvane/color-cycles.json", R"({"backgrounds": [
+        {"file": "a.png", "palette_start": 1e10, "palette_end": nan, "direction": -1e10, "fps": 1e300},
+        {"file": "a.png", "palette_start": -1e10, "palette_end": 5, "direction": nan, "fps": nan}]})");
+    const std::vector<adv::PaletteCycle>& a = ColorCyclesFor("a.png");
+    ASSERT_EQ(a.size(), 2u);
+    EXPECT_EQ(a[0].start, INT32_MAX);
+    EXPECT_EQ(a[0].end, 0);
+    EXPECT_EQ(a[0].direction, -1);
+    EXPECT_EQ(a[1].start, INT32_MIN);
+    EXPECT_EQ(a[1].direction, 1);
+    for (const adv::PaletteCycle& c : a) EXPECT_EQ(c.Frame(12.5f), 0); // empty or endless ranges stand still
 }
 
 TEST_F(ThemeTest, UnreadableCycleFileIsReportedOnce) {
