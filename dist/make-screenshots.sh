@@ -5,16 +5,22 @@ set -euo pipefail
 HERE=$(cd "$(dirname "$0")" && pwd)
 GAME=$(cd "${1:-$HERE/../build}" && pwd)/torvane
 cd "$HERE/screenshots"
+# A fresh data folder, so that no one's settings show: the defaults, in English.
+export XDG_DATA_HOME
+XDG_DATA_HOME=$(mktemp -d)
+trap 'rm -rf "$XDG_DATA_HOME"' EXIT
+mkdir "$XDG_DATA_HOME/Torvane"
+printf 'settings_version=2\nlanguage=en\n' > "$XDG_DATA_HOME/Torvane/settings.txt"
 shot() { # $1 name, then the game's options
     local name=$1
     shift
     xvfb-run -a "$GAME" --windowed --no-sound --skip-intro "$@" --screenshot="$name.png" 2>/dev/null
 }
-shot attack --seed=5 --autoplay --level=2 --exit-on=attack
-shot build --seed=3 --autoplay --level=3 --exit-after=14
-shot classic --classic --seed=4 --autoplay --level=2 --exit-on=attack
+shot title --exit-after=4
+shot attack --seed=7 --autoplay --level=3 --exit-on=attack
+shot classic --classic --seed=4 --autoplay --level=2 --exit-after=12
 # The game writes its pictures fast rather than small: compress them for the repository.
-python3 - attack.png build.png classic.png <<'PY'
+python3 - title.png attack.png classic.png <<'PY'
 import struct, sys, zlib
 for path in sys.argv[1:]:
     data = open(path, "rb").read()
