@@ -25,6 +25,7 @@ bool IsRegularFile(const std::string& path) {
 
 std::string Assets::s_root = "assets";
 std::map<std::string, std::unique_ptr<pge::Renderable>> Assets::s_cache;
+std::set<std::string> Assets::s_failed;
 
 void Assets::Init(const std::string& executable) {
     const std::string bundle = ParentOf(executable) + "/../Resources/assets";
@@ -57,11 +58,20 @@ pge::Renderable* Assets::Sprite(const std::string& key) {
     if (!IsRegularFile(path) || image->Load(path, nullptr, false, true) != pge::OK) {
         std::fprintf(stderr, "[assets] Konnte '%s' nicht laden - benutze Platzhalter.\n", path.c_str());
         image = MakePlaceholder();
+        s_failed.insert(key);
     }
     return s_cache.emplace(key, std::move(image)).first->second.get();
 }
 
-void Assets::Clear() { s_cache.clear(); }
+bool Assets::Failed(const std::string& key) {
+    Sprite(key);
+    return s_failed.count(key) > 0;
+}
+
+void Assets::Clear() {
+    s_cache.clear();
+    s_failed.clear();
+}
 
 std::unique_ptr<pge::Renderable> Assets::MakePlaceholder() {
     auto image = std::make_unique<pge::Renderable>();

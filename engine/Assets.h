@@ -6,6 +6,7 @@
 
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 
 namespace adv {
@@ -20,6 +21,8 @@ public:
     static bool Missing(const std::string& key);
     // The cached image, or the placeholder; never null. Valid until Clear.
     static pge::Renderable* Sprite(const std::string& key);
+    // True when Sprite(key) gives the placeholder: the file is missing or does not decode.
+    static bool Failed(const std::string& key);
     static void Clear();
 
 private:
@@ -27,6 +30,7 @@ private:
 
     static std::string s_root;
     static std::map<std::string, std::unique_ptr<pge::Renderable>> s_cache;
+    static std::set<std::string> s_failed; // keys whose cache entry is the placeholder
 };
 
 } // namespace adv

@@ -322,7 +322,10 @@ void Polyline(pge::Sprite* sprite, const std::vector<pge::vf2d>& points, pge::Pi
     }
     const float period = dash + std::max(gap, 0.0f);
     float phase = 0.0f;
-    for (const auto& [a, b] : segments) {
+    for (const auto& segment : segments) {
+        // Named references, not a structured binding: the lambda below captures them.
+        const pge::vf2d& a = segment.first;
+        const pge::vf2d& b = segment.second;
         const float dx = b.x - a.x, dy = b.y - a.y;
         const float length = std::sqrt(dx * dx + dy * dy);
         if (length < 0.0001f) continue;

@@ -1,13 +1,13 @@
 #include "engine/IndexedImage.h"
 
+#include "pge/Files.h"
+
 #include <stb_image.h>
 
 #include <climits>
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
-#include <fstream>
-#include <iterator>
 
 namespace adv {
 namespace {
@@ -65,24 +65,28 @@ int PaletteCycle::Frame(float time) const {
 }
 
 bool IndexedImage::Load(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    if (!in) return false;
-    const std::vector<uint8_t> file((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-    if (file.size() < 8 || std::memcmp(file.data(), kSignature, 8) != 0) return false;
+    std::string bytes;
+    if (!pge::files::ReadAll(path, bytes)) return false;
+    return Decode(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size());
+}
+
+bool IndexedImage::Decode(const uint8_t* file, size_t size) {
+    if (size < 8 || std::memcmp(file, kSignature, 8) != 0) return false;
 
     palette.fill(pge::Pixel(0, 0, 0, 255));
     bool acceptable = false;
     std::vector<uint8_t> compressed;
     size_t at = 8;
-    while (file.size() - at >= 12) {
+    while (size - at >= 12) {
         const uint64_t length = ReadU32(&file[at]);
         const uint8_t* type = &file[at + 4];
-        if (at + 12 + length > file.size()) return false;
+        if (at + 12 + length > size) return false;
         const uint8_t* data = &file[at + 8];
         if (std::memcmp(type, "IHDR", 4) == 0) {
+            // A short header is not read at all: its chunk may end the file.
             acceptable = length >= 13 && data[8] == 8 && data[9] == 3 && data[12] == 0;
-            width = int32_t(ReadU32(data));
-            height = int32_t(ReadU32(data + 4));
+            width = acceptable ? int32_t(ReadU32(data)) : 0;
+            height = acceptable ? int32_t(ReadU32(data + 4)) : 0;
         } else if (std::memcmp(type, "PLTE", 4) == 0) {
             for (uint64_t i = 0; i < length / 3 && i < 256; ++i)
                 palette[i] = pge::Pixel(data[i * 3], data[i * 3 + 1], data[i * 3 + 2], 255);

@@ -4,6 +4,7 @@
 #include "pge/Pixel.h"
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -30,6 +31,8 @@ struct IndexedImage {
     // Reads an 8-bit paletted, non-interlaced PNG file. After a false the contents
     // are undefined.
     bool Load(const std::string& path);
+    // The same from the file's bytes in memory.
+    bool Decode(const uint8_t* file, size_t size);
     // The palette with every cycle applied at this time; later cycles override earlier ones.
     std::array<pge::Pixel, 256> CycledPalette(const std::vector<PaletteCycle>& cycles, float time) const;
 };

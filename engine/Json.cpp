@@ -1,10 +1,11 @@
 #include "engine/Json.h"
 
+#include "pge/Files.h"
+
 #include <cctype>
+#include <cmath>
 #include <cstdlib>
 #include <cstring>
-#include <fstream>
-#include <iterator>
 #include <utility>
 
 namespace adv::json {
@@ -240,6 +241,12 @@ Value Value::MakeObject(std::map<std::string, Value> m) {
 
 bool Value::Bool(bool fallback) const { return type == Type::Boolean ? boolean : fallback; }
 double Value::Number(double fallback) const { return type == Type::Number ? number : fallback; }
+int32_t Value::Int(int32_t fallback) const {
+    if (type != Type::Number || std::isnan(number)) return fallback;
+    if (number <= double(INT32_MIN)) return INT32_MIN;
+    if (number >= double(INT32_MAX)) return INT32_MAX;
+    return int32_t(number);
+}
 const std::string& Value::String() const { return type == Type::String ? text : kEmptyString; }
 const std::vector<Value>& Value::Items() const { return type == Type::Array ? items : kEmptyItems; }
 
@@ -265,12 +272,11 @@ bool Parse(const std::string& text, Value& out, std::string* error) {
 }
 
 bool ParseFile(const std::string& path, Value& out, std::string* error) {
-    std::ifstream in(path, std::ios::binary);
-    if (!in) {
+    std::string text;
+    if (!pge::files::ReadAll(path, text)) {
         if (error) *error = "Datei fehlt: " + path;
         return false;
     }
-    const std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
     return Parse(text, out, error);
 }
 

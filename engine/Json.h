@@ -35,6 +35,9 @@ struct Value {
 
     bool Bool(bool fallback) const;
     double Number(double fallback) const;
+    // The number truncated towards zero and held to the range of int32_t; a NaN or
+    // no number at all gives the fallback.
+    int32_t Int(int32_t fallback) const;
     const std::string& String() const;
     const std::vector<Value>& Items() const;
     // A null value when this is no object or has no such member.

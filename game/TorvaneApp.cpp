@@ -256,7 +256,8 @@ void TorvaneApp::ProcessEvents() {
 }
 
 bool TorvaneApp::FinishFrame() {
-    if (exitAt <= 0.0f || exitAt > clock) return true;
+    // Only a time above 0 counts, so a NaN never ends the run.
+    if (!(exitAt > 0.0f) || exitAt > clock) return true;
     quit = true;
     if (!screenshotPath.empty()) {
         if (adv::screenshot::SavePng(*GetDrawTarget(), screenshotPath)) {
@@ -279,7 +280,8 @@ void TorvaneApp::UpdateLogo(float dt) {
         return;
     }
     Clear(pge::BLACK);
-    if (adv::Assets::Missing(kLogoKey)) return;
+    // Without a logo that decodes, the intro stays black.
+    if (adv::Assets::Missing(kLogoKey) || adv::Assets::Failed(kLogoKey)) return;
     const pge::Sprite* logo = adv::Assets::Sprite(kLogoKey)->Sprite();
     if (!logo || logo->width < 1 || logo->height < 1) return;
 

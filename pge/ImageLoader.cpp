@@ -1,13 +1,69 @@
 #include "pge/ImageLoader.h"
 
+#include "pge/Files.h"
+
 #include <stb_image.h>
 
+#include <climits>
 #include <cstring>
 #include <filesystem>
 
 namespace pge {
 
+namespace {
+
+// More pixels than any picture of the game by far; the decoder is not asked to try.
+constexpr int64_t kMaxImagePixels = int64_t(kMaxImageSide) * 2048;
+
+// The decoder trusts a JPEG's Huffman table counts and writes past its table when
+// they add up to more than 256 codes. Such a file is refused before decoding. Like
+// the decoder, this looks at every marker "FF C4" after the start marker.
+bool HuffmanTablesSound(const uint8_t* bytes, size_t size) {
+    size_t at = 0;
+    while (at < size && bytes[at] == 0xFF) ++at;
+    if (at < 1 || at >= size || bytes[at] != 0xD8) return true; // no JPEG
+    const auto byte = [&](size_t i) { return i < size ? size_t(bytes[i]) : 0; }; // 0 past the end, as it reads
+    for (; at + 1 < size; ++at) {
+        if (bytes[at] != 0xFF || bytes[at + 1] != 0xC4) continue;
+        // Tables follow while the segment's length is not used up, as the decoder reads them.
+        int64_t left = int64_t(byte(at + 2) << 8 | byte(at + 3)) - 2;
+        for (size_t table = at + 4; left > 0 && table < size;) {
+            size_t codes = 0;
+            for (size_t i = 1; i <= 16; ++i) codes += byte(table + i);
+            if (codes > 256) return false;
+            left -= int64_t(17 + codes);
+            table += 17 + codes;
+        }
+    }
+    return true;
+}
+
+} // namespace
+
 std::unique_ptr<ImageLoader> loader;
+
+rcode DecodeImage(Sprite* spr, const uint8_t* bytes, size_t size) {
+    spr->pColData.clear();
+    spr->width = 0;
+    spr->height = 0;
+    if (size > size_t(INT_MAX) || !HuffmanTablesSound(bytes, size)) return FAIL;
+    int w = 0, h = 0, channels = 0;
+    // The header's size first: a few bytes can announce gigabytes.
+    if (!stbi_info_from_memory(bytes, int(size), &w, &h, &channels) || w < 1 || h < 1 || w > kMaxImageSide ||
+        h > kMaxImageSide || int64_t(w) * h > kMaxImagePixels)
+        return FAIL;
+    stbi_uc* pixels = stbi_load_from_memory(bytes, int(size), &w, &h, &channels, 4);
+    if (!pixels) return FAIL;
+    // A picture without pixels is no picture.
+    if (w < 1 || h < 1) {
+        stbi_image_free(pixels);
+        return FAIL;
+    }
+    spr->SetSize(w, h);
+    std::memcpy(spr->pColData.data(), pixels, size_t(w) * size_t(h) * 4);
+    stbi_image_free(pixels);
+    return OK;
+}
 
 rcode ImageLoader_STB::LoadImageResource(Sprite* spr, const std::string& path, void*) {
     spr->pColData.clear();
@@ -15,14 +71,9 @@ rcode ImageLoader_STB::LoadImageResource(Sprite* spr, const std::string& path, v
     spr->height = 0;
     std::error_code ec;
     if (!std::filesystem::exists(std::filesystem::status(path, ec))) return NO_FILE;
-
-    int w = 0, h = 0, channels = 0;
-    stbi_uc* bytes = stbi_load(path.c_str(), &w, &h, &channels, 4);
-    if (!bytes) return FAIL;
-    spr->SetSize(w, h);
-    std::memcpy(spr->pColData.data(), bytes, size_t(w) * size_t(h) * 4);
-    stbi_image_free(bytes);
-    return OK;
+    std::string bytes;
+    if (!files::ReadAll(path, bytes)) return FAIL;
+    return DecodeImage(spr, reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size());
 }
 
 rcode ImageLoader_STB::SaveImageResource(Sprite*, const std::string&) { return OK; }

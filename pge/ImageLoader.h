@@ -3,10 +3,15 @@
 #include "pge/Renderer.h"
 #include "pge/Sprite.h"
 
+#include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <string>
 
 namespace pge {
+
+// The longest side of a picture that is decoded at all; beyond any real image.
+inline constexpr int kMaxImageSide = 16384;
 
 class ImageLoader {
 public:
@@ -23,6 +28,10 @@ public:
     // Screenshots have a writer of their own; this one only reports success.
     rcode SaveImageResource(Sprite* spr, const std::string& path) override;
 };
+
+// A picture file's bytes into the sprite as RGBA: OK, or FAIL (sprite empty) for bytes
+// that do not decode, decode to no pixels or announce a size beyond kMaxImageSide.
+rcode DecodeImage(Sprite* spr, const uint8_t* bytes, size_t size);
 
 // The process-wide loader, set by the engine.
 extern std::unique_ptr<ImageLoader> loader;

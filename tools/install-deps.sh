@@ -11,6 +11,7 @@ packages=(
   xvfb xdotool x11-utils
   python3
   desktop-file-utils appstream man-db dpkg-dev
+  clang-14 libclang-rt-14-dev
 )
 
 missing=()

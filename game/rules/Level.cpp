@@ -3,6 +3,7 @@
 #include "game/rules/LevelPack.h"
 
 #include <algorithm>
+#include <climits>
 #include <cmath>
 #include <cstdlib>
 
@@ -41,15 +42,28 @@ constexpr RingRow kRows[7] = {
 
 constexpr const char* kCompassOrder = "NSOW";
 
+// The formulas are worked in 64 bits, so that no level overflows; a result beyond
+// the range of int is held at its end.
+int Saturate(int64_t v) { return static_cast<int>(std::clamp<int64_t>(v, INT_MIN, INT_MAX)); }
+
+int Saturate(float v) {
+    if (!(v > static_cast<float>(INT_MIN))) return INT_MIN;
+    return v < static_cast<float>(INT_MAX) ? static_cast<int>(v) : INT_MAX;
+}
+
 // Shots rounded up to a whole number per sector (0 without sectors).
-int RoundUpToSectors(int shots, int sectors) {
+int64_t RoundUpToSectors(int64_t shots, int sectors) {
     if (sectors <= 0) return 0;
     return (shots + sectors - 1) / sectors * sectors;
 }
 
+// Spare ones and twos of n shots: a rounded third of four fifths of the next shot.
+int64_t SparesFor(int64_t n) { return ((n + 1) * 4 / 5 + 2) / 3; }
+
 LevelConfig ClassicConfig(int level) {
     const ClassicRow& row = kTable[std::min(level, 7) - 1];
     const int t = row.towers;
+    const int64_t l = level;
     const float lf = static_cast<float>(level);
     const float tf = static_cast<float>(t);
     LevelConfig c;
@@ -57,13 +71,13 @@ LevelConfig ClassicConfig(int level) {
     c.width = row.width;
     c.height = row.width == 8 ? 14 : 16;
     c.line = row.width == 8 ? 6 : 7;
-    c.buildTime = static_cast<float>(std::max(70 - 6 * (level - 1), 35) + 25 * (t - 1));
-    c.shots = static_cast<int>(std::floor(2.0f * (lf + 2.0f) * (1.0f + 0.5f * (tf - 1.0f)) + 0.5f));
+    c.buildTime = static_cast<float>(std::max<int64_t>(70 - 6 * (l - 1), 35) + 25 * (t - 1));
+    c.shots = Saturate(std::floor(2.0f * (lf + 2.0f) * (1.0f + 0.5f * (tf - 1.0f)) + 0.5f));
     c.flightTime = std::max(4.0f * std::pow(0.86f, lf - 1.0f), 1.0f);
     c.interval = std::max((5.0f - 0.45f * (lf - 1.0f)) / (1.0f + 0.25f * (tf - 1.0f)), 1.1f);
     c.pieces = static_cast<int>(
         std::floor(static_cast<float>(t * c.width * c.height) * 0.62f * 0.25f + 0.5f));
-    c.need = std::min(50 + 5 * (level - 1), 85);
+    c.need = static_cast<int>(std::min<int64_t>(50 + 5 * (l - 1), 85));
     c.spareOnes = c.spareTwos = 2 * (t - 1) + std::max(5 - level, 1);
     return c;
 }
@@ -81,14 +95,14 @@ void ApplyPackLevel(LevelConfig& c, const PackLevel& p, const Settings& settings
     c.interval = static_cast<float>(p.interval) / 10.0f;
     c.sectors.clear();
     for (char letter : p.directions) c.sectors.push_back(CompassSector(letter, settings));
-    const int v = (RoundUpToSectors(c.shots, static_cast<int>(c.sectors.size())) + 1) * 4;
-    c.spareOnes = c.spareTwos = v < 50 ? 3 : (v / 5 + 2) / 3;
+    const int64_t n = RoundUpToSectors(c.shots, static_cast<int>(c.sectors.size()));
+    c.spareOnes = c.spareTwos = (n + 1) * 4 < 50 ? 3 : Saturate(SparesFor(n));
 }
 
 LevelConfig RingConfig(int level, const Settings& settings) {
     const int i = std::min(level, 7);
     const RingRow& row = kRows[i - 1];
-    const int e = std::max(level - 7, 0);
+    const int64_t e = std::max(level - 7, 0);
     const int s = row.directions;
     const float ef = static_cast<float>(e);
     LevelConfig c;
@@ -98,17 +112,16 @@ LevelConfig RingConfig(int level, const Settings& settings) {
     c.ring = true;
     c.ruinRows = settings.ruinRows;
     for (int k = 0; k < s; ++k) c.sectors.push_back(CompassSector(kCompassOrder[k], settings));
-    c.shots = row.shots + 2 * e;
+    c.shots = Saturate(row.shots + 2 * e);
     c.flightTime = std::max(row.flight - 0.2f * ef, 1.2f);
     c.interval = std::max((5.0f - 0.3f * static_cast<float>(i - 1) - 0.1f * ef) /
                               (1.0f + 0.25f * static_cast<float>(s - 1)),
                           1.1f);
-    c.line = std::min(row.line + e / 2, c.height - 2);
-    c.need = std::min(row.need + 5 * (e / 2), 70);
+    c.line = static_cast<int>(std::min<int64_t>(row.line + e / 2, int64_t(c.height) - 2));
+    c.need = static_cast<int>(std::min<int64_t>(row.need + 5 * (e / 2), 70));
     c.pieces = row.pieces;
-    c.buildTime = static_cast<float>(std::max(70 - 4 * (level - 1), 40) + 20 * (s - 1));
-    const int n = RoundUpToSectors(c.shots, s);
-    c.spareOnes = c.spareTwos = std::max(((n + 1) * 4 / 5 + 2) / 3, row.spares);
+    c.buildTime = static_cast<float>(std::max<int64_t>(70 - 4 * (int64_t(level) - 1), 40) + 20 * (s - 1));
+    c.spareOnes = c.spareTwos = Saturate(std::max<int64_t>(SparesFor(RoundUpToSectors(c.shots, s)), row.spares));
 
     const LevelPack* pack = ActivePack();
     if (pack != nullptr && level <= static_cast<int>(pack->levels.size()))

@@ -173,9 +173,11 @@ std::vector<Cell> Game::RepairFit(char letter, const Focus& f) const {
                     minX = std::min(minX, at.x);
                     minY = std::min(minY, at.y);
                 }
+                // Only a fit has a key: a shape that left at once has no lowest row.
+                if (!fits) continue;
                 // The lowest row wins, then the smallest column, then the first found.
                 const int key = minX + 100 * minY;
-                if (fits && key < bestKey) {
+                if (key < bestKey) {
                     bestKey = key;
                     best = laid;
                 }

@@ -58,9 +58,9 @@ void TowerView::BuildBackground(const Game& game, const Layout& lay) {
     if (!key.empty() && W > 0 && H > 0 && image->Load(path) && image->width > 0 && image->height > 0) {
         indexed = std::move(image);
         cycles = ColorCyclesFor(key);
-        frame = TowerFrameFor(key);
         const int iw = indexed->width;
         const int ih = indexed->height;
+        frame = TowerFrameFor(key, iw, ih);
         frameScale = static_cast<float>(W) / static_cast<float>(iw);
         // The image at the stage's full width, hanging from the top of the screen.
         const long sh = std::max(std::lround(static_cast<double>(ih) * W / iw), 1L);
@@ -82,7 +82,7 @@ void TowerView::BuildBackground(const Game& game, const Layout& lay) {
     } else if (!key.empty() && W > 0 && H > 0 && !adv::Assets::Missing(key)) {
         const pge::Sprite source(path);
         if (source.width > 0 && source.height > 0) {
-            frame = TowerFrameFor(key);
+            frame = TowerFrameFor(key, source.width, source.height);
             frameScale = static_cast<float>(W) / static_cast<float>(source.width);
             const int sh = static_cast<int>(
                 std::max(std::lround(static_cast<double>(source.height) * W / source.width), 1L));

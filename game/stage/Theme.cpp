@@ -4,10 +4,12 @@
 #include "engine/Json.h"
 #include "game/content/PackStorage.h"
 #include "game/rules/Level.h"
+#include "pge/ImageLoader.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <iterator>
 #include <map>
 #include <tuple>
 
@@ -70,18 +72,27 @@ std::map<std::string, BackgroundInfo> ReadCycles(const adv::json::Value& root) {
     for (const adv::json::Value& item : root["backgrounds"].Items()) {
         BackgroundInfo& info = infos[item["file"].String()];
         adv::PaletteCycle cycle;
-        cycle.start = static_cast<int32_t>(item["palette_start"].Number(0.0));
-        cycle.end = static_cast<int32_t>(item["palette_end"].Number(0.0));
-        cycle.fps = static_cast<float>(item["fps"].Number(0.0));
-        cycle.direction = static_cast<int32_t>(item["direction"].Number(1.0)) < 0 ? -1 : 1;
+        cycle.start = item["palette_start"].Int(0);
+        cycle.end = item["palette_end"].Int(0);
+        cycle.fps = static_cast<float>(std::clamp(item["fps"].Number(0.0), -1e6, 1e6)); // NaN stays NaN: no steps
+        cycle.direction = item["direction"].Int(1) < 0 ? -1 : 1;
         info.cycles.push_back(cycle);
         const adv::json::Value& frame = item["tower_frame"];
         if (frame.type == adv::json::Value::Type::Object) {
-            info.frame.valid = true;
-            info.frame.centre_x = static_cast<float>(frame["centre_x"].Number(0.0));
-            info.frame.half_width = static_cast<float>(frame["half_width"].Number(0.0));
-            info.frame.rim_y = static_cast<float>(frame["rim_y"].Number(0.0));
-            info.frame.base_y = static_cast<float>(frame["base_y"].Number(0.0));
+            const double numbers[4] = {frame["centre_x"].Number(0.0), frame["half_width"].Number(0.0),
+                                       frame["rim_y"].Number(0.0), frame["base_y"].Number(0.0)};
+            // A number beyond any image cannot be meant: the whole frame is not valid.
+            const bool plausible = std::all_of(std::begin(numbers), std::end(numbers), [](double v) {
+                return std::fabs(v) <= static_cast<double>(pge::kMaxImageSide);
+            });
+            info.frame = TowerFrame();
+            if (plausible) {
+                info.frame.valid = true;
+                info.frame.centre_x = static_cast<float>(numbers[0]);
+                info.frame.half_width = static_cast<float>(numbers[1]);
+                info.frame.rim_y = static_cast<float>(numbers[2]);
+                info.frame.base_y = static_cast<float>(numbers[3]);
+            }
         }
     }
     return infos;
@@ -126,6 +137,17 @@ const std::string& BackgroundFor(const Theme& theme) {
 const std::vector<adv::PaletteCycle>& ColorCyclesFor(const std::string& key) { return InfoFor(key).cycles; }
 
 TowerFrame TowerFrameFor(const std::string& key) { return InfoFor(key).frame; }
+
+TowerFrame TowerFrameFor(const std::string& key, int imageWidth, int imageHeight) {
+    const TowerFrame frame = InfoFor(key).frame;
+    const float w = static_cast<float>(imageWidth), h = static_cast<float>(imageHeight);
+    // A tower beyond its image, without width or standing on its head would stretch the
+    // wall over far more than the stage.
+    const bool inside = frame.centre_x >= 0.0f && frame.centre_x <= w && frame.half_width > 0.0f &&
+                        frame.half_width <= w && frame.rim_y >= 0.0f && frame.rim_y < frame.base_y &&
+                        frame.base_y <= h;
+    return inside ? frame : TowerFrame();
+}
 
 namespace rim {
 

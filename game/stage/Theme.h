@@ -43,6 +43,8 @@ const Theme& ThemeAt(int index);
 const std::string& BackgroundFor(const Theme& theme);
 const std::vector<adv::PaletteCycle>& ColorCyclesFor(const std::string& key);
 TowerFrame TowerFrameFor(const std::string& key);
+// The same, valid only when the tower stands inside an image of this size.
+TowerFrame TowerFrameFor(const std::string& key, int imageWidth, int imageHeight);
 
 namespace rim {
 // Height of the painted rim in image pixels, by background and image column 96 to 190.

@@ -367,8 +367,12 @@ TEST(TorvaneAppFrame, ExitAfterWritesTheScreenshotOfThatFrame) {
     ASSERT_NE(px, nullptr);
     EXPECT_EQ(w, 640);
     EXPECT_EQ(h, 400);
-    EXPECT_EQ(px[0], TitleCorner(app).r);
-    EXPECT_EQ(px[(399 * 640 + 639) * 4 + 2], torvane::kPanel.b); // the help bar
+    // The file holds the last frame drawn, corner to corner.
+    const pge::Sprite& frame = *app.GetDrawTarget();
+    for (const auto& [x, y] : {std::pair{0, 0}, std::pair{639, 399}, std::pair{320, 200}}) {
+        const stbi_uc* p = px + (y * 640 + x) * 4;
+        EXPECT_EQ(pge::Pixel(p[0], p[1], p[2], p[3]), frame.GetPixel(x, y)) << x << "," << y;
+    }
     stbi_image_free(px);
     std::remove(path.c_str());
 }
@@ -401,4 +405,51 @@ TEST(TorvaneAppFrame, ZeroExitTimeNeverEndsAndNoPathWritesNothing) {
     testing::internal::CaptureStderr();
     EXPECT_FALSE(r.Frame(0.5f));
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+}
+
+TEST(TorvaneAppFrame, UndecodableLogoStaysBlackAndNaNNeverEndsTheRun) {
+    // A logo file that does not decode: the intro stays black, with no placeholder.
+    const std::string root = TempPath("bad_logo_root");
+    std::filesystem::create_directories(root + "/bin");
+    std::filesystem::create_directories(root + "/Resources/assets/logo");
+    std::FILE* logo = std::fopen((root + "/Resources/assets/logo/logo.jpg").c_str(), "wb");
+    ASSERT_NE(logo, nullptr);
+    std::fputs("\xFF\xD8 not a picture", logo);
+    std::fclose(logo);
+    adv::Assets::Init(root + "/bin/torvane");
+    {
+        TorvaneApp app;
+        pge::Headless run(app);
+        ASSERT_TRUE(run.Create());
+        for (int i = 0; i < 30; ++i) run.Frame(0.05f); // 1.5 s: a logo would be fully there
+        ASSERT_GE(app.logoTime, 0.0f);
+        const pge::Sprite& target = *app.GetDrawTarget();
+        int lit = 0;
+        for (const pge::Pixel& p : target.pColData) lit += p != pge::BLACK;
+        EXPECT_EQ(lit, 0);
+    }
+    adv::Assets::Clear();
+    std::filesystem::remove_all(root);
+
+    // Only a time above 0 ends a run; NaN is none.
+    TorvaneApp endless;
+    Apply(endless, {"--skip-intro", "--exit-after=nan"});
+    pge::Headless run(endless);
+    ASSERT_TRUE(run.Create());
+    for (int i = 0; i < 10; ++i) EXPECT_TRUE(run.Frame(0.1f)) << i;
+}
+
+TEST(TorvaneAppStart, FarLevelsStartAndPlay) {
+    for (const char* level : {"--level=2147483647", "--level=536870912"}) {
+        for (int classic : {0, 1}) {
+            torvane::GetSettings().classic = classic;
+            TorvaneApp app;
+            Apply(app, {level, "--autoplay"});
+            pge::Headless run(app);
+            ASSERT_TRUE(run.Create());
+            for (int i = 0; i < 40; ++i) ASSERT_TRUE(run.Frame(0.05f)) << level << " " << classic;
+            EXPECT_GE(app.game.config.shots, 1) << level << " " << classic;
+        }
+    }
+    torvane::GetSettings().classic = 0;
 }

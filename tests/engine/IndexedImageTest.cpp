@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <fstream>
+#include <memory>
 #include <random>
 
 namespace {
@@ -123,6 +124,15 @@ TEST(IndexedImageLoad, OtherKindsAndBrokenFilesFailWithoutCrashing) {
                              Png(Zlib(Bytes(raw.begin(), raw.end() - 1))), Png(Zlib(badFilter)), Png(Bytes(40, 0xAB))})
         EXPECT_FALSE(Load(bad));
     EXPECT_FALSE(adv::IndexedImage().Load(std::string(TORVANE_BINARY_DIR) + "/indexed_test_missing.png"));
+    EXPECT_FALSE(adv::IndexedImage().Load(TORVANE_BINARY_DIR)); // a folder where the image should be
+    // A header too short to hold a size, as the very last chunk: nothing past the file is read.
+    for (uint8_t length : {0, 4, 7}) {
+        Bytes shortHeader = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'};
+        Chunk(shortHeader, "IHDR", Bytes(length, 8));
+        const std::unique_ptr<uint8_t[]> exact(new uint8_t[shortHeader.size()]);
+        std::copy(shortHeader.begin(), shortHeader.end(), exact.get());
+        EXPECT_FALSE(adv::IndexedImage().Decode(exact.get(), shortHeader.size()));
+    }
     std::mt19937 rng(99); // random damage anywhere: no crash, and whatever loads has its promised size
     for (int round = 0; round < 300; ++round) {
         Bytes damaged = good;

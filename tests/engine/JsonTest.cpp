@@ -74,12 +74,21 @@ TEST(JsonValues, EscapesLiteralsContainersAndFallbacks) {
     EXPECT_EQ(b[3]["a"].Number(7.5) + b[6].Number(-1), 6.5);
 }
 
+TEST(JsonValues, IntegersTruncateSaturateAndTakeNoNaN) {
+    const Value v = Parsed("[3.9, -3.9, 1e10, -1e10, 1e300, nan, -inf, 2147483647, \"7\"]");
+    const std::vector<int32_t> expected = {3, -3, INT32_MAX, INT32_MIN, INT32_MAX, 5, INT32_MIN, INT32_MAX, 5};
+    for (size_t i = 0; i < expected.size(); ++i) EXPECT_EQ(v[i].Int(5), expected[i]) << i;
+}
+
 TEST(JsonFiles, MissingBrokenAndRandomFiles) {
     const std::string path = std::string(TORVANE_BINARY_DIR) + "/json_test.json";
     Value v;
     std::string error;
     EXPECT_FALSE(adv::json::ParseFile(path + ".none", v, &error));
     EXPECT_EQ(error, "Datei fehlt: " + path + ".none");
+    // A folder at the path reads as missing, not as an exception.
+    EXPECT_FALSE(adv::json::ParseFile(TORVANE_BINARY_DIR, v, &error));
+    EXPECT_EQ(error, std::string("Datei fehlt: ") + TORVANE_BINARY_DIR);
     std::ofstream(path, std::ios::binary) << "{\"cycles\": [{\"start\": 1}]}";
     ASSERT_TRUE(adv::json::ParseFile(path, v, &error));
     EXPECT_EQ(v["cycles"][size_t(0)]["start"].Number(0), 1.0);

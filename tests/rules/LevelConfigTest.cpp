@@ -1,5 +1,7 @@
 #include "RulesTestSupport.h"
 
+#include <climits>
+
 using namespace torvane;
 using namespace torvane::testing_support;
 
@@ -47,6 +49,10 @@ TEST_F(LevelConfigRing, StatedLevelsAndInvariantsOverThirtyLevels) {
     ExpectRow({7, 1, -1, -1, -1, 12, -1, -1, 7, 106.0f, -1, 3.2f / 1.75f});
     ExpectRow({9, 1, -1, -1, 9, 16, 22, 70, 7, 100.0f, 2.5f, -1});
     ExpectRow({30, 1, -1, -1, 12, 58, -1, 70, 16, 100.0f, 1.2f, 1.1f});
+    // Far levels follow the same rules: 2 * (L - 7) more shots, spares from the rounded-up shots.
+    ExpectRow({536870912, 1, -1, -1, 12, 1073741822, 22, 70, 286331154, 100.0f, 1.2f, 1.1f});
+    // The shots would pass the range of int and stop at its end; the spares follow from them.
+    ExpectRow({INT_MAX, 1, -1, -1, 12, INT_MAX, 22, 70, 572662307, 100.0f, 1.2f, 1.1f});
     EXPECT_EQ(Letters(ConfigFor(1)), "N");
     EXPECT_EQ(Letters(ConfigFor(7)), "NSOW");
     EXPECT_EQ(ConfigFor(7).sectors[3].centre, 8);  // west a quarter round
@@ -87,6 +93,8 @@ TEST_F(LevelConfigClassic, StatedLevelsAndInvariantsOverTenLevels) {
     ExpectRow({7, 5, 8, 14, -1, 54, 87, 80, 9, 135.0f, -1, -1});
     EXPECT_TRUE(ConfigFor(1).sectors.empty());
     EXPECT_EQ(ConfigFor(8).shots, 60);
+    // Six shots a level for five towers would pass the range of int: they stop at its end.
+    ExpectRow({357913943, 5, 8, 14, 6, INT_MAX, 87, 85, 9, 135.0f, 1.0f, 1.1f});
     EXPECT_EQ(ConfigFor(8).need, 85);
     EXPECT_EQ(ConfigFor(10).shots, 72);
     EXPECT_FLOAT_EQ(ConfigFor(10).interval, 1.1f);

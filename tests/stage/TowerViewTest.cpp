@@ -288,6 +288,44 @@ TEST_F(BackgroundTest, PalettedFrameWithCycle) {
     ExpectMatchesReference(Screen(), "paletted_cycle");
 }
 
+TEST_F(BackgroundTest, DamagedCycleFilesAndFoldersForFilesFallBack) {
+    // Frames beyond any image, or beyond this 320 by 200 one, would stretch the wall's map
+    // over gigabytes: they are not used, and the grid stands where the ring puts it.
+    const char* frames[] = {R"("centre_x": 1e300, "half_width": 40)", R"("centre_x": 160, "half_width": 1e6)",
+                            R"("centre_x": 16000, "half_width": 16000)", R"("centre_x": 160, "half_width": 40)"};
+    for (int i = 0; i < 4; ++i) {
+        SCOPED_TRACE(i);
+        view = TowerView(); // the background is built afresh
+        const std::string root = MakeAssetRoot("bad_frame_" + std::to_string(i));
+        WriteWaterBackground(root);
+        WriteText(root + "/torvane/color-cycles.json",
+                  std::string(R"({"backgrounds": [{"file": "torvane-bg-01-desert-cycle.png", "tower_frame": {)") +
+                      frames[i] + R"(, "rim_y": 60, "base_y": 180}}]})");
+        const Game g = Started(false, 5, 1);
+        DrawAt(g, 0.0f);
+        EXPECT_TRUE(view.indexed);
+        EXPECT_EQ(view.frame.valid, i == 3); // the last one fits
+        EXPECT_EQ(view.layout.integrated, i == 3);
+    }
+    // A folder where the cycle file should be: one message, and the image stands still.
+    std::string root = MakeAssetRoot("cycle_folder");
+    WriteWaterBackground(root);
+    std::filesystem::remove(root + "/torvane/color-cycles.json");
+    std::filesystem::create_directory(root + "/torvane/color-cycles.json");
+    view = TowerView();
+    ::testing::internal::CaptureStderr();
+    DrawAt(Started(false, 5, 1), 0.0f);
+    EXPECT_NE(::testing::internal::GetCapturedStderr().find("[torvane] Farbzyklen nicht lesbar: Datei fehlt: "),
+              std::string::npos);
+    EXPECT_TRUE(view.indexed && view.cycles.empty());
+    // A folder where the image should be: the painted landscape.
+    root = MakeAssetRoot("image_folder");
+    std::filesystem::create_directory(root + "/torvane/torvane-bg-01-desert-cycle.png");
+    view = TowerView();
+    DrawAt(Started(false, 5, 1), 0.0f);
+    EXPECT_FALSE(view.indexed);
+}
+
 // The theme of a level, its image key and the colour-cycle file.
 using ThemeTest = RulesTest;
 
@@ -334,6 +372,20 @@ TEST_F(ThemeTest, ColourCycleFile) {
     EXPECT_EQ(b[0].Frame(100.0f), 0);
     EXPECT_EQ(b[2].direction, 1);
     EXPECT_TRUE(ColorCyclesFor("c.png").empty());
+}
+
+TEST_F(ThemeTest, NumbersBeyondAnIntAreHeldAndNaNIsTheDefault) {
+    WriteText(MakeAssetRoot("theme_numbers") + "/torvane/color-cycles.json", R"({"backgrounds": [
+        {"file": "a.png", "palette_start": 1e10, "palette_end": nan, "direction": -1e10, "fps": 1e300},
+        {"file": "a.png", "palette_start": -1e10, "palette_end": 5, "direction": nan, "fps": nan}]})");
+    const std::vector<adv::PaletteCycle>& a = ColorCyclesFor("a.png");
+    ASSERT_EQ(a.size(), 2u);
+    EXPECT_EQ(a[0].start, INT32_MAX);
+    EXPECT_EQ(a[0].end, 0);
+    EXPECT_EQ(a[0].direction, -1);
+    EXPECT_EQ(a[1].start, INT32_MIN);
+    EXPECT_EQ(a[1].direction, 1);
+    for (const adv::PaletteCycle& c : a) EXPECT_EQ(c.Frame(12.5f), 0); // empty or endless ranges stand still
 }
 
 TEST_F(ThemeTest, UnreadableCycleFileIsReportedOnce) {

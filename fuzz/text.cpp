@@ -1,0 +1,43 @@
+// UTF-8 text of any bytes measured, drawn and wrapped on a headless engine. The first
+// four bytes choose the position, the scale and the width to wrap at.
+#include "engine/Text.h"
+#include "pge/Headless.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+
+namespace {
+
+struct Screen : pge::PixelEngine {
+    bool OnUserCreate() override { return true; }
+};
+
+Screen& Engine() {
+    static Screen s_screen;
+    static pge::Headless s_run(s_screen);
+    static const bool s_created = s_run.Create();
+    (void)s_created;
+    return s_screen;
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    if (size < 4) return 0;
+    Screen& engine = Engine();
+    const int x = int(int8_t(data[0])) * 6;
+    const int y = int(int8_t(data[1])) * 4;
+    const int scale = 1 + data[2] % 4;
+    const int maxWidth = int(data[3]) * 3 - 40;
+    const std::string text(reinterpret_cast<const char*>(data + 4), size - 4);
+    const int width = adv::text::Width(engine, text, scale);
+    if (width < 0) __builtin_trap();
+    const auto align = static_cast<adv::text::Align>(data[2] / 4 % 3);
+    adv::text::Draw(engine, x, y, text, pge::Pixel(200, 180, 20), scale, align);
+    adv::text::DrawOutlined(engine, x, y + 20, text, pge::WHITE, pge::Pixel(0, 0, 0, 128), scale, align);
+    const std::vector<std::string> lines = adv::text::Wrap(engine, text, maxWidth, scale);
+    if (lines.empty()) __builtin_trap();
+    return 0;
+}

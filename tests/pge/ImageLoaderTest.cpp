@@ -1,0 +1,88 @@
+#include "pge/ImageLoader.h"
+
+#include <stb_image_write.h>
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <fstream>
+#include <string>
+#include <vector>
+
+namespace {
+
+using Bytes = std::vector<uint8_t>;
+
+pge::rcode Decode(const Bytes& bytes, pge::Sprite& sprite) { return pge::DecodeImage(&sprite, bytes.data(), bytes.size()); }
+
+void PutLe(Bytes& out, uint32_t v, int bytes) {
+    for (int i = 0; i < bytes; ++i) out.push_back(uint8_t(v >> (8 * i)));
+}
+
+// A true JPEG of 8 by 8 grey pixels, as the writer makes it.
+Bytes SmallJpeg() {
+    Bytes out;
+    const std::vector<uint8_t> grey(8 * 8 * 3, 128);
+    stbi_write_jpg_to_func(
+        [](void* context, void* data, int size) {
+            auto* bytes = static_cast<Bytes*>(context);
+            bytes->insert(bytes->end(), static_cast<uint8_t*>(data), static_cast<uint8_t*>(data) + size);
+        },
+        &out, 8, 8, 3, grey.data(), 90);
+    return out;
+}
+
+} // namespace
+
+TEST(ImageLoader, PicturesWithoutPixelsOrWithAbsurdSizesAreNotDecodable) {
+    pge::Sprite sprite;
+    const std::string path = std::string(TORVANE_BINARY_DIR) + "/image_loader_empty.ppm";
+    std::ofstream(path, std::ios::binary) << "P6 1 0 255 "; // one column, no rows
+    EXPECT_EQ(pge::LoadImage(&sprite, path, nullptr), pge::FAIL);
+    EXPECT_EQ(sprite.width, 0);
+    std::remove(path.c_str());
+    EXPECT_EQ(pge::LoadImage(&sprite, TORVANE_BINARY_DIR, nullptr), pge::FAIL); // a folder
+    EXPECT_EQ(pge::LoadImage(&sprite, path, nullptr), pge::NO_FILE);
+
+    // 59 bytes of BMP announcing 3 by 12 million pixels.
+    Bytes bmp = {'B', 'M'};
+    PutLe(bmp, 59, 4);
+    PutLe(bmp, 0, 4);
+    PutLe(bmp, 54, 4);
+    for (uint32_t v : {40u, 3u, 12000000u}) PutLe(bmp, v, 4);
+    PutLe(bmp, 1, 2);
+    PutLe(bmp, 24, 2);
+    for (int i = 0; i < 6; ++i) PutLe(bmp, 0, 4);
+    bmp.resize(59, 0x55);
+    EXPECT_EQ(Decode(bmp, sprite), pge::FAIL);
+    // A GIF whose screen is 65535 pixels square, with one tiny image on it.
+    Bytes gif = {'G', 'I', 'F', '8', '9', 'a', 0xFF, 0xFF, 0xFF, 0xFF, 0, 0, 0,
+                 0x2C, 0, 0, 0, 0, 1, 0, 1, 0, 0, 2, 2, 0x44, 0x01, 0, 0x3B};
+    EXPECT_EQ(Decode(gif, sprite), pge::FAIL);
+    // Within the limits a BMP loads.
+    bmp[22] = 2; // 2 rows
+    for (int i = 23; i < 26; ++i) bmp[size_t(i)] = 0;
+    EXPECT_EQ(Decode(bmp, sprite), pge::OK);
+    EXPECT_EQ(sprite.width * sprite.height, 6);
+}
+
+TEST(ImageLoader, JpegHuffmanTablesOfMoreThan256CodesAreRefused) {
+    const Bytes good = SmallJpeg();
+    pge::Sprite sprite;
+    ASSERT_EQ(Decode(good, sprite), pge::OK);
+    EXPECT_EQ(sprite.GetPixel(3, 3).g, 128);
+    // One more AC table after the start marker, with this many codes of 15 and 16 bits.
+    const auto withTable = [&](int of15, int of16) {
+        const size_t length = 2 + 17 + size_t(of15 + of16);
+        Bytes table = {0xFF, 0xC4, uint8_t(length >> 8), uint8_t(length), 0x13};
+        for (int i = 0; i < 16; ++i) table.push_back(uint8_t(i == 14 ? of15 : i == 15 ? of16 : 0));
+        table.resize(table.size() + size_t(of15 + of16), 0x11);
+        Bytes out = good;
+        out.insert(out.begin() + 2, table.begin(), table.end());
+        return out;
+    };
+    // 255 and 255 make a valid code, but twice as many as a table holds.
+    EXPECT_EQ(Decode(withTable(255, 255), sprite), pge::FAIL);
+    EXPECT_EQ(sprite.width, 0);
+    EXPECT_EQ(Decode(withTable(255, 1), sprite), pge::OK); // 256 fit
+}
