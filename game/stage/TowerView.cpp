@@ -89,16 +89,18 @@ void TowerView::Draw(pge::PixelEngine& engine, const Game& game, const StageRect
 }
 
 void TowerView::DrawBehindMarks(pge::Sprite* target, const Layout& lay, const Geo& g, int tower, uint64_t wallVersion,
-                                float x0, float y0, float x1, float y1, const std::function<void()>& draw) {
+                                const std::vector<int32_t>& marks, float width, float x0, float y0, float x1, float y1,
+                                const std::function<void()>& draw) {
     if (!target || !(std::isfinite(x0) && std::isfinite(y0) && std::isfinite(x1) && std::isfinite(y1))) {
         draw();
         return;
     }
     const int W = target->width, H = target->height;
-    const int left = static_cast<int>(std::max(std::floor(x0) - 3.0f, 0.0f));
-    const int right = static_cast<int>(std::min(std::ceil(x1) + 3.0f, static_cast<float>(W)));
-    const int upper = static_cast<int>(std::max(std::floor(y0) - 3.0f, 0.0f));
-    const int lower = static_cast<int>(std::min(std::ceil(y1) + 3.0f, static_cast<float>(H)));
+    const float pad = std::ceil(width) + 3.0f;
+    const int left = static_cast<int>(std::max(std::floor(x0) - pad, 0.0f));
+    const int right = static_cast<int>(std::min(std::ceil(x1) + pad, static_cast<float>(W)));
+    const int upper = static_cast<int>(std::max(std::floor(y0) - pad, 0.0f));
+    const int lower = static_cast<int>(std::min(std::ceil(y1) + pad, static_cast<float>(H)));
     if (right <= left || lower <= upper) {
         draw();
         return;
@@ -108,7 +110,8 @@ void TowerView::DrawBehindMarks(pge::Sprite* target, const Layout& lay, const Ge
     const int w = right - left, h = lower - upper;
     // The material needs no place of its own: a new one renews the wall, and so its version.
     const bool same = layer.valid && layer.geo == g && layer.cell == lay.cell &&
-                      layer.integrated == lay.integrated && layer.wallVersion == wallVersion && layer.targetW == W &&
+                      layer.integrated == lay.integrated && layer.wallVersion == wallVersion && layer.marks == marks &&
+                      layer.targetW == W &&
                       layer.targetH == H && layer.x == left && layer.y == upper && layer.w == w && layer.h == h;
     pge::Pixel* data = target->GetData();
     const size_t rowBytes = static_cast<size_t>(w) * sizeof(pge::Pixel);
@@ -135,6 +138,7 @@ void TowerView::DrawBehindMarks(pge::Sprite* target, const Layout& lay, const Ge
     layer.cell = lay.cell;
     layer.integrated = lay.integrated;
     layer.wallVersion = wallVersion;
+    layer.marks = marks;
     layer.targetW = W;
     layer.targetH = H;
     layer.x = left;
@@ -173,6 +177,28 @@ void TowerView::DrawTower(pge::PixelEngine& engine, const Game& game, const Layo
     const float poleTop = g.P(0.0f, rows, 1.0f).y;
     const float poleFoot = g.baseY + cell * 0.3f;
 
+    // The marks that stay while the wall does: the red gaps of the attacked columns short
+    // of the line (8), the gaps that the inspection will bring down (9), the Defence Line
+    // (10) and which tower is active (11). They are listed first, and the list is part of
+    // what decides whether the frame before can be copied.
+    std::vector<Cell> red, gaps;
+    if (active)
+        for (int x = 0; x < g.cols; ++x) {
+            const int top = game.ColumnTop(tower, x);
+            if (!(game.EvalTop(tower, x) < config.line && game.IsAttackedColumn(x) && top < config.line)) continue;
+            for (int y = top; y < config.line; ++y) red.push_back({x, y});
+        }
+    if (game.phase == Phase::Build)
+        for (const Cell& c : game.GapCells(tower))
+            if (!(std::fabs(g.Angle(static_cast<float>(c.x) + 0.5f)) > g.halfAngle)) gaps.push_back(c);
+    const std::vector<pge::vf2d> line = g.FrontCurve(static_cast<float>(config.line), 1.0f, 0.0f);
+    const float lineWidth = std::max(cell * 0.15f, 2.0f);
+    const int activeMark = active && config.towers >= 2 ? (tower == game.activeTower ? 1 : 2) : 0;
+    std::vector<int32_t> marks{static_cast<int32_t>(red.size()), static_cast<int32_t>(gaps.size()), config.line,
+                               activeMark};
+    for (const std::vector<Cell>* cells : {&red, &gaps})
+        for (const Cell& c : *cells) marks.insert(marks.end(), {c.x, c.y});
+
     // The rectangle: every point handed to a shape, the plinth's boxes and the wall map,
     // with room for the widest line (3 pixels) and the rounding to pixel centres.
     float x0 = static_cast<float>(wall.x), y0 = static_cast<float>(wall.y);
@@ -183,6 +209,14 @@ void TowerView::DrawTower(pge::PixelEngine& engine, const Game& game, const Layo
     const auto addBox = [&](float cx, float cy, float rx, float ry) { add(cx - rx, cy - ry), add(cx + rx, cy + ry); };
     for (const std::vector<pge::vf2d>* points : std::initializer_list<const std::vector<pge::vf2d>*>{&back, &zone, &upper, &lower})
         for (const pge::vf2d& p : *points) add(p.x, p.y);
+    for (const pge::vf2d& p : line) add(p.x, p.y);
+    for (const std::vector<Cell>* cells : {&red, &gaps})
+        for (const Cell& c : *cells) {
+            for (const pge::vf2d& p : g.CellPath(static_cast<float>(c.x), static_cast<float>(c.y), 0.0f)) add(p.x, p.y);
+            const pge::vf2d p = g.P(static_cast<float>(c.x) + 0.5f, static_cast<float>(c.y) + 0.5f, 1.0f);
+            const float h = std::fabs(g.Light(static_cast<float>(c.x) + 0.5f) * cell * 0.2f);
+            addBox(p.x, p.y, h, h);
+        }
     for (const Speckle& sp : wall.speckles) add(static_cast<float>(sp.x), static_cast<float>(sp.y));
     for (const Face& face : wall.faces)
         for (const pge::vf2d& p : face.outline) add(p.x, p.y);
@@ -233,49 +267,39 @@ void TowerView::DrawTower(pge::PixelEngine& engine, const Game& game, const Layo
             cv::Polyline(target, upper, kWoodLight, 1.0f, false);
             cv::Polyline(target, lower, kWoodDark, 1.0f, false);
         }
+
+        // 8. The attacked columns short of the line: the red gaps the player must close.
+        for (const Cell& c : red) {
+            const float fx = static_cast<float>(c.x), fy = static_cast<float>(c.y);
+            cv::FillPolygon(target, g.CellPath(fx, fy, 0.0f), pge::Pixel(214, 60, 44, 77));
+            cv::Polyline(target, g.CellPath(fx, fy, 0.78f), pge::Pixel(255, 140, 110, 153), 1.0f, true);
+        }
+
+        // 9. In the build, the gaps that the inspection will bring down.
+        for (const Cell& c : gaps) {
+            const float fx = static_cast<float>(c.x), fy = static_cast<float>(c.y);
+            cv::FillPolygon(target, g.CellPath(fx, fy, 0.0f), pge::Pixel(40, 10, 8, 102));
+            const pge::vf2d p = g.P(fx + 0.5f, fy + 0.5f, 1.0f);
+            const float h = g.Light(fx + 0.5f) * cell * 0.2f;
+            const pge::Pixel cross(235, 60, 45, 230);
+            cv::Line(target, {p.x - h, p.y - h}, {p.x + h, p.y + h}, cross, 1.5f);
+            cv::Line(target, {p.x + h, p.y - h}, {p.x - h, p.y + h}, cross, 1.5f);
+        }
+
+        // 10. The Defence Line.
+        cv::Polyline(target, line, pge::Pixel(198, 40, 30, 235), lineWidth, false);
+
+        // 11. Which tower is active.
+        if (activeMark == 1)
+            cv::Polyline(target, zone, kAccent, 2.0f, true);
+        else if (activeMark == 2)
+            cv::FillPolygon(target, zone, pge::Pixel(10, 12, 16, 51));
     };
-    DrawBehindMarks(target, lay, g, tower, wall.version, x0, y0, x1, y1, drawBack);
+    DrawBehindMarks(target, lay, g, tower, wall.version, marks, std::max(lineWidth, 3.0f), x0, y0, x1, y1, drawBack);
 
     const auto cellAt = [&](int x, int y) {
         return x >= 0 && y >= 0 && x < g.cols && y < g.rows ? game.CellAt(tower, x, y) : 0;
     };
-
-    // 8. The attacked columns short of the line: the red gaps the player must close.
-    if (active)
-        for (int x = 0; x < g.cols; ++x) {
-            const int top = game.ColumnTop(tower, x);
-            if (!(game.EvalTop(tower, x) < config.line && game.IsAttackedColumn(x) && top < config.line)) continue;
-            for (int y = top; y < config.line; ++y) {
-                const float fx = static_cast<float>(x), fy = static_cast<float>(y);
-                cv::FillPolygon(target, g.CellPath(fx, fy, 0.0f), pge::Pixel(214, 60, 44, 77));
-                cv::Polyline(target, g.CellPath(fx, fy, 0.78f), pge::Pixel(255, 140, 110, 153), 1.0f, true);
-            }
-        }
-
-    // 9. In the build, the gaps that the inspection will bring down.
-    if (game.phase == Phase::Build)
-        for (const Cell& c : game.GapCells(tower)) {
-            const float fx = static_cast<float>(c.x), fy = static_cast<float>(c.y);
-            if (std::fabs(g.Angle(fx + 0.5f)) > g.halfAngle) continue;
-            cv::FillPolygon(target, g.CellPath(fx, fy, 0.0f), pge::Pixel(40, 10, 8, 102));
-            const pge::vf2d p = g.P(fx + 0.5f, fy + 0.5f, 1.0f);
-            const float h = g.Light(fx + 0.5f) * cell * 0.2f;
-            const pge::Pixel red(235, 60, 45, 230);
-            cv::Line(target, {p.x - h, p.y - h}, {p.x + h, p.y + h}, red, 1.5f);
-            cv::Line(target, {p.x + h, p.y - h}, {p.x - h, p.y + h}, red, 1.5f);
-        }
-
-    // 10. The Defence Line.
-    cv::Polyline(target, g.FrontCurve(static_cast<float>(config.line), 1.0f, 0.0f), pge::Pixel(198, 40, 30, 235),
-                 std::max(cell * 0.15f, 2.0f), false);
-
-    // 11. Which tower is active.
-    if (active && config.towers >= 2) {
-        if (tower == game.activeTower)
-            cv::Polyline(target, g.Zone(), kAccent, 2.0f, true);
-        else
-            cv::FillPolygon(target, g.Zone(), pge::Pixel(10, 12, 16, 51));
-    }
 
     // 12. Holes, with a pulsing outline.
     const uint8_t pulse = Alpha((std::sin(t * 14.0f) * 0.5f + 0.5f) * 0.5f + 0.5f);

@@ -265,8 +265,9 @@ private:
     std::vector<uint8_t> ruinScratch;
     uint64_t wallVersions = 0;    // counts map and shading renewals, so that each has its own number
 
-    // Everything behind a tower's marks (plinth, back rim, scaffold, wall, zone outline,
-    // ledge) touches only the pixels of one rectangle, and what it leaves there depends only
+    // Everything of a tower up to its changing marks (plinth, back rim, scaffold, wall, zone
+    // outline, ledge, red gaps, gaps, Defence Line, active tower) touches only the pixels of
+    // one rectangle, and what it leaves there depends only
     // on what it found there and on the inputs below. So when both are as in the frame
     // before, the rectangle as it was left then is copied back instead.
     struct TowerLayer {
@@ -275,15 +276,18 @@ private:
         float cell = 0.0f;
         bool integrated = false;
         uint64_t wallVersion = 0;
+        std::vector<int32_t> marks;
         int32_t targetW = 0, targetH = 0;
         int32_t x = 0, y = 0, w = 0, h = 0;
         std::vector<pge::Pixel> before, after;
     };
     std::vector<TowerLayer> layers; // by tower
-    // Runs draw, steps 1 to 7 of a tower, within the rectangle from (x0, y0) to (x1, y1)
-    // widened by three pixels, or copies back what it left there in the frame before.
-    void DrawBehindMarks(pge::Sprite* target, const Layout& lay, const Geo& g, int tower, uint64_t wallVersion, float x0,
-                         float y0, float x1, float y1, const std::function<void()>& draw);
+    // Runs draw, steps 1 to 11 of a tower, within the rectangle from (x0, y0) to (x1, y1)
+    // widened by the widest line and three pixels, or copies back what it left there in the
+    // frame before. marks lists what steps 8 to 11 draw.
+    void DrawBehindMarks(pge::Sprite* target, const Layout& lay, const Geo& g, int tower, uint64_t wallVersion,
+                         const std::vector<int32_t>& marks, float width, float x0, float y0, float x1, float y1,
+                         const std::function<void()>& draw);
 };
 
 } // namespace torvane
