@@ -1,10 +1,12 @@
 // The application's input: keys and clicks, read once a frame from the key state.
 #include "engine/PlatformKeys.h"
+#include "game/content/PackFormat.h"
 #include "game/content/Highscores.h"
 #include "game/content/Preferences.h"
 #include "game/rules/Lang.h"
 #include "game/rules/Level.h"
 #include "game/TorvaneApp.h"
+#include "game/Typing.h"
 
 #include <chrono>
 
@@ -21,26 +23,13 @@ constexpr float kAttractAfter = 15.0f;
 constexpr float kAttractFor = 10.0f;
 constexpr int kTitlePages = 4;
 // Code points the name field takes.
-constexpr int kNameLength = 14;
-
-bool Continuation(char c) { return (uint8_t(c) & 0xC0) == 0x80; }
+constexpr size_t kNameLength = 14;
 
 // Appends the bytes of one character: refused when the field is full, and a blank
 // is refused in the first place.
 void AppendToName(std::string& name, const std::string& character) {
-    int codePoints = 0;
-    for (char c : name) codePoints += Continuation(c) ? 0 : 1;
-    if (codePoints >= kNameLength || (name.empty() && character == " ")) return;
+    if (CodePoints(name) >= kNameLength || (name.empty() && character == " ")) return;
     name += character;
-}
-
-// Erases bytes from the end until one was no UTF-8 continuation byte.
-void EraseLastCodePoint(std::string& name) {
-    while (!name.empty()) {
-        const char last = name.back();
-        name.pop_back();
-        if (!Continuation(last)) return;
-    }
 }
 
 } // namespace
@@ -295,12 +284,9 @@ void TorvaneApp::HandleNameEntry() {
         } else if (c == 27) {
             nameEntry = false;
         } else if (c == 8 || c == 127) {
-            EraseLastCodePoint(playerName);
-        } else if (c >= 32 && c <= 126) {
-            AppendToName(playerName, std::string(1, char(c)));
-        } else if (c == 0xC4 || c == 0xD6 || c == 0xDC || c == 0xDF || c == 0xE4 || c == 0xF6 || c == 0xFC) {
-            // Ä Ö Ü ß ä ö ü as one Latin-1 byte: their two UTF-8 bytes.
-            AppendToName(playerName, std::string{char(0xC3), char((c & 63) | 128)});
+            PopChar(playerName);
+        } else if (const std::string typed = typing::FromCode(c); !typed.empty()) {
+            AppendToName(playerName, typed);
         }
         return;
     }
@@ -310,17 +296,12 @@ void TorvaneApp::HandleNameEntry() {
         Press(ButtonId::SaveScore, 0);
         return;
     }
-    if (pressed(pge::BACK)) EraseLastCodePoint(playerName);
+    if (pressed(pge::BACK)) PopChar(playerName);
     if (pressed(pge::ESCAPE)) {
         nameEntry = false;
         return;
     }
-    const bool shift = GetKey(pge::SHIFT).bHeld;
-    for (int k = pge::A; k <= pge::Z; ++k)
-        if (pressed(pge::Key(k))) AppendToName(playerName, std::string(1, char((shift ? 'A' : 'a') + k - pge::A)));
-    for (int k = pge::K0; k <= pge::K9; ++k)
-        if (pressed(pge::Key(k))) AppendToName(playerName, std::string(1, char('0' + k - pge::K0)));
-    if (pressed(pge::SPACE)) AppendToName(playerName, " ");
+    for (const char c : typing::FromKeys(*this)) AppendToName(playerName, std::string(1, c));
 }
 
 } // namespace torvane

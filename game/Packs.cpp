@@ -7,6 +7,7 @@
 #include "game/rules/Lang.h"
 #include "game/rules/Level.h"
 #include "game/TorvaneApp.h"
+#include "game/Typing.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -26,15 +27,6 @@ constexpr std::pair<const char*, LevelEditor::Key> kKeys[] = {
     {"up", LevelEditor::Key::Up},     {"down", LevelEditor::Key::Down}, {"left", LevelEditor::Key::Left},
     {"right", LevelEditor::Key::Right}, {"enter", LevelEditor::Key::Enter}, {"esc", LevelEditor::Key::Esc},
     {"del", LevelEditor::Key::Del},   {"t", LevelEditor::Key::T}};
-
-// The UTF-8 text of a raw key code that types a character, or empty: printable ASCII,
-// and the German letters that arrive as one Latin-1 byte.
-std::string TypedText(uint16_t code) {
-    if (code >= 32 && code <= 126) return std::string(1, static_cast<char>(code));
-    for (const uint16_t latin1 : {0xC4, 0xD6, 0xDC, 0xDF, 0xE4, 0xF6, 0xFC})
-        if (code == latin1) return {'\xC3', static_cast<char>((code & 63) | 128)};
-    return {};
-}
 
 const LevelPack* PackWithKey(const std::vector<LevelPack>& packs) {
     const std::string& key = GetSettings().level_pack;
@@ -143,17 +135,12 @@ void TorvaneApp::HandleEditorInput() {
             if (raw.code == 13) send(Key::Enter);
             else if (raw.code == 27) send(Key::Esc);
             else if (raw.code == 8 || raw.code == 127) send(Key::Del);
-            else type(TypedText(raw.code));
+            else type(typing::FromCode(raw.code));
         }
         if (pressed(pge::ENTER)) send(Key::Enter);
         if (pressed(pge::ESCAPE)) send(Key::Esc);
         if (pressed(pge::BACK)) send(Key::Del);
-        const bool shift = GetKey(pge::SHIFT).bHeld;
-        for (int k = pge::A; k <= pge::Z; ++k)
-            if (pressed(pge::Key(k))) type(std::string(1, static_cast<char>((shift ? 'A' : 'a') + (k - pge::A))));
-        for (int k = pge::K0; k <= pge::K9; ++k)
-            if (pressed(pge::Key(k))) type(std::string(1, static_cast<char>('0' + (k - pge::K0))));
-        if (pressed(pge::SPACE)) type(" ");
+        type(typing::FromKeys(*this));
     }
 
     if (result == LevelEditor::kLeave) {

@@ -181,6 +181,12 @@ bool PlayScript::Run(adv::AdventureGame& game, const std::string& line, float dt
                 return Click(game, {float(row.x + row.w / 2), float(row.y + row.h / 2)}, false);
         return Fail("keine solche Zeile im Menü");
     }
+    if (command == "slot") {
+        for (const adv::GameMenu::Row& row : game.menu.rows)
+            if (std::to_string(row.action - adv::GameMenu::kSlotRow + 1) == rest)
+                return Click(game, {float(row.x + row.w / 2), float(row.y + row.h / 2)}, false);
+        return Fail("kein solches Feld im Menü");
+    }
     if (command == "key") {
         nativeKeys.clear();
         std::istringstream names(rest);

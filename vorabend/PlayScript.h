@@ -10,6 +10,7 @@
 //   hover hotspot oelfass   only move the mouse there (also: actor, item, point)
 //   option Wer bist du?     click the dialogue option that begins so
 //   menu Spiel laden        click the menu row that begins so
+//   slot 3                  click the row of a save slot, counted from 1
 //   key F5                  press and release a key (F1, F5, F8, ESCAPE, SPACE, RETURN, MINUS, EQUALS,
 //                           C, D), or several at once: key CTRL+D
 //   idle                    wait until nothing runs, walks or speaks

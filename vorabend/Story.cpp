@@ -2,6 +2,9 @@
 
 #include "vorabend/Painting.h"
 
+#include <map>
+#include <string>
+
 namespace vorabend {
 
 using adv::Facing;
@@ -25,21 +28,53 @@ Hotspot& Thing(Scene& scene, const std::string& id, const std::string& name, adv
     return spot;
 }
 
-// A way out: walking there (or a right click) changes the scene.
-Hotspot& Exit(Scene& scene, const std::string& id, const std::string& name, const Polygon& shape, adv::vf2d approach,
-              Facing facing, const std::string& toScene, const std::string& entry) {
-    Hotspot& h = scene.AddHotspot(id, name, shape);
-    h.hasApproach = true;
-    h.approach = approach;
-    h.approachFacing = facing;
-    h.defaultVerb = Verb::Walk;
-    h.scripts[Verb::Walk] = Script().GoToScene(toScene, entry);
-    return h;
-}
+// A scene with ways out. "Gehe zu" on a way out (or a right click) only walks to its
+// approach point; the scene takes the player through once it arrives there.
+class Place : public adv::SceneDefinition {
+public:
+    Hotspot& Exit(Scene& scene, const std::string& id, const std::string& name, const Polygon& shape,
+                  adv::vf2d approach, Facing facing, const std::string& toScene, const std::string& entry) {
+        Hotspot& h = scene.AddHotspot(id, name, shape);
+        h.hasApproach = true;
+        h.approach = approach;
+        h.approachFacing = facing;
+        h.defaultVerb = Verb::Walk;
+        exits[id] = {toScene, entry};
+        return h;
+    }
+
+    void OnUpdate(adv::AdventureGame& game, float) override {
+        if (game.runner.Running() || !game.dialogue.empty() || !game.current) {
+            chosen.clear();
+            return;
+        }
+        // A click that started no script was a walk: towards a way out, or elsewhere.
+        const bool clicked = game.GetMouse(0).bPressed || game.GetMouse(1).bPressed;
+        if (clicked && game.GetMousePos().y < adv::AdventureGame::kPlayHeight)
+            chosen = exits.count(game.hoveredHotspot) ? game.hoveredHotspot : std::string();
+        if (chosen.empty()) return;
+        const Hotspot* h = game.current->Find(chosen);
+        const adv::Actor& player = game.Player();
+        if (!h || !h->enabled || player.Walking()) return;
+        const adv::vf2d there = game.current->walkArea.ClampToArea(h->approach);
+        const Way way = exits[chosen];
+        chosen.clear();
+        if (adv::Distance(player.position, there) <= kArrived) game.ChangeScene(way.scene, way.entry);
+    }
+
+private:
+    struct Way {
+        std::string scene;
+        std::string entry;
+    };
+    static constexpr float kArrived = 2.0f;
+    std::map<std::string, Way> exits; // by hotspot id
+    std::string chosen;                // the way out the player is walking to
+};
 
 Script Says(const std::string& text) { return Script().Say("player", text); }
 
-class Courtyard : public adv::SceneDefinition {
+class Courtyard : public Place {
 public:
     std::string DisplayName() const override { return "Burghof"; }
     void Build(adv::AdventureGame&, Scene& s) override {
@@ -89,7 +124,7 @@ public:
     }
 };
 
-class Smithy : public adv::SceneDefinition {
+class Smithy : public Place {
 public:
     std::string DisplayName() const override { return "Schmiede"; }
     void Build(adv::AdventureGame&, Scene& s) override {
@@ -132,7 +167,7 @@ public:
     }
 };
 
-class Battlement : public adv::SceneDefinition {
+class Battlement : public Place {
 public:
     std::string DisplayName() const override { return "Turmspitze"; }
     void Build(adv::AdventureGame&, Scene& s) override {

@@ -1,11 +1,12 @@
 // "Der Vorabend", a short point-and-click adventure of the Vellmark.
-//   vorabend [--fullscreen] [--skip-intro] [--play=FILE]
+//   vorabend [--fullscreen] [--skip-intro] [--play=FILE] [--exit-after=SECONDS]
 #include "engine/adventure/AdventureGame.h"
 #include "engine/adventure/SaveGame.h"
 #include "vorabend/PlayScript.h"
 #include "vorabend/Story.h"
 
 #include <cstdio>
+#include <cstdlib>
 #include <string>
 
 namespace {
@@ -48,6 +49,13 @@ int main(int argc, char** argv) {
             fullScreen = true;
         } else if (arg == "--skip-intro") {
             app.skipIntro = true;
+        } else if (arg.rfind("--exit-after=", 0) == 0) {
+            char* end = nullptr;
+            const float seconds = std::strtof(arg.c_str() + 13, &end);
+            if (end == arg.c_str() + 13 || *end != '\0')
+                std::fprintf(stderr, "[vorabend] Keine Zahl: %s\n", arg.c_str());
+            else
+                app.QuitAfter(seconds);
         } else if (arg.rfind("--play=", 0) == 0) {
             if (!play.Load(arg.substr(7))) return 1;
             app.play = &play;

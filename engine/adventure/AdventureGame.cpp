@@ -125,8 +125,7 @@ void AdventureGame::ChangeScene(const std::string& sceneId, const std::string& e
     if (current)
         if (SceneDefinition* old = scenes.Definition(current->id)) old->OnExit(*this);
     ResetInteraction();
-    dialogue.clear();
-    hoveredOption = -1;
+    EndDialogue();
     Actor& p = Player();
     const SceneEntry* e = next->Entry(entry);
     if (!e) e = next->Entry("default");
@@ -260,19 +259,22 @@ void AdventureGame::HandleGlobalKeys() {
 
 bool AdventureGame::OnUserUpdate(float elapsed) {
     const float dt = std::min(elapsed, kMaxStep);
+    if (quitTimer > 0.0f) {
+        quitTimer -= dt;
+        if (quitTimer <= 0.0f) return false;
+    }
     if (Music::Available()) Music::Update(dt);
     if (toastTime > 0.0f) {
         toastTime -= dt;
         if (toastTime <= 0.0f) toast.clear();
     }
-    if (state == Intro) {
-        // The key that ends the last screen is not also a key of the game.
+    if (state == Intro && !menu.IsOpen()) {
         UpdateIntro(dt);
-        if (state == Intro)
-            introScreens[introIndex]->Draw(*this, introClock);
-        else
+        // The key that ends the last screen is not also a key of the game.
+        if (state != Intro) {
             DrawWorld();
-        return true;
+            return true;
+        }
     }
     HandleGlobalKeys();
     if (menu.IsOpen()) {
@@ -281,6 +283,10 @@ bool AdventureGame::OnUserUpdate(float elapsed) {
         DrawWorld();
         menu.Draw(*this, Actor::TextSpeed());
         DrawToast();
+        return true;
+    }
+    if (state == Intro) {
+        DrawWorld();
         return true;
     }
     if (paused) {
@@ -395,15 +401,15 @@ const Script* ScriptFor(const std::map<Verb, Script>& byVerb, const std::map<std
 } // namespace
 
 void AdventureGame::InteractWithHotspot(Hotspot& hotspot, Verb v, vf2d point) {
-    const Script* body = ScriptFor(hotspot.scripts, hotspot.useScripts, v, heldItem);
-    // Walking ends at the approach point, unless the hotspot is a way out with a script of its own.
-    if (v == Verb::Walk && !body) {
+    // Walking only walks: a way out is taken by its scene when the player arrives there.
+    if (v == Verb::Walk) {
         WalkPlayerTo(hotspot.hasApproach ? hotspot.approach : point);
         ResetInteraction();
         return;
     }
     Script script;
     if (hotspot.hasApproach) script.Append(ApproachScript(hotspot.approach, hotspot.approachFacing));
+    const Script* body = ScriptFor(hotspot.scripts, hotspot.useScripts, v, heldItem);
     script.Append(body ? *body : FallbackScript(v, hotspot.name));
     if (!script.Empty()) runner.Start(script);
     ResetInteraction();
@@ -590,12 +596,14 @@ bool AdventureGame::RestoreState(const SaveData& d) {
     paused = false;
     Actor::SetTextSpeed(d.textSpeed);
     flags = d.flags;
-    inventory.items.clear();
-    // Items that the game no longer knows are left out.
-    for (const std::string& id : d.items)
-        if (items.count(id)) inventory.Add(id);
+    inventory.items = d.items;
+    // A scroll out of range, however it came into the file, is limited as a click would be.
     inventory.scroll = 0;
     inventory.Scroll(d.inventoryScroll);
+    // Scenes built since the save was made are built afresh, so that only the save's
+    // records change them.
+    scenes.Reset();
+    current = nullptr;
     for (const auto& r : d.hotspots)
         if (Scene* s = scenes.Load(*this, r.scene))
             if (Hotspot* h = s->Find(r.id)) h->enabled = r.enabled != 0;
@@ -604,14 +612,8 @@ bool AdventureGame::RestoreState(const SaveData& d) {
         if (!a) continue;
         a->visible = r.visible != 0;
         a->scene = r.scene;
-        vf2d where{r.x, r.y};
-        // A position off the floor, however it came into the file, is brought back onto it.
-        if (Scene* s = scenes.Load(*this, r.scene)) {
-            where.x = std::clamp(where.x, 0.0f, float(std::max(s->Width(), kViewWidth)));
-            where.y = std::clamp(where.y, 0.0f, float(kPlayHeight));
-            where = s->walkArea.ClampToArea(where);
-        }
-        a->Teleport(where, Facing(std::clamp(r.facing, 0, 3)));
+        // Exactly where it stood: figures may stand off the floor, behind a counter or a wall.
+        a->Teleport({r.x, r.y}, Facing(std::clamp(r.facing, 0, 3)));
     }
     for (auto& [id, dl] : dialogues)
         for (auto& [node, options] : dl.nodes)
@@ -667,6 +669,10 @@ bool AdventureGame::ApplyMenuRequest(const GameMenu::Request& r) {
 
 void AdventureGame::DrawWorld() {
     Clear(pge::BLACK);
+    if (state == Intro) {
+        if (introIndex < introScreens.size()) introScreens[introIndex]->Draw(*this, introClock);
+        return;
+    }
     if (state == Ended) {
         DrawEnd();
         return;
@@ -691,9 +697,12 @@ void AdventureGame::DrawScene() {
             canvas::DrawSprite(target, o.sprite.get(), int(o.position.x) - cx, int(o.position.y) - cy, 0, 0,
                                o.sprite->width, o.sprite->height, false, 1.0f);
     // Nearer figures, lower on the screen, are drawn over farther ones.
+    // Only figures near the view: one far outside it, say from an edited save, is never drawn.
     std::vector<const Actor*> shown;
     for (const auto& [id, a] : actors)
-        if (a.visible && a.scene == current->id) shown.push_back(&a);
+        if (a.visible && a.scene == current->id && std::fabs(a.position.x - camera.x) < 2.0f * kViewWidth &&
+            std::fabs(a.position.y - camera.y) < 2.0f * kViewHeight)
+            shown.push_back(&a);
     std::stable_sort(shown.begin(), shown.end(),
                      [](const Actor* a, const Actor* b) { return a->position.y < b->position.y; });
     for (const Actor* a : shown) DrawActor(*a);

@@ -76,6 +76,8 @@ public:
     void SetPaused(bool on);
     void OpenMenu();
     void AdjustTextSpeed(int delta);
+    // Ends the program once so many seconds of frames have passed; 0 or less never ends it.
+    void QuitAfter(float seconds) { quitTimer = seconds; }
 
     // Interaction, reachable for tests and scripted play.
     void HandlePlayAreaClick(vf2d point, bool secondary);
@@ -166,7 +168,7 @@ private:
     void DrawDebug();
     void DrawEnd();
     std::function<void(AdventureGame&)> contentBuilder;
-    bool quitRequested = false;
+    float quitTimer = 0.0f; // of a timed quit, counting down
 };
 
 } // namespace adv

@@ -11,6 +11,7 @@ namespace {
 constexpr int kPanelX = 82, kPanelY = 22, kPanelW = 220, kPanelH = 196;
 constexpr int kRowH = 16;
 constexpr int kFirstRowY = kPanelY + 30;
+constexpr int kSlotTextX = kPanelX + 26; // right of the slot's number
 
 } // namespace
 
@@ -124,9 +125,8 @@ void GameMenu::BuildRows(pge::vi2d mouse) {
     case Load:
         for (int i = 0; i < savegame::kSlots; ++i) {
             const savegame::SlotInfo& s = slots[i];
-            const std::string text = s.exists ? std::to_string(i + 1) + ". " + s.label + "  " + s.saved
-                                              : std::to_string(i + 1) + ".  - leer -";
-            add(kSlotRow + i, text, y);
+            // The slot's number stands before the row, drawn on its own.
+            add(kSlotRow + i, s.exists ? s.label + "  " + s.saved : "  - leer -", y, kSlotTextX, kPanelX + kPanelW - 12 - kSlotTextX);
             y += kRowH;
         }
         add(kBack, "Zurueck", y + kRowH / 2);
@@ -187,10 +187,13 @@ void GameMenu::Draw(pge::PixelEngine& engine, int textSpeed) {
         if (hot) canvas::FillRect(target, r.x, r.y, r.w, r.h, canvas::WithAlpha(ui::kFrame, 0.45f));
         const bool centred = page != Save && page != Load;
         const pge::Pixel colour = hot ? ui::kHighlight : ui::kText;
-        if (centred)
+        if (centred) {
             text::Draw(engine, r.x + r.w / 2, r.y + 3, r.text, colour, 1, text::Align::Centre);
-        else
+        } else {
+            if (r.action >= kSlotRow)
+                text::Draw(engine, kPanelX + 16, r.y + 3, std::to_string(r.action - kSlotRow + 1) + ".", ui::kMuted);
             text::Draw(engine, r.x + 4, r.y + 3, r.text, colour);
+        }
     }
     if (!message.empty())
         text::Draw(engine, cx, kPanelY + kPanelH - 14, message, ui::kHighlight, 1, text::Align::Centre);

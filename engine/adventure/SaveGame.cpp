@@ -15,7 +15,6 @@ namespace {
 
 constexpr const char* kMagic = "quillmere-adventure-save";
 constexpr int kVersion = 1;
-constexpr size_t kMaxFileBytes = 1 << 20; // a save is a few kilobytes; anything huger is not one
 
 std::string g_folderName = "Abenteuer";
 
@@ -175,12 +174,9 @@ bool Read(int slot, SaveData& data) {
     if (path.empty()) return false;
     std::ifstream in(path, std::ios::binary);
     if (!in) return false;
-    std::string text(kMaxFileBytes + 1, '\0');
-    in.read(&text[0], std::streamsize(text.size()));
-    const size_t got = size_t(in.gcount());
-    if (got > kMaxFileBytes) return false;
-    text.resize(got);
-    return Parse(text, data);
+    std::ostringstream text;
+    text << in.rdbuf();
+    return Parse(text.str(), data);
 }
 
 bool Erase(int slot) {

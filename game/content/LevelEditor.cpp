@@ -23,12 +23,6 @@ constexpr std::array<const char*, 5> kBackgrounds = {"Wüstenpass", "Tal am Berg
 constexpr std::array<const char*, 15> kDirections = {"N",  "S",  "O",  "W",   "NS",  "OW",  "NO",  "NW",
                                                      "SO", "SW", "NSO", "NSW", "NOW", "SOW", "NSOW"};
 
-bool IsContinuation(char c) { return (static_cast<unsigned char>(c) & 0xC0) == 0x80; }
-
-size_t CodePoints(const std::string& text) {
-    return static_cast<size_t>(std::count_if(text.begin(), text.end(), [](char c) { return !IsContinuation(c); }));
-}
-
 std::string BackgroundName(int32_t background) {
     return Tr(kBackgrounds[static_cast<size_t>(std::clamp(background, 1, 5) - 1)]);
 }

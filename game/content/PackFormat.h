@@ -17,10 +17,14 @@ PackLevel DefaultPackLevel(int level);
 // The file name, extension included, that a pack of title `name` is saved under.
 std::string PackFileName(const std::string& name);
 
-// Text helpers shared by the parser and the editor.
+// Text helpers shared by the parser, the editor and the high-score name field.
 // Removes blanks, tabs and carriage returns from both ends.
 std::string Trim(const std::string& text);
+// A UTF-8 continuation byte, of the form 10xxxxxx.
+bool IsContinuation(char c);
 // Removes the last UTF-8 code point; an empty string stays empty.
 void PopChar(std::string& text);
+// The number of UTF-8 code points: every byte that is no continuation byte.
+size_t CodePoints(const std::string& text);
 
 } // namespace torvane

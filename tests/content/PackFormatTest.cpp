@@ -234,6 +234,11 @@ TEST_F(PackFormatTest, TextHelpers) {
     std::string loose = "\x80\x80"; // continuation bytes alone go as one
     PopChar(loose);
     EXPECT_EQ(loose, "");
+    // Characters, not bytes: a loose continuation byte counts for nothing.
+    EXPECT_EQ(CodePoints("Süd"), 3u);
+    EXPECT_EQ(CodePoints("ÄÖÜß"), 4u);
+    EXPECT_EQ(CodePoints("a\x80"), 1u);
+    EXPECT_EQ(CodePoints(""), 0u);
 }
 
 } // namespace

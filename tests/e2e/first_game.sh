@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # A new player's first game with real key presses and a fresh data folder: the first
 # title page, Enter to start and to end the build, the announce card that ignores a
-# Space within 0.6 s, a tower that falls without repairs, a typed name on the over
+# Space not pressed at it, a tower that falls without repairs, a typed name on the over
 # card, the list with that row lit, highscores.txt; and in a second run, with a title
 # picture, the idle score card that shows the name.
 set -euo pipefail
@@ -33,14 +33,21 @@ sleep 0.7
 tap Return
 px wait "$window" 90 300 "$PANEL" 5 gone || fail "Enter did not start the game"
 sleep 0.5
-tap Return # ends the build
-# The announce card after the inspection; a Space at once does nothing.
-px press-when "$window" 125 150 "$PANEL" 30 space || fail "no announce card"
+# Space goes down during the inspection and is held past the announce card's
+# first 0.6 s: a key that was not pressed at the card does nothing there. (The exact
+# lock is timed by the unit tests; from outside, the screen lags the game too much.)
+xdotool keydown --window "$window" Return
+sleep 0.1
+xdotool keyup --window "$window" Return
 sleep 0.3
-px wait "$window" 125 150 "$PANEL" 1 || fail "a Space right at the card started the attack"
-sleep 0.5
+xdotool keydown --window "$window" space
+px wait "$window" 125 150 "$PANEL" 30 || fail "no announce card"
+sleep 1
+xdotool keyup --window "$window" space
+px wait "$window" 125 150 "$PANEL" 1 || fail "a Space held from before the card started the attack"
+sleep 0.3
 tap space
-px wait "$window" 125 150 "$PANEL" 5 gone || fail "a later Space did not start the attack"
+px wait "$window" 125 150 "$PANEL" 5 gone || fail "a Space pressed at the card did not start the attack"
 
 # Nothing is repaired: the over card comes with its name field.
 px wait "$window" 115 150 "$PANEL" 150 || fail "the tower did not fall"

@@ -105,7 +105,7 @@ key F5
 menu Spiel speichern
 wait 0.2
 shot savepage.png
-menu 3.
+slot 3
 wait 0.2
 expect message In Feld 3 gespeichert
 menu Zurueck
@@ -129,20 +129,20 @@ expect scene hof
 key F5
 menu Spiel laden
 wait 0.2
-menu 1.  - leer -
+slot 1
 wait 0.2
 expect toast Laden fehlgeschlagen
 expect scene hof
 key F5
 menu Spiel laden
-menu 2.  - leer -
+slot 2
 wait 0.2
 expect toast Laden fehlgeschlagen
 expect scene hof
 expect noitem schluessel
 key F5
 menu Spiel laden
-menu 3. Schmiede
+slot 3
 wait 0.2
 expect toast Spielstand geladen
 expect scene werkstatt
@@ -193,7 +193,7 @@ head -c 20 "$SAVES/slot1.sav" | grep -q "^other-save" || fail "a broken slot was
 cat > nosave.txt <<EOF
 key F5
 menu Spiel speichern
-menu 1.
+slot 1
 wait 0.2
 expect message Speichern fehlgeschlagen
 menu Zurueck
@@ -205,6 +205,9 @@ wait 0.2
 menu Ja
 EOF
 XDG_DATA_HOME="$WORK/afile" play nosave --skip-intro
+
+# A timed quit ends the run by itself, with a regular exit status.
+timeout 20 "$BUILD/vorabend" --skip-intro --exit-after=0.5 2>timed.err || fail "the timed quit did not end the run cleanly"
 
 # A play script that cannot be read ends the run with a message; an unknown option is named.
 set +e

@@ -1,17 +1,14 @@
 // The editor card and the packs on screen, against reference pictures: the pages of
 // the editor, the title foot with a pack chosen, the help bar with a pack level's name.
 #include "engine/Screenshot.h"
-#include "game/content/PackFormat.h"
 #include "game/rules/Lang.h"
 #include "game/rules/Level.h"
 #include "game/TorvaneApp.h"
 #include "tests/stage/ReferencePicture.h"
-#include "tests/screens/ScreensFixture.h"
+#include "tests/screens/PackFixture.h"
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -19,38 +16,20 @@
 namespace torvane {
 namespace {
 
-namespace fs = std::filesystem;
 using testing_support::ExpectMatchesReference;
 
 constexpr float kDt = 1.0f / 60.0f;
 
-class EditorCardTest : public testing_support::ScreensTest {
+class EditorCardTest : public testing_support::PackScreensTest {
 protected:
     void SetUp() override {
-        ScreensTest::SetUp();
-        packs = dataFolder + "/levelpacks";
-        fs::create_directories(packs);
+        PackScreensTest::SetUp();
         // A title picture of soft diagonal bands, so that the screens stand over it.
         pge::Sprite title(640, 400);
         for (int y = 0; y < 400; ++y)
             for (int x = 0; x < 640; ++x)
                 title.SetPixel(x, y, pge::Pixel(uint8_t(60 + (x + y) / 16 % 2 * 30), uint8_t(90 + y / 5), 120));
-        adv::screenshot::SavePng(title, assets + "/Resources/assets/torvane/title.png");
-    }
-    void TearDown() override {
-        ScreensTest::TearDown();
-        SetActivePack(nullptr);
-    }
-
-    void AddPack(const std::string& name, int levels) {
-        LevelPack pack;
-        pack.name = name;
-        const char* names[] = {"Tor im Sand", "", "Seeufer", "Schneewall", "Sturmkante", "Glut"};
-        for (int i = 1; i <= levels; ++i) {
-            pack.levels.push_back(DefaultPackLevel(i));
-            pack.levels.back().name = names[(i - 1) % 6];
-        }
-        std::ofstream(packs + "/" + PackFileName(name), std::ios::binary) << SerialisePack(pack);
+        adv::screenshot::SavePng(title, testing_support::TestAssets() + "/torvane/title.png");
     }
     void Start(std::vector<const char*> args) {
         ScreensTest::Start(std::move(args));
@@ -72,8 +51,6 @@ protected:
         std::copy(screen.pColData.begin() + y0 * 640, screen.pColData.begin() + y1 * 640, band.pColData.begin());
         return band;
     }
-
-    std::string packs;
 };
 
 TEST_F(EditorCardTest, ScrolledListWithItsCounter) {
@@ -83,6 +60,28 @@ TEST_F(EditorCardTest, ScrolledListWithItsCounter) {
     ASSERT_TRUE(app.editorOpen);
     EXPECT_EQ(app.editor.row, 17);
     ExpectMatchesReference(*app.GetDrawTarget(), "editor_list");
+}
+
+TEST_F(EditorCardTest, TheCounterLineOnlyWhenRowsAreHidden) {
+    // Counts the muted pixels in the counter's place, right below the fifteenth row.
+    const auto counterPixels = [this] {
+        const pge::Sprite& screen = *app.GetDrawTarget();
+        int n = 0;
+        for (int y = 300; y < 312; ++y)
+            for (int x = 300; x < 580; ++x) n += screen.GetPixel(x, y) == kMuted ? 1 : 0;
+        return n;
+    };
+    for (char c = 'A'; c <= 'N'; ++c) AddPack(std::string("Burg ") + c, 1);
+    Start({"--editor"});
+    Frames(3);
+    ASSERT_EQ(app.editor.RowCount(), 15);
+    EXPECT_EQ(counterPixels(), 0);
+    // One pack more: sixteen rows, of which fifteen are shown, the first selected.
+    AddPack("Burg O", 1);
+    app.editor.RefreshList();
+    Frames(1);
+    ASSERT_EQ(app.editor.RowCount(), 16);
+    EXPECT_GT(counterPixels(), 20);
 }
 
 TEST_F(EditorCardTest, NewPackPage) {

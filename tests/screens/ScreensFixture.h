@@ -28,17 +28,11 @@ protected:
         language = CurrentLanguage();
         dataFolder = FreshDataFolder();
         adv::mixer::UseOffline(44100);
-        assets = std::string(TORVANE_BINARY_DIR) + "/screens_tests_assets_" + std::to_string(getpid());
-        std::filesystem::remove_all(assets);
-        std::filesystem::create_directories(assets + "/bin");
-        std::filesystem::create_directories(assets + "/Resources/assets/torvane");
-        adv::Assets::Init(assets + "/bin/torvane");
     }
     void TearDown() override {
         run.reset();
         adv::mixer::UseOffline(0);
         adv::Assets::Clear();
-        std::filesystem::remove_all(assets);
         GetSettings() = saved;
         SetLanguage(language);
     }
@@ -57,7 +51,7 @@ protected:
             rgb[size_t(3 * i + 1)] = uint8_t(40 + (i / 320) / 2);
             rgb[size_t(3 * i + 2)] = 90;
         }
-        ASSERT_NE(stbi_write_png((assets + "/Resources/assets/torvane/title.png").c_str(), 320, 200, 3, rgb.data(),
+        ASSERT_NE(stbi_write_png((TestAssets() + "/torvane/title.png").c_str(), 320, 200, 3, rgb.data(),
                                  320 * 3),
                   0);
     }
@@ -98,7 +92,7 @@ protected:
 
     Settings saved;
     Language language = Language::English;
-    std::string dataFolder, assets;
+    std::string dataFolder;
     TorvaneApp app;
     std::unique_ptr<pge::Headless> run;
 };

@@ -22,22 +22,6 @@ protected:
 };
 using ScoresTest = TitleTest;
 
-TEST_F(TitleTest, PageRingAndEscapeWithoutAPicture) {
-    Start({});
-    EXPECT_EQ(app.titleImage, nullptr);
-    EXPECT_EQ(app.titlePage, 0);
-    ASSERT_TRUE(Tap(pge::LEFT));
-    EXPECT_EQ(app.titlePage, 3);
-    ASSERT_TRUE(Tap(pge::RIGHT));
-    EXPECT_EQ(app.titlePage, 0);
-    ASSERT_TRUE(Tap(pge::RIGHT));
-    EXPECT_EQ(app.titlePage, 1);
-    // Without a picture ESCAPE always ends the run, also on a page.
-    run->SetKey(pge::ESCAPE, true);
-    EXPECT_FALSE(Frame());
-    EXPECT_TRUE(app.quit);
-}
-
 TEST_F(TitleTest, PictureOpensBareAndEscapeLeavesAPageFirst) {
     MakeTitlePicture();
     Start({"--page=3"});

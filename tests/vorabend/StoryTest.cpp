@@ -7,9 +7,13 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <filesystem>
+
 namespace {
 
 using adv::vf2d;
+using adv::operator-;
 
 struct StoryTest : ::testing::Test {
     adv::AdventureGame game;
@@ -55,6 +59,64 @@ TEST_F(StoryTest, EachSceneLooksAsItsPicture) {
         for (int i = 0; i < 20; ++i) run.Frame(0.05f); // the fade from black is over
         torvane::testing_support::ExpectMatchesReference(*game.GetDrawTarget(), std::string("vorabend_") + id);
     }
+}
+
+// Frames until the fade from black is over and nothing is said.
+void Calm(StoryTest& t) {
+    t.game.runner.Clear();
+    for (auto& [id, actor] : t.game.actors) actor.StopTalking();
+    t.game.Narrate("", 0.0f);
+    for (int i = 0; i < 20; ++i) t.run.Frame(0.05f);
+}
+
+TEST_F(StoryTest, WalkingToAWayOutLeadsThroughItAndLookingAtItDoesNot) {
+    Calm(*this);
+    const vf2d gate = game.current->Find("tor")->shape.Centroid() - game.camera;
+    auto click = [&](int button) {
+        run.MoveMouse(int(gate.x), int(gate.y));
+        run.Frame(0.05f);
+        run.SetMouseButton(button, true);
+        run.Frame(0.05f);
+        run.SetMouseButton(button, false);
+        for (int i = 0; i < 300 && (game.runner.Running() || game.Player().Walking()); ++i) run.Frame(0.05f);
+        run.Frame(0.05f);
+    };
+    game.SelectVerb(adv::Verb::Look);
+    click(0);
+    EXPECT_EQ(game.current->id, "hof");
+    click(1); // the way out's own verb: walking
+    EXPECT_EQ(game.current->id, "werkstatt");
+}
+
+// The menu, a dialogue and the ending, each as its checked-in picture. Saves go to a
+// folder of their own, so the save page shows six empty slots.
+TEST_F(StoryTest, MenuDialogueAndEndingLookAsTheirPictures) {
+    char folder[] = "/tmp/vorabend-saves-XXXXXX";
+    ASSERT_NE(mkdtemp(folder), nullptr);
+    const char* old = std::getenv("XDG_DATA_HOME");
+    const std::string before = old ? old : "";
+    setenv("XDG_DATA_HOME", folder, 1);
+    Calm(*this);
+    run.MoveMouse(0, 0);
+    game.BeginDialogue("hella");
+    run.Frame(0.05f);
+    torvane::testing_support::ExpectMatchesReference(*game.GetDrawTarget(), "vorabend_dialogue");
+    game.EndDialogue();
+    game.OpenMenu();
+    run.Frame(0.05f);
+    torvane::testing_support::ExpectMatchesReference(*game.GetDrawTarget(), "vorabend_menu");
+    game.menu.Activate(adv::GameMenu::kSaveGame);
+    run.Frame(0.05f);
+    torvane::testing_support::ExpectMatchesReference(*game.GetDrawTarget(), "vorabend_savepage");
+    game.menu.Close();
+    game.FinishGame("Das Leuchtfeuer lodert.");
+    run.Frame(0.05f);
+    torvane::testing_support::ExpectMatchesReference(*game.GetDrawTarget(), "vorabend_end");
+    std::filesystem::remove_all(folder);
+    if (before.empty())
+        unsetenv("XDG_DATA_HOME");
+    else
+        setenv("XDG_DATA_HOME", before.c_str(), 1);
 }
 
 } // namespace

@@ -180,7 +180,7 @@ void Desert(Scene& s) {
     const int sand = s.Ramp({{132, 84, 48}, {190, 132, 76}, {232, 190, 126}}, 8);
     s.grounds = {{dune, 8}, {sand, 8}};
     s.Sky(sky, 14, 4, 116);
-    s.Sun(104, 40, 8, sun, sky + 13);
+    s.Sun(44, 30, 8, sun, sky + 13);
 
     // Far mesas, flat-topped, in the haze of the horizon.
     const std::vector<std::tuple<float, float, float>> mesas = {{20, 95, 28}, {118, 99, 40}, {196, 92, 22}, {292, 97, 30}};
@@ -194,6 +194,11 @@ void Desert(Scene& s) {
                 p.Set(x, y, Dither(mesa, 5, (lit ? 3.2f : 1.6f) + (y - top) * 0.05f, x, y));
             }
         }
+
+    // The far floor of the desert beyond the pass, in the haze.
+    for (int y = 112; y < 150; ++y)
+        for (int x = 0; x < p.W(); ++x)
+            if (p.At(x, y) >= sky && p.At(x, y) < sky + 14) p.Set(x, y, Dither(mesa, 5, 4.4f - (y - 112) * 0.06f, x, y));
 
     // The walls of the pass: terraced buttes of red sandstone with strata and grooves,
     // the left wall turned away from the light, the right one towards it.
@@ -232,7 +237,8 @@ void Desert(Scene& s) {
     FillBelow(p, dunes, [&](int x, int y, int depth) {
         // Each dune lit on the slope that faces left, the crest sharp.
         const float slope = dunes[static_cast<size_t>(std::min(x + 1, p.W() - 1))] - dunes[static_cast<size_t>(std::max(x - 1, 0))];
-        return Dither(dune, 8, 4.0f + std::clamp(slope, -2.0f, 2.0f) * 1.4f - depth * 0.15f + (depth == 0 ? 1.5f : 0.0f), x, y);
+        const float face = std::clamp(slope, -2.0f, 2.0f) * 1.4f * std::max(0.0f, 1.0f - depth / 14.0f);
+        return Dither(dune, 8, 4.0f + face - depth * 0.12f + (depth == 0 ? 1.5f : 0.0f), x, y);
     });
     // The floor of the pass, ripples of wind across it.
     const Ridge floor = MakeRidge(p.W(), 158, 3, 60, 43, 2);
@@ -302,12 +308,15 @@ void Highlands(Scene& s) {
     // The lake: reflections of the mountains, darker in the middle, lighter at the far shore.
     const int lakeTop = 124, lakeBottom = 156;
     for (int y = lakeTop; y < lakeBottom; ++y) {
-        const float shore = 10.0f * std::sin((y - lakeTop) * 0.09f) + 8.0f;
-        for (int x = static_cast<int>(shore); x < p.W() - static_cast<int>(shore * 0.6f); ++x) {
+        const float shore = 10.0f * std::sin((y - lakeTop) * 0.09f) + 8.0f + Fractal1(y / 3.0f, 130, 2) * 4.0f;
+        const int x0 = static_cast<int>(shore), x1 = p.W() - static_cast<int>(shore * 0.6f + 2.0f);
+        for (int x = x0; x < x1; ++x) {
             const int mirror = 2 * lakeTop - y;
             const int above = mirror >= 0 ? p.At(x, mirror) : sky;
             const bool snowy = above >= far + 5 && above < far + 8;
-            p.Set(x, y, Dither(water, 7, snowy ? 4.5f : 2.5f + (y - lakeTop) * 0.05f, x, y));
+            // A lit strand along the far shore, the reflections below it.
+            const bool strand = y == lakeTop;
+            p.Set(x, y, strand ? hill + 6 : Dither(water, 7, snowy ? 4.5f : 2.5f + (y - lakeTop) * 0.05f, x, y));
         }
     }
     // The waterfall from the crag on the right into the lake.
@@ -350,7 +359,9 @@ void Snowpass(Scene& s) {
     s.Sky(sky, 10, 0, 120);
 
     s.Mountains({{30, 30, 80}, {120, 18, 90}, {236, 26, 80}, {318, 40, 60}}, 120, 200, [&](int x, int y, bool lit, float depth, float below) {
-        const bool bare = depth > 0.2f && Noise2(x / 2.5f, y / 14.0f, 201) > (lit ? 0.55f : 0.15f);
+        // Bare rock in gullies running down the fall line: down-left on the lit face, down-right in the shade.
+        const float u = static_cast<float>(x) + static_cast<float>(y) * (lit ? 0.8f : -0.8f);
+        const bool bare = depth > 0.18f && Noise1(u / 3.0f, 201) + Noise2(u / 9.0f, y / 6.0f, 203) * 0.6f > (lit ? 0.75f : 0.35f);
         if (bare) return Dither(rock, 5, lit ? 3.5f : 1.0f, x, y);
         return Dither(snow, 10, (lit ? 8.5f : 4.0f) - depth * 2.0f + (below < 1.0f ? 1.0f : 0.0f), x, y);
     });
@@ -563,8 +574,10 @@ void Volcanic(Scene& s) {
     const Ridge front = MakeRidge(p.W(), 152, 7, 36, 411, 3);
     FillBelow(p, front, [&](int x, int y, int d) {
         const float slope = front[static_cast<size_t>(std::min(x + 1, p.W() - 1))] - front[static_cast<size_t>(std::max(x - 1, 0))];
-        const float crack = Noise2(x / 8.0f, y / 3.0f, 412);
-        return Dither(basalt, 8, (slope > 0 ? 4.0f : 2.6f) - d * 0.05f + (crack > 0.4f ? 1.2f : 0.0f) + (d < 1 ? 2.5f : 0.0f), x, y);
+        const float crack = Noise2(x / 16.0f, y / 2.0f, 412); // old flows in layers along the slope
+        // The faces of the ridge catch the light near its crest only; below lie layers of old flows.
+        const float face = (slope > 0 ? 0.7f : -0.7f) * std::max(0.0f, 1.0f - d / 10.0f);
+        return Dither(basalt, 8, 3.3f + face - d * 0.04f + (crack > 0.4f ? 1.2f : 0.0f) + (d < 1 ? 2.5f : 0.0f), x, y);
     });
     // Glowing cracks in the ground, pulsing slowly.
     for (int k = 0; k < 10; ++k) {

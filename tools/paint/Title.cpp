@@ -81,14 +81,14 @@ void PaintTitle(Picture& out, Palette& palette) {
     const int gold = palette.Ramp({{120, 58, 24}, {214, 140, 52}, {255, 200, 96}, {255, 244, 190}}, 5);
     const int dark = palette.Add(pge::Pixel(40, 16, 6));
 
-    // The hero, three times his size on the stage, on the meadow right of the tower.
+    // The hero, four times his size on the stage, on the meadow right of the tower, his feet above the calm foot.
     Picture figure(64, 64);
     adv::canvas::FillRect(figure.S(), 0, 0, 64, 64, Ink(runner));
     PaintRunner(figure, runner, Pose::Idle, 2, true, 32, 59);
-    const Picture big = Enlarge(figure, 3);
+    const Picture big = Enlarge(figure, 4);
     for (int y = 0; y < big.H(); ++y)
         for (int x = 0; x < big.W(); ++x)
-            if (big.At(x, y) != runner) out.Set(392 + x, 318 - 59 * 3 + y, big.At(x, y));
+            if (big.At(x, y) != runner) out.Set(470 - 32 * 4 + x, 318 - 60 * 4 + y, big.At(x, y));
 
     DisplayText(out, "Der Vellmark", (640 - (12 * 6 - 1) * 7) / 2, 26, 7, gold, dark);
 }
@@ -115,34 +115,36 @@ void PaintIcon(Picture& out, Palette& pal) {
             const bool edge = fx < 1.5f || fy < 1.5f || fx > 30.5f || fy > 30.5f;
             if (edge) continue;
             const float hillY = 24.0f + std::sin(fx * 0.25f) * 1.5f;
-            out.Set(x, y, fy > hillY ? Dither(hill, 3, 2.0f - (fy - hillY) * 0.3f, x, y) : Dither(sky, 6, fy / 24.0f * 5.0f, x, y));
+            // Ordered dither where the tile is large enough to show it, plain bands below.
+            const float tone = fy > hillY ? 2.0f - (fy - hillY) * 0.3f : fy / 24.0f * 5.0f;
+            const int first = fy > hillY ? hill : sky, n = fy > hillY ? 3 : 6;
+            out.Set(x, y, u >= 3.0f ? Dither(first, n, tone, x, y) : first + std::clamp(static_cast<int>(tone), 0, n - 1));
         }
     adv::canvas::StrokeRoundRect(out.S(), 0.5f * u, 0.5f * u, s - u, s - u, r, Ink(outline), std::max(u, 1.0f));
 
+    // The tower: a cylinder lit from the left, courses of stone where there is room for
+    // them, the red line across, and the open top with the dark inside.
     const float cx = 16.0f * u, rx = 8.0f * u, ry = 2.2f * u, top = 9.0f * u, foot = 27.0f * u;
     for (int x = static_cast<int>(cx - rx); x < static_cast<int>(cx + rx) + 1; ++x) {
         const float n = (x + 0.5f - cx) / rx;
         if (std::fabs(n) >= 1.0f) continue;
         const float a = std::asin(n), c = std::cos(a);
         const float light = std::clamp(0.7f + 0.42f * std::cos(a + 0.55f), 0.5f, 1.15f);
-        const int y0 = static_cast<int>(top + ry * c), y1 = static_cast<int>(foot + ry * c);
-        for (int y = static_cast<int>(top - ry * c); y < y1; ++y) {
-            const float yc = y + 0.5f;
-            int i;
-            if (y < y0) {
-                const bool hole = std::fabs(n) < 0.78f && std::fabs(yc - top) < ry * std::sqrt(std::max(0.0f, 0.78f * 0.78f - n * n)) / 0.78f * 0.78f;
-                i = hole ? inner : stone + 6;
-            } else {
-                const float course = (foot + ry * c - yc) / (3.0f * u);
-                const bool joint = course - std::floor(course) < 1.0f / (3.0f * u) * (u >= 2 ? 1.0f : 0.0f) && u >= 2;
-                i = Dither(stone, 7, (light - 0.5f) / 0.65f * 5.0f + 0.5f - (joint ? 1.5f : 0.0f), x, y);
-            }
-            out.Set(x, y, i);
+        const float t = (light - 0.5f) / 0.65f * 5.0f + 0.5f;
+        for (int y = static_cast<int>(top); y < static_cast<int>(foot + ry * c); ++y) {
+            const float up = (foot + ry * c - (y + 0.5f)) / (3.0f * u);
+            const int course = static_cast<int>(up);
+            const float along = a * rx / (4.0f * u) + (course & 1) * 0.5f;
+            const bool joint = u >= 2.0f && ((up - course) * 3.0f * u < 1.0f || (u >= 4.0f && (along - std::floor(along)) * 4.0f * u * c < 1.0f));
+            out.Set(x, y, u >= 3.0f ? Dither(stone, 7, t - (joint ? 1.5f : 0.0f), x, y)
+                                    : stone + std::clamp(static_cast<int>(std::lround(t - (joint ? 1.0f : 0.0f))), 0, 6));
         }
-        // The red defence line across the wall.
         const int ly = static_cast<int>(top + 5.0f * u + ry * c);
-        for (int k = 0; k < std::max(static_cast<int>(u), 1); ++k) out.Set(x, ly + k, red);
+        for (int k = 0; k < std::max(static_cast<int>(u * 0.75f), 1); ++k) out.Set(x, ly + k, red);
     }
+    adv::canvas::FillEllipse(out.S(), {cx, top}, rx, ry, Ink(stone + 6));
+    adv::canvas::FillEllipse(out.S(), {cx, top + 0.15f * u}, rx * 0.76f, ry * 0.68f, Ink(inner));
+
     // Outline round the tower's silhouette.
     const Picture copy = out.Copy();
     for (int y = 1; y < s - 1; ++y)

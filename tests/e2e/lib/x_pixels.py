@@ -7,9 +7,6 @@ Usage:
       it); exit 1 on timeout.
   python3 x_pixels.py count WINDOW X0 Y0 X1 Y1 RRGGBB
       prints how many logical pixels of the rectangle have the colour.
-  python3 x_pixels.py press-when WINDOW X Y RRGGBB SECONDS KEYSYM
-      as wait, then at once a press of the key through XTest to the focused window,
-      for the cases where a shell's round trip would come too late.
 """
 import ctypes
 import sys
@@ -23,13 +20,7 @@ x11.XGetImage.argtypes = [ctypes.c_void_p, ctypes.c_ulong, ctypes.c_int, ctypes.
                           ctypes.c_uint, ctypes.c_ulong, ctypes.c_int]
 x11.XGetPixel.restype = ctypes.c_ulong
 x11.XGetPixel.argtypes = [ctypes.c_void_p, ctypes.c_int, ctypes.c_int]
-x11.XKeysymToKeycode.restype = ctypes.c_ubyte
-x11.XKeysymToKeycode.argtypes = [ctypes.c_void_p, ctypes.c_ulong]
-x11.XStringToKeysym.restype = ctypes.c_ulong
-x11.XStringToKeysym.argtypes = [ctypes.c_char_p]
-x11.XFlush.argtypes = [ctypes.c_void_p]
-xtst = ctypes.cdll.LoadLibrary("libXtst.so.6")
-xtst.XTestFakeKeyEvent.argtypes = [ctypes.c_void_p, ctypes.c_uint, ctypes.c_int, ctypes.c_ulong]
+x11.XDestroyImage = None  # a macro in C; the images are few and the process is short
 Z_PIXMAP = 2
 ALL_PLANES = 0xFFFFFFFF
 
@@ -58,24 +49,11 @@ def wait(window, x, y, colour, seconds, gone):
     return False
 
 
-def press(keysym):
-    code = x11.XKeysymToKeycode(display, x11.XStringToKeysym(keysym.encode()))
-    xtst.XTestFakeKeyEvent(display, code, 1, 0)
-    x11.XFlush(display)
-    time.sleep(0.08)  # over a few frames
-    xtst.XTestFakeKeyEvent(display, code, 0, 0)
-    x11.XFlush(display)
-
-
 def main(args):
     command, window = args[0], int(args[1], 0)
-    if command in ("wait", "press-when"):
+    if command == "wait":
         x, y, colour, seconds = int(args[2]), int(args[3]), int(args[4], 16), float(args[5])
-        if not wait(window, x, y, colour, seconds, command == "wait" and len(args) > 6 and args[6] == "gone"):
-            return 1
-        if command == "press-when":
-            press(args[6])
-        return 0
+        return 0 if wait(window, x, y, colour, seconds, len(args) > 6 and args[6] == "gone") else 1
     if command == "count":
         x0, y0, x1, y1, colour = int(args[2]), int(args[3]), int(args[4]), int(args[5]), int(args[6], 16)
         rows = grab(window, x0, y0, x1, y1) or []

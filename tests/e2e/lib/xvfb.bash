@@ -21,6 +21,11 @@ start_xvfb() {
     rm -f "$numberFile"
     [ -n "$n" ] || fail "Xvfb did not start"
     export DISPLAY=":${n}"
+    # The number comes as the server is ready; on a crowded machine, make sure it answers.
+    for i in $(seq 1 100); do
+        xdpyinfo >/dev/null 2>&1 && break
+        sleep 0.05
+    done
     export LIBGL_ALWAYS_SOFTWARE=1
 }
 

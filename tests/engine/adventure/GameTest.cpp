@@ -27,6 +27,20 @@ TEST_F(GameTest, ARightClickOnAHotspotUsesItsDefaultVerb) {
     EXPECT_TRUE(t.Player().Walking());
 }
 
+TEST_F(GameTest, WalkingToAHotspotOnlyWalksThoughItHasAScriptForWalking) {
+    Hotspot& chest = *game.current->Find("chest");
+    chest.scripts[Verb::Walk] = Script().SetFlag("walked", 1);
+    chest.hasApproach = true;
+    chest.approach = {70, 130};
+    game.InteractWithHotspot(chest, Verb::Walk, {90, 90});
+    EXPECT_FALSE(game.runner.Running());
+    ASSERT_TRUE(t.Player().Walking());
+    EXPECT_FLOAT_EQ(t.Player().path.back().x, 70);
+    t.Settle();
+    for (int i = 0; i < 100 && t.Player().Walking(); ++i) t.run.Frame(0.05f);
+    EXPECT_EQ(game.Flag("walked"), 0);
+}
+
 TEST_F(GameTest, EachVerbHasItsFallbackText) {
     game.SelectVerb(Verb::Pull);
     t.Click(90, 90);
@@ -179,6 +193,48 @@ TEST_F(GameTest, TheScrollArrowsAndVerbCellsAnswerClicks) {
     EXPECT_EQ(game.inventory.scroll, 0);
     t.Click(8 + 72 + 10, 16 * 13 + 4); // second row, middle: "Schau an"
     EXPECT_EQ(game.verb, Verb::Look);
+}
+
+TEST_F(GameTest, ATimedQuitEndsTheRunAfterItsTimeInFrameSteps) {
+    game.QuitAfter(0.25f);
+    EXPECT_TRUE(game.OnUserUpdate(0.1f));
+    EXPECT_TRUE(game.OnUserUpdate(5.0f)); // a long frame counts as 0.1 seconds
+    EXPECT_FALSE(game.OnUserUpdate(0.1f));
+    game.QuitAfter(0.0f);
+    EXPECT_TRUE(game.OnUserUpdate(0.1f));
+}
+
+// A title card that paints the screen one colour.
+struct Card : ScreenDefinition {
+    void Draw(AdventureGame& game, float) override { game.Clear(pge::Pixel(10, 20, 30)); }
+};
+
+TEST(Intro, TheMenuOpensOverTheTitleAndTheClickThatEndsItIsNoOrder) {
+    AdventureGame game;
+    pge::Headless run(game, AdventureGame::kViewWidth, AdventureGame::kViewHeight);
+    game.SetContentBuilder([](AdventureGame& g) {
+        testing::BuildTestContent(g);
+        g.AddIntroScreen(std::make_unique<Card>());
+    });
+    ASSERT_TRUE(run.Create());
+    auto press = [&](pge::Key key) {
+        run.SetKey(key, true);
+        run.Frame(0.016f);
+        run.SetKey(key, false);
+        run.Frame(0.016f);
+    };
+    press(pge::F5);
+    EXPECT_TRUE(game.menu.IsOpen());
+    EXPECT_EQ(game.state, AdventureGame::Intro);
+    const pge::Pixel under = game.GetDrawTarget()->GetPixel(2, 2); // the title, shaded by the menu
+    EXPECT_GT(under.b, 0);
+    EXPECT_LT(under.b, 30);
+    press(pge::ESCAPE); // closes the menu, not the title
+    EXPECT_FALSE(game.menu.IsOpen());
+    EXPECT_EQ(game.state, AdventureGame::Intro);
+    press(pge::SPACE); // ends the title, and is no pause
+    EXPECT_EQ(game.state, AdventureGame::Playing);
+    EXPECT_FALSE(game.paused);
 }
 
 TEST_F(GameTest, TextSpeedKeysAndPause) {

@@ -135,6 +135,14 @@ TEST_F(SaveTest, SlotsOutsideTheSixFailWithoutTouchingAnyFile) {
     EXPECT_EQ(info.label, "Die Kammer  am Abend");
     EXPECT_TRUE(savegame::Erase(5));
     EXPECT_FALSE(savegame::Inspect(5).exists);
+    // Size alone refuses nothing: a long save with the right first line is read.
+    std::string big = "quillmere-adventure-save 1\nlabel Lang\n";
+    for (int i = 0; i < 80000; ++i) big += "flag f" + std::to_string(i) + " 1\n";
+    ASSERT_GT(big.size(), size_t(1) << 20);
+    WriteFile(2, big);
+    SaveData d;
+    ASSERT_TRUE(savegame::Read(2, d));
+    EXPECT_EQ(d.flags.size(), 80000u);
     // A wrong first line reads as an empty slot.
     WriteFile(1, "quillmere-adventure-save 7\nlabel x\n");
     EXPECT_FALSE(savegame::Inspect(1).exists);
@@ -186,6 +194,25 @@ TEST_F(SaveTest, SaveAndLoadRestoreTheGameWithoutEntryScripts) {
     EXPECT_EQ(g.VisibleDialogueOptions(), (std::vector<int>{2}));
 }
 
+TEST_F(SaveTest, ALoadTakesOverWhatTheSaveSaysAndRebuildsScenesFromCode) {
+    testing::TestGame t;
+    t.Settle();
+    AdventureGame& g = t.game;
+    SaveData d = g.CaptureState(); // only the room is built yet
+    d.items = {"rope", "sold-out", "bread"};
+    for (SaveData::ActorRecord& a : d.actors)
+        if (a.id == "cat") a.y = 60; // on the chest, off the floor
+    g.ChangeScene("hall", "default");
+    g.current->Find("window")->enabled = false;
+    ASSERT_TRUE(g.RestoreState(d));
+    // The inventory in order, an item the game no longer knows included.
+    EXPECT_EQ(g.inventory.items, d.items);
+    // A figure stands exactly where it was saved, though it is not on the floor.
+    EXPECT_FLOAT_EQ(g.actors.at("cat").position.y, 60);
+    // The hall was built after the save: it is as its code makes it.
+    EXPECT_TRUE(g.scenes.Load(g, "hall")->Find("window")->enabled);
+}
+
 TEST_F(SaveTest, ALoadThatFailsChangesNothing) {
     testing::TestGame t;
     t.Settle();
@@ -203,13 +230,15 @@ TEST_F(SaveTest, ALoadThatFailsChangesNothing) {
         EXPECT_EQ(g.inventory.items, (std::vector<std::string>{"key"}));
         EXPECT_EQ(g.current->id, "room");
     }
-    // Numbers out of range are brought back into it.
+    // Speed, scroll and facing out of range are limited; a position is taken as it stands,
+    // and a figure far outside the view is still a frame that can be drawn.
     ASSERT_TRUE(g.ApplyMenuRequest({GameMenu::Request::LoadSlot, 3}));
     EXPECT_EQ(g.toast, "Spielstand geladen");
     EXPECT_EQ(Actor::TextSpeed(), 8);
     EXPECT_EQ(g.inventory.scroll, 0);
     EXPECT_EQ(t.Player().facing, Facing::Back);
-    EXPECT_TRUE(g.current->walkArea.IsWalkable(t.Player().position));
+    EXPECT_FLOAT_EQ(t.Player().position.x, 1e30f);
+    t.run.Frame(0.05f);
     Actor::SetTextSpeed(4);
 }
 
@@ -229,6 +258,10 @@ TEST_F(SaveTest, SavingOverAUsedSlotAsksFirstAndReturnsToTheSavePage) {
     EXPECT_EQ(menu.message, "In Feld 5 gespeichert");
     EXPECT_TRUE(menu.slots[4].exists);
     EXPECT_EQ(menu.slots[4].label, "Kammer");
+    menu.BuildRows({0, 0});
+    ASSERT_EQ(menu.rows.size(), 7u); // six slots and the way back
+    EXPECT_EQ(menu.rows[0].text, "  - leer -");
+    EXPECT_EQ(menu.rows[4].text, "Kammer  " + menu.slots[4].saved);
     // A used one asks.
     r = menu.Activate(GameMenu::kSlotRow + 4);
     EXPECT_EQ(r.kind, GameMenu::Request::None);

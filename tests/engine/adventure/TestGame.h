@@ -31,6 +31,7 @@ public:
         s.walkArea.outer = Polygon::Rect(0, 100, 800, 76);
         s.SetEntry("default", {20, 150}, Facing::Right);
         s.SetEntry("east", {790, 150}, Facing::Left);
+        s.AddRectHotspot("window", "Fenster", 300, 20, 40, 40);
     }
 };
 
