@@ -37,8 +37,7 @@ struct Opener {
         if (thread.joinable()) thread.join();
     }
 };
-Opener s_openerThread;
-std::thread& s_opener = s_openerThread.thread;
+Opener s_opener;
 // The track asked for while the device was being opened.
 struct Pending {
     std::string path;
@@ -49,16 +48,17 @@ Pending s_pending;
 
 void NoDevice() { std::fprintf(stderr, "[musik] Kein Tongeraet verfuegbar - das Spiel laeuft ohne Musik.\n"); }
 
-// Waits for the opener, if one runs, and takes its engine.
-void JoinOpener() {
-    if (!s_opener.joinable()) return;
-    s_opener.join();
+// Waits for the opener, if one runs, and takes its engine; whether there was one.
+bool JoinOpener() {
+    if (!s_opener.thread.joinable()) return false;
+    s_opener.thread.join();
     s_opened = false;
     s_engine = std::move(s_openedEngine);
     if (!s_engine) NoDevice();
     Pending pending = std::move(s_pending);
     s_pending = Pending();
     if (s_engine && !pending.path.empty()) Play(pending.path, pending.loop, pending.fade);
+    return true;
 }
 
 uint32_t Milliseconds(float seconds) { return seconds > 0.0f ? uint32_t(seconds * 1000.0f) : 0; }
@@ -68,7 +68,7 @@ uint32_t Milliseconds(float seconds) { return seconds > 0.0f ? uint32_t(seconds 
 void Disable() { s_disabled = true; }
 
 bool Init() {
-    JoinOpener();
+    if (JoinOpener()) return bool(s_engine);
     if (s_disabled || s_engine) return bool(s_engine);
     s_engine = mixer::Init();
     if (!s_engine) NoDevice();
@@ -76,12 +76,12 @@ bool Init() {
 }
 
 void InitInBackground() {
-    if (s_disabled || s_engine || s_opener.joinable()) return;
+    if (s_disabled || s_engine || s_opener.thread.joinable()) return;
     if (mixer::Offline()) {
         Init(); // nothing to wait for, and tests see the engine at once
         return;
     }
-    s_opener = std::thread([] {
+    s_opener.thread = std::thread([] {
         s_openedEngine = mixer::Init();
         s_opened = true;
     });
@@ -105,7 +105,7 @@ const std::string& Current() { return s_currentPath; }
 mixer::Engine* Engine() { return s_engine.get(); }
 
 void Play(const std::string& path, bool loop, float fadeSeconds) {
-    if (s_opener.joinable() && !path.empty()) {
+    if (s_opener.thread.joinable() && !path.empty()) {
         s_pending = {path, loop, fadeSeconds};
         return;
     }

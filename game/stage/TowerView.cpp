@@ -7,6 +7,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
+#include <functional>
 
 namespace torvane {
 
@@ -86,6 +88,65 @@ void TowerView::Draw(pge::PixelEngine& engine, const Game& game, const StageRect
     }
 }
 
+void TowerView::DrawBehindMarks(pge::Sprite* target, const Layout& lay, const Geo& g, int tower, uint64_t wallVersion,
+                                const std::vector<int32_t>& marks, float width, float x0, float y0, float x1, float y1,
+                                const std::function<void()>& draw) {
+    if (!target || !(std::isfinite(x0) && std::isfinite(y0) && std::isfinite(x1) && std::isfinite(y1))) {
+        draw();
+        return;
+    }
+    const int W = target->width, H = target->height;
+    const float pad = std::ceil(width) + 3.0f;
+    const int left = static_cast<int>(std::max(std::floor(x0) - pad, 0.0f));
+    const int right = static_cast<int>(std::min(std::ceil(x1) + pad, static_cast<float>(W)));
+    const int upper = static_cast<int>(std::max(std::floor(y0) - pad, 0.0f));
+    const int lower = static_cast<int>(std::min(std::ceil(y1) + pad, static_cast<float>(H)));
+    if (right <= left || lower <= upper) {
+        draw();
+        return;
+    }
+    if (layers.size() <= static_cast<size_t>(tower)) layers.resize(static_cast<size_t>(tower) + 1);
+    TowerLayer& layer = layers[static_cast<size_t>(tower)];
+    const int w = right - left, h = lower - upper;
+    // The material needs no place of its own: a new one renews the wall, and so its version.
+    const bool same = layer.valid && layer.geo == g && layer.cell == lay.cell &&
+                      layer.integrated == lay.integrated && layer.wallVersion == wallVersion && layer.marks == marks &&
+                      layer.targetW == W &&
+                      layer.targetH == H && layer.x == left && layer.y == upper && layer.w == w && layer.h == h;
+    pge::Pixel* data = target->GetData();
+    const size_t rowBytes = static_cast<size_t>(w) * sizeof(pge::Pixel);
+    const auto row = [&](int j) {
+        return data + static_cast<size_t>(upper + j) * static_cast<size_t>(W) + static_cast<size_t>(left);
+    };
+    bool found = same;
+    for (int j = 0; found && j < h; ++j)
+        found = std::memcmp(row(j), layer.before.data() + static_cast<size_t>(j) * static_cast<size_t>(w), rowBytes) == 0;
+    if (found) {
+        for (int j = 0; j < h; ++j)
+            std::memcpy(row(j), layer.after.data() + static_cast<size_t>(j) * static_cast<size_t>(w), rowBytes);
+        return;
+    }
+    layer.before.resize(static_cast<size_t>(w) * static_cast<size_t>(h));
+    layer.after.resize(layer.before.size());
+    for (int j = 0; j < h; ++j)
+        std::memcpy(layer.before.data() + static_cast<size_t>(j) * static_cast<size_t>(w), row(j), rowBytes);
+    draw();
+    for (int j = 0; j < h; ++j)
+        std::memcpy(layer.after.data() + static_cast<size_t>(j) * static_cast<size_t>(w), row(j), rowBytes);
+    layer.valid = true;
+    layer.geo = g;
+    layer.cell = lay.cell;
+    layer.integrated = lay.integrated;
+    layer.wallVersion = wallVersion;
+    layer.marks = marks;
+    layer.targetW = W;
+    layer.targetH = H;
+    layer.x = left;
+    layer.y = upper;
+    layer.w = w;
+    layer.h = h;
+}
+
 void TowerView::DrawTower(pge::PixelEngine& engine, const Game& game, const Layout& lay, int tower) {
     namespace cv = adv::canvas;
     pge::Sprite* target = engine.GetDrawTarget();
@@ -98,95 +159,147 @@ void TowerView::DrawTower(pge::PixelEngine& engine, const Game& game, const Layo
     const LevelConfig& config = game.config;
     const bool active = game.phase == Phase::Build || game.phase == Phase::Attack;
 
-    // 1. Plinth.
-    if (!lay.integrated) {
-        cv::FillEllipse(target, {g.cx + w * 0.3f, g.baseY + cell * 0.5f + g.ry * 0.6f}, w * 1.4f, g.ry * 1.2f,
-                        pge::Pixel(0, 0, 0, 56));
-        const pge::Pixel side = cv::Shade(m, 0.42f, 255);
-        cv::FillEllipse(target, {g.cx, g.baseY + cell * 0.5f}, w * 1.13f, g.ry * 1.15f, side);
-        cv::FillRect(target, static_cast<int>(g.cx - w * 1.13f), static_cast<int>(g.baseY),
-                     static_cast<int>(w * 2.26f), static_cast<int>(g.baseY + cell * 0.5f - g.baseY) + 1, side);
-        cv::FillEllipse(target, {g.cx, g.baseY}, w * 1.13f, g.ry * 1.15f, cv::Shade(m, 0.62f, 255));
-    }
-
-    // 2. The back of the rim, seen through the open tower.
+    // Steps 1 to 7 draw behind the marks: their shapes first, so that the rectangle they
+    // touch is known before anything is drawn.
+    const WallCache& wall = PrepareWall(game, g, tower);
+    const float top = g.baseY - rows * g.cellH;
     std::vector<pge::vf2d> back;
     for (int i = 0; i <= 64; ++i) {
         const float a = 2.0f * g.halfAngle * static_cast<float>(i) / 64.0f - g.halfAngle;
-        back.push_back({g.cx + std::sin(a) * g.rx, g.baseY - rows * g.cellH - std::cos(a) * g.ry});
+        back.push_back({g.cx + std::sin(a) * g.rx, top - std::cos(a) * g.ry});
     }
-    cv::Polyline(target, back, kDashed, 1.0f, false, 4.0f, 3.0f);
-
-    // 3. Scaffold poles behind the wall.
+    const std::vector<pge::vf2d> zone = g.Zone();
+    std::vector<pge::vf2d> upper, lower;
     if (!lay.integrated) {
-        const float yt = g.P(0.0f, rows, 1.0f).y;
-        const float yb = g.baseY + cell * 0.3f;
-        for (const float s : {-1.0f, 1.0f}) {
-            const float x = g.cx + s * (w + 2.0f);
-            cv::Line(target, {x, yt}, {x, yb}, kWoodDark, 3.0f);
-            cv::Line(target, {x - s, yt}, {x - s, yb}, kWood, 1.0f);
-        }
-    }
-
-    // 4. The wall, and from now on a mask that shows only where no block stands.
-    DrawWall(target, game, g, tower);
-    const cv::Mask open = [this](int x, int y) { return !FilledAt(x, y); };
-
-    // 6. The zone's outline passes behind the blocks.
-    cv::Polyline(target, g.Zone(), kDashed, 1.0f, true, 4.0f, 3.0f, open);
-
-    // 7. Ledge: a wooden beam along the rim.
-    if (!lay.integrated) {
-        const std::vector<pge::vf2d> upper = g.FrontCurve(rows, 1.0f, g.ring ? 0.0f : 0.84f / static_cast<float>(g.cols));
-        std::vector<pge::vf2d> lower;
+        upper = g.FrontCurve(rows, 1.0f, g.ring ? 0.0f : 0.84f / static_cast<float>(g.cols));
         for (auto it = upper.rbegin(); it != upper.rend(); ++it) lower.push_back({it->x, it->y + 4.0f});
-        std::vector<pge::vf2d> beam = upper;
-        beam.insert(beam.end(), lower.begin(), lower.end());
-        cv::FillPolygon(target, beam, kWood);
-        cv::Polyline(target, upper, kWoodLight, 1.0f, false);
-        cv::Polyline(target, lower, kWoodDark, 1.0f, false);
     }
+    const float poleTop = g.P(0.0f, rows, 1.0f).y;
+    const float poleFoot = g.baseY + cell * 0.3f;
 
-    const auto cellAt = [&](int x, int y) {
-        return x >= 0 && y >= 0 && x < g.cols && y < g.rows ? game.CellAt(tower, x, y) : 0;
-    };
-
-    // 8. The attacked columns short of the line: the red gaps the player must close.
+    // The marks that stay while the wall does: the red gaps of the attacked columns short
+    // of the line (8), the gaps that the inspection will bring down (9), the Defence Line
+    // (10) and which tower is active (11). They are listed first, and the list is part of
+    // what decides whether the frame before can be copied.
+    std::vector<Cell> red, gaps;
     if (active)
         for (int x = 0; x < g.cols; ++x) {
             const int top = game.ColumnTop(tower, x);
             if (!(game.EvalTop(tower, x) < config.line && game.IsAttackedColumn(x) && top < config.line)) continue;
-            for (int y = top; y < config.line; ++y) {
-                const float fx = static_cast<float>(x), fy = static_cast<float>(y);
-                cv::FillPolygon(target, g.CellPath(fx, fy, 0.0f), pge::Pixel(214, 60, 44, 77));
-                cv::Polyline(target, g.CellPath(fx, fy, 0.78f), pge::Pixel(255, 140, 110, 153), 1.0f, true);
+            for (int y = top; y < config.line; ++y) red.push_back({x, y});
+        }
+    if (game.phase == Phase::Build)
+        for (const Cell& c : game.GapCells(tower))
+            if (!(std::fabs(g.Angle(static_cast<float>(c.x) + 0.5f)) > g.halfAngle)) gaps.push_back(c);
+    const std::vector<pge::vf2d> line = g.FrontCurve(static_cast<float>(config.line), 1.0f, 0.0f);
+    const float lineWidth = std::max(cell * 0.15f, 2.0f);
+    const int activeMark = active && config.towers >= 2 ? (tower == game.activeTower ? 1 : 2) : 0;
+    std::vector<int32_t> marks{static_cast<int32_t>(red.size()), static_cast<int32_t>(gaps.size()), config.line,
+                               activeMark};
+    for (const std::vector<Cell>* cells : {&red, &gaps})
+        for (const Cell& c : *cells) marks.insert(marks.end(), {c.x, c.y});
+
+    // The rectangle: every point handed to a shape, the plinth's boxes and the wall map,
+    // with room for the widest line (3 pixels) and the rounding to pixel centres.
+    float x0 = static_cast<float>(wall.x), y0 = static_cast<float>(wall.y);
+    float x1 = static_cast<float>(wall.x + wall.w), y1 = static_cast<float>(wall.y + wall.h);
+    const auto add = [&](float x, float y) {
+        x0 = std::min(x0, x), x1 = std::max(x1, x), y0 = std::min(y0, y), y1 = std::max(y1, y);
+    };
+    const auto addBox = [&](float cx, float cy, float rx, float ry) { add(cx - rx, cy - ry), add(cx + rx, cy + ry); };
+    for (const std::vector<pge::vf2d>* points : std::initializer_list<const std::vector<pge::vf2d>*>{&back, &zone, &upper, &lower})
+        for (const pge::vf2d& p : *points) add(p.x, p.y);
+    for (const pge::vf2d& p : line) add(p.x, p.y);
+    for (const std::vector<Cell>* cells : {&red, &gaps})
+        for (const Cell& c : *cells) {
+            for (const pge::vf2d& p : g.CellPath(static_cast<float>(c.x), static_cast<float>(c.y), 0.0f)) add(p.x, p.y);
+            const pge::vf2d p = g.P(static_cast<float>(c.x) + 0.5f, static_cast<float>(c.y) + 0.5f, 1.0f);
+            const float h = std::fabs(g.Light(static_cast<float>(c.x) + 0.5f) * cell * 0.2f);
+            addBox(p.x, p.y, h, h);
+        }
+    for (const Speckle& sp : wall.speckles) add(static_cast<float>(sp.x), static_cast<float>(sp.y));
+    for (const Face& face : wall.faces)
+        for (const pge::vf2d& p : face.outline) add(p.x, p.y);
+    if (!lay.integrated) {
+        addBox(g.cx + w * 0.3f, g.baseY + cell * 0.5f + g.ry * 0.6f, w * 1.4f, g.ry * 1.2f);
+        addBox(g.cx, g.baseY + cell * 0.5f, w * 1.13f, g.ry * 1.15f);
+        addBox(g.cx, g.baseY, w * 1.13f, g.ry * 1.15f);
+        addBox(g.cx, g.baseY, w * 2.26f, cell * 0.5f + 1.0f);
+        addBox(g.cx, poleTop, w + 3.0f, 0.0f);
+        addBox(g.cx, poleFoot, w + 3.0f, 0.0f);
+    }
+    const auto drawBack = [&]() {
+        // 1. Plinth.
+        if (!lay.integrated) {
+            cv::FillEllipse(target, {g.cx + w * 0.3f, g.baseY + cell * 0.5f + g.ry * 0.6f}, w * 1.4f, g.ry * 1.2f,
+                            pge::Pixel(0, 0, 0, 56));
+            const pge::Pixel side = cv::Shade(m, 0.42f, 255);
+            cv::FillEllipse(target, {g.cx, g.baseY + cell * 0.5f}, w * 1.13f, g.ry * 1.15f, side);
+            cv::FillRect(target, static_cast<int>(g.cx - w * 1.13f), static_cast<int>(g.baseY),
+                         static_cast<int>(w * 2.26f), static_cast<int>(g.baseY + cell * 0.5f - g.baseY) + 1, side);
+            cv::FillEllipse(target, {g.cx, g.baseY}, w * 1.13f, g.ry * 1.15f, cv::Shade(m, 0.62f, 255));
+        }
+
+        // 2. The back of the rim, seen through the open tower.
+        cv::Polyline(target, back, kDashed, 1.0f, false, 4.0f, 3.0f);
+
+        // 3. Scaffold poles behind the wall.
+        if (!lay.integrated) {
+            for (const float s : {-1.0f, 1.0f}) {
+                const float x = g.cx + s * (w + 2.0f);
+                cv::Line(target, {x, poleTop}, {x, poleFoot}, kWoodDark, 3.0f);
+                cv::Line(target, {x - s, poleTop}, {x - s, poleFoot}, kWood, 1.0f);
             }
         }
 
-    // 9. In the build, the gaps that the inspection will bring down.
-    if (game.phase == Phase::Build)
-        for (const Cell& c : game.GapCells(tower)) {
+        // 4. The wall, and from now on a mask that shows only where no block stands.
+        PaintWall(target, wall);
+        const cv::Mask open = [this](int x, int y) { return !FilledAt(x, y); };
+
+        // 6. The zone's outline passes behind the blocks.
+        cv::Polyline(target, zone, kDashed, 1.0f, true, 4.0f, 3.0f, open);
+
+        // 7. Ledge: a wooden beam along the rim.
+        if (!lay.integrated) {
+            std::vector<pge::vf2d> beam = upper;
+            beam.insert(beam.end(), lower.begin(), lower.end());
+            cv::FillPolygon(target, beam, kWood);
+            cv::Polyline(target, upper, kWoodLight, 1.0f, false);
+            cv::Polyline(target, lower, kWoodDark, 1.0f, false);
+        }
+
+        // 8. The attacked columns short of the line: the red gaps the player must close.
+        for (const Cell& c : red) {
             const float fx = static_cast<float>(c.x), fy = static_cast<float>(c.y);
-            if (std::fabs(g.Angle(fx + 0.5f)) > g.halfAngle) continue;
+            cv::FillPolygon(target, g.CellPath(fx, fy, 0.0f), pge::Pixel(214, 60, 44, 77));
+            cv::Polyline(target, g.CellPath(fx, fy, 0.78f), pge::Pixel(255, 140, 110, 153), 1.0f, true);
+        }
+
+        // 9. In the build, the gaps that the inspection will bring down.
+        for (const Cell& c : gaps) {
+            const float fx = static_cast<float>(c.x), fy = static_cast<float>(c.y);
             cv::FillPolygon(target, g.CellPath(fx, fy, 0.0f), pge::Pixel(40, 10, 8, 102));
             const pge::vf2d p = g.P(fx + 0.5f, fy + 0.5f, 1.0f);
             const float h = g.Light(fx + 0.5f) * cell * 0.2f;
-            const pge::Pixel red(235, 60, 45, 230);
-            cv::Line(target, {p.x - h, p.y - h}, {p.x + h, p.y + h}, red, 1.5f);
-            cv::Line(target, {p.x + h, p.y - h}, {p.x - h, p.y + h}, red, 1.5f);
+            const pge::Pixel cross(235, 60, 45, 230);
+            cv::Line(target, {p.x - h, p.y - h}, {p.x + h, p.y + h}, cross, 1.5f);
+            cv::Line(target, {p.x + h, p.y - h}, {p.x - h, p.y + h}, cross, 1.5f);
         }
 
-    // 10. The Defence Line.
-    cv::Polyline(target, g.FrontCurve(static_cast<float>(config.line), 1.0f, 0.0f), pge::Pixel(198, 40, 30, 235),
-                 std::max(cell * 0.15f, 2.0f), false);
+        // 10. The Defence Line.
+        cv::Polyline(target, line, pge::Pixel(198, 40, 30, 235), lineWidth, false);
 
-    // 11. Which tower is active.
-    if (active && config.towers >= 2) {
-        if (tower == game.activeTower)
-            cv::Polyline(target, g.Zone(), kAccent, 2.0f, true);
-        else
-            cv::FillPolygon(target, g.Zone(), pge::Pixel(10, 12, 16, 51));
-    }
+        // 11. Which tower is active.
+        if (activeMark == 1)
+            cv::Polyline(target, zone, kAccent, 2.0f, true);
+        else if (activeMark == 2)
+            cv::FillPolygon(target, zone, pge::Pixel(10, 12, 16, 51));
+    };
+    DrawBehindMarks(target, lay, g, tower, wall.version, marks, std::max(lineWidth, 3.0f), x0, y0, x1, y1, drawBack);
+
+    const auto cellAt = [&](int x, int y) {
+        return x >= 0 && y >= 0 && x < g.cols && y < g.rows ? game.CellAt(tower, x, y) : 0;
+    };
 
     // 12. Holes, with a pulsing outline.
     const uint8_t pulse = Alpha((std::sin(t * 14.0f) * 0.5f + 0.5f) * 0.5f + 0.5f);

@@ -9,6 +9,7 @@
 #include "pge/Sprite.h"
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <random>
 #include <string>
@@ -64,6 +65,10 @@ public:
         std::vector<pge::vf2d> CellPath(float column, float row, float shrink) const;
         std::vector<pge::vf2d> FrontCurve(float row, float radius, float extend) const;
         std::vector<pge::vf2d> Zone() const;
+        bool operator==(const Geo& o) const {
+            return cx == o.cx && rx == o.rx && ry == o.ry && baseY == o.baseY && cellH == o.cellH && cols == o.cols &&
+                   rows == o.rows && ring == o.ring && camera == o.camera && halfAngle == o.halfAngle && lift == o.lift;
+        }
     };
 
     struct Cloud {
@@ -246,13 +251,43 @@ private:
         std::vector<pge::Pixel> colours;
         std::vector<Speckle> speckles;
         std::vector<Face> faces;
+        uint64_t version = 0; // of the map and shading, from wallVersions
     };
     void MapWall(WallCache& wall, const Geo& g);
     void ShadeWall(WallCache& wall, const Geo& g, const Theme& theme);
+    // DrawWall in two: the map and shading brought up to date, wallMap and its members set;
+    // then the wall painted from them.
+    WallCache& PrepareWall(const Game& game, const Geo& g, int tower);
+    void PaintWall(pge::Sprite* target, const WallCache& wall);
 
     std::vector<WallCache> walls; // by tower
     int32_t mapOwner = -1;        // the tower whose map wallMap holds
     std::vector<uint8_t> ruinScratch;
+    uint64_t wallVersions = 0;    // counts map and shading renewals, so that each has its own number
+
+    // Everything of a tower up to its changing marks (plinth, back rim, scaffold, wall, zone
+    // outline, ledge, red gaps, gaps, Defence Line, active tower) touches only the pixels of
+    // one rectangle, and what it leaves there depends only
+    // on what it found there and on the inputs below. So when both are as in the frame
+    // before, the rectangle as it was left then is copied back instead.
+    struct TowerLayer {
+        bool valid = false;
+        Geo geo;
+        float cell = 0.0f;
+        bool integrated = false;
+        uint64_t wallVersion = 0;
+        std::vector<int32_t> marks;
+        int32_t targetW = 0, targetH = 0;
+        int32_t x = 0, y = 0, w = 0, h = 0;
+        std::vector<pge::Pixel> before, after;
+    };
+    std::vector<TowerLayer> layers; // by tower
+    // Runs draw, steps 1 to 11 of a tower, within the rectangle from (x0, y0) to (x1, y1)
+    // widened by the widest line and three pixels, or copies back what it left there in the
+    // frame before. marks lists what steps 8 to 11 draw.
+    void DrawBehindMarks(pge::Sprite* target, const Layout& lay, const Geo& g, int tower, uint64_t wallVersion,
+                         const std::vector<int32_t>& marks, float width, float x0, float y0, float x1, float y1,
+                         const std::function<void()>& draw);
 };
 
 } // namespace torvane

@@ -27,16 +27,11 @@ bool Ruin(const Game& game, int32_t cv) {
 
 float Tone(bool ruin, int32_t cv) { return (ruin ? 0.82f : 0.93f) + static_cast<float>(Hash(cv) % 18u) / 100.0f; }
 
-bool SameGeo(const TowerView::Geo& a, const TowerView::Geo& b) {
-    return a.cx == b.cx && a.rx == b.rx && a.ry == b.ry && a.baseY == b.baseY && a.cellH == b.cellH &&
-           a.cols == b.cols && a.rows == b.rows && a.ring == b.ring && a.camera == b.camera &&
-           a.halfAngle == b.halfAngle && a.lift == b.lift;
-}
-
 } // namespace
 
 void TowerView::DropCaches() {
     walls.clear();
+    layers.clear();
     mapOwner = -1;
 }
 
@@ -84,6 +79,7 @@ void TowerView::MapWall(WallCache& wall, const Geo& g) {
     wall.geo = g;
     wall.mapped = true;
     wall.shaded = false;
+    wall.version = ++wallVersions;
 }
 
 // Works out every pixel of the wall for the cells in wall.cells: runs of empty cells to
@@ -201,9 +197,10 @@ void TowerView::ShadeWall(WallCache& wall, const Geo& g, const Theme& theme) {
             wall.faces.push_back(std::move(face));
         }
     wall.shaded = true;
+    wall.version = ++wallVersions;
 }
 
-void TowerView::DrawWall(pge::Sprite* target, const Game& game, const Geo& g, int tower) {
+TowerView::WallCache& TowerView::PrepareWall(const Game& game, const Geo& g, int tower) {
     const Tower& grid = game.towers[static_cast<size_t>(tower)];
     const Theme& theme = ThemeFor(game.level);
     if (walls.size() < game.towers.size()) walls.resize(game.towers.size());
@@ -214,7 +211,7 @@ void TowerView::DrawWall(pge::Sprite* target, const Game& game, const Geo& g, in
     // material did.
     if (mapOwner >= 0 && static_cast<size_t>(mapOwner) < walls.size())
         walls[static_cast<size_t>(mapOwner)].map.swap(wallMap);
-    if (!wall.mapped || !SameGeo(wall.geo, g)) MapWall(wall, g);
+    if (!wall.mapped || !(wall.geo == g)) MapWall(wall, g);
     ruinScratch.assign(grid.cells.size(), 0);
     for (size_t id = 0; id < grid.cells.size(); ++id)
         if (grid.cells[id] != 0) ruinScratch[id] = Ruin(game, grid.cells[id]) ? 1 : 0;
@@ -234,6 +231,10 @@ void TowerView::DrawWall(pge::Sprite* target, const Game& game, const Geo& g, in
     mapH = wall.h;
     mapTower = &grid;
     mapCols = g.cols;
+    return wall;
+}
+
+void TowerView::PaintWall(pge::Sprite* target, const WallCache& wall) {
     if (!target) return;
 
     // Filled cells are copied, empty ones darkened, and the grid lines laid over them.
@@ -259,6 +260,10 @@ void TowerView::DrawWall(pge::Sprite* target, const Game& game, const Geo& g, in
         adv::canvas::FillPolygon(target, face.outline, face.fill, open);
         adv::canvas::Polyline(target, face.inner, face.edge, 1.0f, false, 0.0f, 0.0f, open);
     }
+}
+
+void TowerView::DrawWall(pge::Sprite* target, const Game& game, const Geo& g, int tower) {
+    PaintWall(target, PrepareWall(game, g, tower));
 }
 
 } // namespace torvane

@@ -70,6 +70,31 @@ TEST(MusicDevice, NoDeviceIsToldAndDisableNeverOpensOne) {
     unsetenv("SDL_AUDIODRIVER");
 }
 
+// Opened in the background, the device keeps the caller from waiting; a track asked for
+// meanwhile starts once Update has taken the engine over, and a missing device is told then.
+TEST_F(MusicTest, BackgroundOpeningPlaysWhatWasAskedForMeanwhile) {
+    Music::Shutdown();
+    adv::mixer::UseOffline(0);
+    setenv("SDL_AUDIODRIVER", "dummy", 1);
+    Music::InitInBackground();
+    Music::Play(kA, true, 0.0f);
+    for (int i = 0; i < 500 && !Music::Available(); ++i) {
+        EXPECT_EQ(Music::Current(), "");
+        usleep(10000);
+        Music::Update(0.01f);
+    }
+    EXPECT_EQ(Music::Current(), kA);
+    Music::Shutdown();
+    setenv("SDL_AUDIODRIVER", "no-such-driver", 1);
+    testing::internal::CaptureStderr();
+    Music::InitInBackground();
+    Music::Play(kB, true, 0.0f);
+    EXPECT_FALSE(Music::Init()); // waits for the opener
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "[musik] Kein Tongeraet verfuegbar - das Spiel laeuft ohne Musik.\n");
+    EXPECT_EQ(Music::Current(), "");
+    unsetenv("SDL_AUDIODRIVER");
+}
+
 TEST_F(MusicTest, FadeInAndCrossFadeAreLinear) {
     Music::Play(kA, true, 0.5f);
     auto out = Render(7 * kTenth);
