@@ -202,10 +202,16 @@ pge::Pixel WithAlpha(pge::Pixel c, float alpha) {
     return c;
 }
 
-void FillPolygon(pge::Sprite* sprite, const std::vector<pge::vf2d>& points, pge::Pixel colour, const Mask& mask) {
-    if (!sprite || points.size() < 3) return;
+namespace {
+
+// FillPolygon on `count` points from `points`, so that Line can hand over its corners
+// without a vector.
+void FillPoints(pge::Sprite* sprite, const pge::vf2d* points, size_t count, pge::Pixel colour, const Mask& mask) {
+    if (!sprite || count < 3) return;
+    const pge::vf2d* const end = points + count;
     float minY = points[0].y, maxY = points[0].y;
-    for (const pge::vf2d& p : points) {
+    for (const pge::vf2d* it = points; it != end; ++it) {
+        const pge::vf2d& p = *it;
         minY = std::min(minY, p.y);
         maxY = std::max(maxY, p.y);
     }
@@ -222,8 +228,9 @@ void FillPolygon(pge::Sprite* sprite, const std::vector<pge::vf2d>& points, pge:
     thread_local std::vector<int> rowStart;
     if (y1 < y0) return;
     found.clear();
-    const pge::vf2d* p = &points.back();
-    for (const pge::vf2d& q : points) {
+    const pge::vf2d* p = end - 1;
+    for (const pge::vf2d* it = points; it != end; ++it) {
+        const pge::vf2d& q = *it;
         const float lo = std::min(p->y, q.y), hi = std::max(p->y, q.y);
         if (lo < hi) {
             // A row or so more on each side than the scan line needs; the test below decides.
@@ -244,10 +251,15 @@ void FillPolygon(pge::Sprite* sprite, const std::vector<pge::vf2d>& points, pge:
     for (const Crossing& c : found) byRow[size_t(rowStart[size_t(c.y - y0)]++)] = c.x;
     // rowStart[r] now is the end of row r, and so the start of row r + 1.
     for (int y = y0, begin = 0; y <= y1; ++y) {
-        const int end = rowStart[size_t(y - y0)];
+        const int rowEnd = rowStart[size_t(y - y0)];
         float* row = byRow.data() + begin;
-        std::sort(row, row + (end - begin));
-        for (int k = 0; k + 1 < end - begin; k += 2) {
+        const int n = rowEnd - begin;
+        if (n == 2) {
+            if (row[1] < row[0]) std::swap(row[0], row[1]);
+        } else {
+            std::sort(row, row + n);
+        }
+        for (int k = 0; k + 1 < n; k += 2) {
             const int x0 = int(std::max(std::ceil(row[k] - 0.5f), 0.0f));
             const int x1 = int(std::min(std::ceil(row[k + 1] - 0.5f), float(sprite->width)));
             if (!mask)
@@ -256,8 +268,14 @@ void FillPolygon(pge::Sprite* sprite, const std::vector<pge::vf2d>& points, pge:
                 for (int x = x0; x < x1; ++x)
                     if (mask(x, y)) Blend(sprite, x, y, colour);
         }
-        begin = end;
+        begin = rowEnd;
     }
+}
+
+} // namespace
+
+void FillPolygon(pge::Sprite* sprite, const std::vector<pge::vf2d>& points, pge::Pixel colour, const Mask& mask) {
+    FillPoints(sprite, points.data(), points.size(), colour, mask);
 }
 
 void Line(pge::Sprite* sprite, pge::vf2d a, pge::vf2d b, pge::Pixel colour, float width, const Mask& mask) {
@@ -285,9 +303,9 @@ void Line(pge::Sprite* sprite, pge::vf2d a, pge::vf2d b, pge::Pixel colour, floa
     const float ux = dx / length, uy = dy / length;
     const pge::vf2d from(a.x - ux * half, a.y - uy * half), to(b.x + ux * half, b.y + uy * half);
     const float nx = -uy * half, ny = ux * half;
-    FillPolygon(sprite,
-                {{from.x + nx, from.y + ny}, {to.x + nx, to.y + ny}, {to.x - nx, to.y - ny}, {from.x - nx, from.y - ny}},
-                colour, mask);
+    const pge::vf2d corners[4] = {
+        {from.x + nx, from.y + ny}, {to.x + nx, to.y + ny}, {to.x - nx, to.y - ny}, {from.x - nx, from.y - ny}};
+    FillPoints(sprite, corners, 4, colour, mask);
 }
 
 void Polyline(pge::Sprite* sprite, const std::vector<pge::vf2d>& points, pge::Pixel colour, float width, bool closed,

@@ -285,6 +285,8 @@ EnginePtr InitOffline(uint32_t sampleRate) {
 
 void UseOffline(uint32_t sampleRate) { s_offlineRate = sampleRate; }
 
+bool Offline() { return s_offlineRate > 0; }
+
 uint32_t SampleRate(const Engine& engine) { return engine.rate; }
 
 void Render(Engine& engine, float* out, size_t frames) {

@@ -34,6 +34,8 @@ EnginePtr InitOffline(uint32_t sampleRate);
 // From now on Init gives offline engines at sampleRate (0: the device again), so that tests and
 // benchmarks drive adv::Music and adv::Sound through Render and Pump.
 void UseOffline(uint32_t sampleRate);
+// Whether Init gives offline engines now.
+bool Offline();
 uint32_t SampleRate(const Engine& engine);
 // Mixes `frames` stereo frames into out, clipped to -1..1: the work of the device callback.
 void Render(Engine& engine, float* out, size_t frames);

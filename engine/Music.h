@@ -11,6 +11,10 @@ namespace adv::Music {
 void Disable();
 // Starts the engine; whether it is ready. Prints a message when no device opens; may be retried.
 bool Init();
+// Opens the device on a thread of its own, so that the caller never waits for it, nor for
+// the audio system's shutdown when no device opens. Update takes the engine over once it is
+// there; a track asked for before then starts at that moment.
+void InitInBackground();
 // Stops all effect voices and every track, then closes the engine.
 void Shutdown();
 bool Available();
@@ -22,7 +26,8 @@ mixer::Engine* Engine();
 // fadeSeconds. The track that is already playing is never restarted.
 void Play(const std::string& path, bool loop, float fadeSeconds);
 void Stop(float fadeSeconds);
-// Frees tracks whose fade-out is over; once a frame, after adv::Sound::Update.
+// Takes over an engine opened in the background; frees tracks whose fade-out is over.
+// Once a frame, after adv::Sound::Update.
 void Update(float dt);
 // Clamped to 0..1; applies to the current track, not to fading ones.
 void SetVolume(float volume);

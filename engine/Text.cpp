@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <vector>
 
 namespace adv::text {
 namespace {
@@ -92,29 +93,57 @@ uint8_t Spacing(char ch) { return kSpacing[uint8_t(ch) - 32]; }
 
 int Advance(const Mapped& m) { return m.special ? m.special->advance : Spacing(m.ch) & 0x0F; }
 
-void DrawMapped(pge::Sprite* target, const pge::Sprite* font, int x, int y, const Mapped& m, pge::Pixel colour,
-                int scale) {
+// Appends the top left corners of the lit font pixels of one character drawn at (x, y), in
+// the order in which they are drawn; each stands for a scale by scale square.
+void LitPixels(const pge::Sprite* font, int x, int y, const Mapped& m, int scale, std::vector<pge::vi2d>& lit) {
     if (m.special) {
         for (int row = 0; row < 8; ++row)
             for (int col = 0; col < 8; ++col)
-                if (m.special->rows[row] & (0x80 >> col))
-                    canvas::FillRect(target, x + col * scale, y + row * scale, scale, scale, colour);
+                if (m.special->rows[row] & (0x80 >> col)) lit.push_back({x + col * scale, y + row * scale});
         return;
     }
     const int first = Spacing(m.ch) >> 4, advance = Spacing(m.ch) & 0x0F;
     if (font) {
         const int gx = ((m.ch - 32) % 16) * 8, gy = ((m.ch - 32) / 16) * 8;
+        // Inside the sheet the pixels are read directly; at its edges GetPixel decides.
+        const bool inside = gx >= 0 && gy >= 0 && gx + first + advance <= font->width && gy + 8 <= font->height;
         for (int row = 0; row < 8; ++row)
-            for (int col = first; col < first + advance; ++col)
-                if (font->GetPixel(gx + col, gy + row).r != 0)
-                    canvas::FillRect(target, x + (col - first) * scale, y + row * scale, scale, scale, colour);
+            for (int col = first; col < first + advance; ++col) {
+                const pge::Pixel p = inside ? font->GetData()[size_t(gy + row) * size_t(font->width) + size_t(gx + col)]
+                                            : font->GetPixel(gx + col, gy + row);
+                if (p.r != 0) lit.push_back({x + (col - first) * scale, y + row * scale});
+            }
     }
     if (m.accent == Accent::None) return;
     // Lower-case dots sit in the cell's top row, upper-case ones two font pixels above it.
     const bool upper = m.accent == Accent::Upper;
     const int columns[4] = {1, 2, upper ? 4 : 5, upper ? 5 : 6};
     const int dotY = upper ? y - 2 * scale : y;
-    for (int column : columns) canvas::FillRect(target, x + (column - first) * scale, dotY, scale, scale, colour);
+    for (int column : columns) lit.push_back({x + (column - first) * scale, dotY});
+}
+
+// The lit pixels of a whole line from (0, 0), made once for the several passes of an outline.
+const std::vector<pge::vi2d>& Lit(pge::PixelEngine& engine, const std::string& text, int scale) {
+    thread_local std::vector<pge::vi2d> lit;
+    lit.clear();
+    const pge::Sprite* font = engine.GetFontSprite();
+    int x = 0;
+    for (size_t pos = 0; pos < text.size();) {
+        const Mapped m = Map(NextCodepoint(text, pos));
+        LitPixels(font, x, 0, m, scale, lit);
+        x += Advance(m) * scale;
+    }
+    return lit;
+}
+
+// The squares of lit pixels at (x, y); at scale 1 the inline Blend, which is what FillRect
+// comes to for a single pixel.
+void Paint(pge::Sprite* target, const std::vector<pge::vi2d>& lit, int x, int y, int scale, pge::Pixel colour) {
+    for (const pge::vi2d& p : lit)
+        if (scale == 1)
+            canvas::Blend(target, x + p.x, y + p.y, colour);
+        else
+            canvas::FillRect(target, x + p.x, y + p.y, scale, scale, colour);
 }
 
 } // namespace
@@ -129,23 +158,19 @@ void Draw(pge::PixelEngine& engine, int x, int y, const std::string& text, pge::
           Align align) {
     if (align == Align::Centre) x -= Width(engine, text, scale) / 2;
     if (align == Align::Right) x -= Width(engine, text, scale);
-    pge::Sprite* target = engine.GetDrawTarget();
-    const pge::Sprite* font = engine.GetFontSprite();
-    for (size_t pos = 0; pos < text.size();) {
-        const Mapped m = Map(NextCodepoint(text, pos));
-        DrawMapped(target, font, x, y, m, colour, scale);
-        x += Advance(m) * scale;
-    }
+    Paint(engine.GetDrawTarget(), Lit(engine, text, scale), x, y, scale, colour);
 }
 
 void DrawOutlined(pge::PixelEngine& engine, int x, int y, const std::string& text, pge::Pixel colour,
                   pge::Pixel outline, int scale, Align align) {
     if (align == Align::Centre) x -= Width(engine, text, scale) / 2;
     if (align == Align::Right) x -= Width(engine, text, scale);
+    pge::Sprite* target = engine.GetDrawTarget();
+    const std::vector<pge::vi2d>& lit = Lit(engine, text, scale);
     for (int dy = -1; dy <= 1; ++dy)
         for (int dx = -1; dx <= 1; ++dx)
-            if (dx != 0 || dy != 0) Draw(engine, x + dx, y + dy, text, outline, scale, Align::Left);
-    Draw(engine, x, y, text, colour, scale, Align::Left);
+            if (dx != 0 || dy != 0) Paint(target, lit, x + dx, y + dy, scale, outline);
+    Paint(target, lit, x, y, scale, colour);
 }
 
 std::vector<std::string> Wrap(pge::PixelEngine& engine, const std::string& text, int maxWidth, int scale) {

@@ -104,8 +104,8 @@ bool TorvaneApp::OnUserCreate() {
     adv::SetWindowTitle("Torvane");
     adv::platformkeys::Install(this);
     adv::platformkeys::IgnoreKeyRepeat(true);
-    adv::Music::Init();
-    sounds::Init();
+    // The device opens in the background; the effects are made once it is there.
+    adv::Music::InitInBackground();
 
     if (!adv::Assets::Missing(kTitleKey)) {
         if (const pge::Sprite* picture = adv::Assets::Sprite(kTitleKey)->Sprite())
@@ -151,6 +151,7 @@ bool TorvaneApp::OnUserUpdate(float elapsed) {
     clock += elapsed;
     adv::Sound::Update();
     adv::Music::Update(dt);
+    sounds::Init();
 
     if (logoTime >= 0.0f) {
         UpdateLogo(dt);

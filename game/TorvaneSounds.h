@@ -6,7 +6,8 @@
 
 namespace torvane::sounds {
 
-// Builds the clips of the fixed effects once; needs the audio engine.
+// Builds the clips of the fixed effects once the audio engine is there; called each frame,
+// it does nothing before and after.
 void Init();
 // Forgets every clip, the effects' and all others (adv::Sound::Clear), so that a later Init
 // builds them anew.

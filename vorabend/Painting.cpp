@@ -262,12 +262,12 @@ std::shared_ptr<pge::Sprite> Battlement() {
     }
     c::FillCircle(s, {320, 30}, 10, Pixel(236, 232, 210));
     c::FillCircle(s, {325, 27}, 9, Pixel(14, 16, 40));
-    Hills(s, kRoomWidth, 98, 16, 1.1f, Pixel(36, 30, 54));
-    Hills(s, kRoomWidth, 104, 10, 3.0f, Pixel(26, 22, 40));
-    CampFires(s, 150, 380, 100, 36, rng);
-    // The tower's top: a ring of merlons behind, the stone floor, the hatch to the stairs.
-    Masonry(s, 0, 96, kRoomWidth, 26, Pixel(100, 92, 96), rng, 7);
-    Battlements(s, 0, 96, kRoomWidth, 16, 10, 12, Pixel(110, 100, 104));
+    Hills(s, kRoomWidth, 90, 16, 1.1f, Pixel(36, 30, 54));
+    Hills(s, kRoomWidth, 96, 10, 3.0f, Pixel(26, 22, 40));
+    CampFires(s, 150, 380, 92, 36, rng);
+    // The tower's top: a ring of merlons in front of the view, the stone floor, the hatch.
+    Masonry(s, 0, 108, kRoomWidth, 14, Pixel(100, 92, 96), rng, 7);
+    Battlements(s, 0, 108, kRoomWidth, 16, 10, 10, Pixel(110, 100, 104));
     c::VerticalGradient(s, 0, 122, kRoomWidth, kPlayHeight - 122, Pixel(78, 72, 78), Pixel(112, 104, 108));
     for (int y = 126; y < kPlayHeight; y += 9) c::FillRect(s, 0, y, kRoomWidth, 1, Pixel(60, 56, 62));
     for (int y = 126, row = 0; y < kPlayHeight; y += 9, ++row)

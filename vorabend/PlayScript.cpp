@@ -29,7 +29,8 @@ bool Quiet(adv::AdventureGame& game) {
 
 const std::map<std::string, pge::Key> kKeys = {
     {"F1", pge::F1}, {"F5", pge::F5}, {"F8", pge::F8}, {"ESCAPE", pge::ESCAPE}, {"SPACE", pge::SPACE},
-    {"RETURN", pge::RETURN}, {"MINUS", pge::MINUS}, {"EQUALS", pge::EQUALS},
+    {"RETURN", pge::RETURN}, {"MINUS", pge::MINUS}, {"EQUALS", pge::EQUALS}, {"CTRL", pge::CTRL},
+    {"C", pge::C}, {"D", pge::D},
 };
 
 } // namespace
@@ -69,7 +70,7 @@ bool PlayScript::Click(adv::AdventureGame& game, pge::vf2d screen, bool right) {
         return Fail("liegt außerhalb des Bildes");
     MoveMouse(game, screen);
     button = right ? 1 : 0;
-    nativeKey = -1;
+    nativeKeys.clear();
     game.pge_UpdateMouseState(button, true);
     phase = 1;
     return false;
@@ -78,10 +79,8 @@ bool PlayScript::Click(adv::AdventureGame& game, pge::vf2d screen, bool right) {
 void PlayScript::Step(adv::AdventureGame& game, float dt) {
     if (failed) return;
     if (phase == 1) {
-        if (nativeKey >= 0)
-            game.pge_UpdateKeyState(nativeKey, false);
-        else
-            game.pge_UpdateMouseState(button, false);
+        if (nativeKeys.empty()) game.pge_UpdateMouseState(button, false);
+        for (int native : nativeKeys) game.pge_UpdateKeyState(native, false);
         phase = 2;
         return;
     }
@@ -183,13 +182,19 @@ bool PlayScript::Run(adv::AdventureGame& game, const std::string& line, float dt
         return Fail("keine solche Zeile im Menü");
     }
     if (command == "key") {
-        const auto key = kKeys.find(rest);
-        if (key == kKeys.end()) return Fail("unbekannte Taste");
-        nativeKey = -1;
-        for (const auto& [native, mapped] : pge::mapKeys)
-            if (mapped == key->second) nativeKey = int(native);
-        if (nativeKey < 0) return Fail("Taste ohne Tastencode");
-        game.pge_UpdateKeyState(nativeKey, true);
+        nativeKeys.clear();
+        std::istringstream names(rest);
+        for (std::string name; std::getline(names, name, '+');) {
+            const auto key = kKeys.find(name);
+            if (key == kKeys.end()) return Fail("unbekannte Taste " + name);
+            // The key code of the window system that the frame maps to this key.
+            int native = -1;
+            for (const auto& [code, mapped] : pge::mapKeys)
+                if (mapped == key->second) native = int(code);
+            if (native < 0) return Fail("Taste ohne Tastencode");
+            nativeKeys.push_back(native);
+        }
+        for (int native : nativeKeys) game.pge_UpdateKeyState(native, true);
         phase = 1;
         return false;
     }

@@ -10,7 +10,8 @@
 //   hover hotspot oelfass   only move the mouse there (also: actor, item, point)
 //   option Wer bist du?     click the dialogue option that begins so
 //   menu Spiel laden        click the menu row that begins so
-//   key F5                  press and release a key (F1..F12, ESCAPE, SPACE, RETURN, MINUS, EQUALS)
+//   key F5                  press and release a key (F1, F5, F8, ESCAPE, SPACE, RETURN, MINUS, EQUALS,
+//                           C, D), or several at once: key CTRL+D
 //   idle                    wait until nothing runs, walks or speaks
 //   wait 1.5                wait so many seconds of game time
 //   shot FILE               write the screen as a PNG file
@@ -46,7 +47,7 @@ private:
     size_t next = 0;
     int phase = 0;         // of a click or key: 0 idle, 1 pressed, 2 released
     int button = 0;
-    int nativeKey = -1;
+    std::vector<int> nativeKeys; // held by the present key command
     float waited = 0.0f;
     float quietFor = 0.0f;
     bool failed = false;

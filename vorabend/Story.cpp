@@ -147,7 +147,7 @@ public:
         s.SetEntry("treppe", {104, 162}, Facing::Right);
         s.firstVisitScript.Say("player", "Das Leuchtfeuer. Trockenes, grobes Holz.");
 
-        s.AddRectHotspot("lager", "Feindliche Lager", 150, 84, 90, 20).scripts[Verb::Look] =
+        s.AddRectHotspot("lager", "Feindliche Lager", 150, 78, 230, 18).scripts[Verb::Look] =
             Says("So viele Feuer. Morgen sind sie hier.");
         s.AddRectHotspot("mond", "Mond", 308, 18, 24, 24).scripts[Verb::Look] = Says("Eine schmale Sichel.");
         Hotspot& beacon = s.AddRectHotspot("leuchtfeuer", "Leuchtfeuer", 250, 80, 66, 64);

@@ -240,23 +240,22 @@ void AdventureGame::UpdateIntro(float dt) {
     }
 }
 
-bool AdventureGame::HandleGlobalKeys() {
+void AdventureGame::HandleGlobalKeys() {
     const bool ctrl = GetKey(pge::CTRL).bHeld;
     if (GetKey(pge::F1).bPressed || GetKey(pge::F5).bPressed) {
         if (menu.IsOpen())
             menu.Close();
         else
             menu.Open();
-        return true;
+        return;
     }
-    if (menu.IsOpen()) return true;
+    if (menu.IsOpen()) return;
     if (GetKey(pge::F8).bPressed) menu.AskConfirm("Das Spiel neu starten?", GameMenu::Request::NewGame);
     if (ctrl && GetKey(pge::C).bPressed) menu.AskConfirm("Das Spiel wirklich beenden?", GameMenu::Request::Quit);
     if (ctrl && GetKey(pge::D).bPressed) debugOverlay = !debugOverlay;
     if (GetKey(pge::EQUALS).bPressed || GetKey(pge::NP_ADD).bPressed) AdjustTextSpeed(1);
     if (GetKey(pge::MINUS).bPressed || GetKey(pge::NP_SUB).bPressed) AdjustTextSpeed(-1);
-    if (GetKey(pge::SPACE).bPressed && state == Playing && !menu.IsOpen()) paused = !paused;
-    return true;
+    if (GetKey(pge::SPACE).bPressed && state == Playing) paused = !paused;
 }
 
 bool AdventureGame::OnUserUpdate(float elapsed) {
@@ -335,7 +334,7 @@ void AdventureGame::HandleInput() {
             return;
         }
         HandlePlayAreaClick({float(mouse.x) + camera.x, float(mouse.y) + camera.y}, right);
-    } else if (dialogue.empty()) {
+    } else {
         HandleUiClick(mouse, right);
     }
 }
@@ -410,14 +409,13 @@ void AdventureGame::InteractWithHotspot(Hotspot& hotspot, Verb v, vf2d point) {
     ResetInteraction();
 }
 
-void AdventureGame::InteractWithActor(Actor& actor, Verb v, vf2d point) {
+void AdventureGame::InteractWithActor(Actor& actor, Verb v, vf2d) {
     const vf2d approach = actor.ApproachPoint(Player().position);
     if (v == Verb::Walk) {
         WalkPlayerTo(approach);
         ResetInteraction();
         return;
     }
-    (void)point;
     Script script = ApproachScript(approach, approach.x < actor.position.x ? Facing::Right : Facing::Left);
     const Script* body = ScriptFor(actor.scripts, actor.useScripts, v, heldItem);
     script.Append(body ? *body : FallbackScript(v, actor.name));
@@ -608,7 +606,11 @@ bool AdventureGame::RestoreState(const SaveData& d) {
         a->scene = r.scene;
         vf2d where{r.x, r.y};
         // A position off the floor, however it came into the file, is brought back onto it.
-        if (Scene* s = scenes.Load(*this, r.scene)) where = s->walkArea.ClampToArea(where);
+        if (Scene* s = scenes.Load(*this, r.scene)) {
+            where.x = std::clamp(where.x, 0.0f, float(std::max(s->Width(), kViewWidth)));
+            where.y = std::clamp(where.y, 0.0f, float(kPlayHeight));
+            where = s->walkArea.ClampToArea(where);
+        }
         a->Teleport(where, Facing(std::clamp(r.facing, 0, 3)));
     }
     for (auto& [id, dl] : dialogues)
@@ -784,12 +786,11 @@ void AdventureGame::DrawPanel() {
     canvas::FillRect(target, 0, kPlayHeight, kViewWidth, kViewHeight - kPlayHeight, ui::kPanel);
     canvas::FillRect(target, 0, kPlayHeight, kViewWidth, 1, ui::kFrame);
     text::Draw(*this, kViewWidth / 2, kSentenceY, sentence, ui::kHighlight, 1, text::Align::Centre);
-    const bool live = dialogue.empty();
     for (int i = 0; i < 9; ++i) {
         const int x = kVerbX + kVerbW * (i % 3), y = kVerbY + kVerbH * (i / 3);
         const bool chosen = kVerbGrid[i] == verb;
         if (chosen) canvas::FillRect(target, x + 1, y + 1, kVerbW - 2, kVerbH - 2, canvas::WithAlpha(ui::kFrame, 0.5f));
-        const pge::Pixel colour = !live ? ui::kMuted : (i == hoveredVerb || chosen) ? ui::kHighlight : ui::kText;
+        const pge::Pixel colour = (i == hoveredVerb || chosen) ? ui::kHighlight : ui::kText;
         text::Draw(*this, x + kVerbW / 2, y + 4, VerbName(kVerbGrid[i]), colour, 1, text::Align::Centre);
     }
     // The scroll arrows, dim when there is nowhere to go.

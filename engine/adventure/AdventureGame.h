@@ -81,6 +81,7 @@ public:
     void HandlePlayAreaClick(vf2d point, bool secondary);
     void HandleUiClick(pge::vi2d point, bool secondary);
     void InteractWithHotspot(Hotspot& hotspot, Verb v, vf2d point);
+    // point, where the click was, is not needed: an actor is always approached from beside.
     void InteractWithActor(Actor& actor, Verb v, vf2d point);
     void InteractWithItem(const std::string& item, Verb v);
     void SelectDialogueOption(int index);
@@ -153,8 +154,7 @@ public:
 private:
     void BuildContent();
     void UpdateIntro(float dt);
-    // False when the game should end.
-    bool HandleGlobalKeys();
+    void HandleGlobalKeys();
     void HandleInput();
     Script ApproachScript(vf2d point, Facing facing) const;
     void RestoreSceneWithoutScripts(const std::string& scene);

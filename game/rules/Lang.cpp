@@ -102,6 +102,7 @@ const std::map<std::string, std::string>& English() {
         {"Besonderer Dank an", "Special thanks to"},
         {kCreditProgramming, "C++17, X11 and OpenGL"},
         {kCreditGraphics, "Drawn in software, pictures through stb_image"},
+        {kCreditPictures, "Landscapes, hero, title picture and icon: painted by tools/paint-world"},
         {kCreditMusic, "Sound synthesis, SDL2 and mpg123"},
         {kCreditThanks, "GoogleTest, Google Benchmark and Debian"},
         {"Leveleditor", "Level editor"},

@@ -8,9 +8,10 @@
 namespace torvane {
 
 // The credit lines of the tools behind the program, keys of the table like every
-// other text: programming, graphics, music, thanks.
+// other text: programming, graphics and the painter of the pictures, music, thanks.
 inline constexpr const char* kCreditProgramming = "C++17, X11 und OpenGL";
 inline constexpr const char* kCreditGraphics = "In Software gezeichnet, Bilder über stb_image";
+inline constexpr const char* kCreditPictures = "Landschaften, Held, Titelbild und Symbol: gemalt von tools/paint-world";
 inline constexpr const char* kCreditMusic = "Klangsynthese, SDL2 und mpg123";
 inline constexpr const char* kCreditThanks = "GoogleTest, Google Benchmark und Debian";
 

@@ -1,5 +1,6 @@
 // The level editor's face: the rows, hints and message that the editor describes,
 // over the landscape of the level being edited.
+#include "engine/Assets.h"
 #include "engine/Canvas.h"
 #include "engine/Text.h"
 #include "game/rules/Lang.h"
@@ -7,6 +8,8 @@
 #include "game/TorvaneApp.h"
 
 #include <algorithm>
+#include <array>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -22,14 +25,38 @@ constexpr int kFoot = 306;
 
 using Hint = std::pair<std::string, std::string>;
 
+// The landscape's picture at screen size, made once per landscape; null when its
+// image is missing or cannot be read.
+const pge::Sprite* Landscape(int index) {
+    static std::array<std::unique_ptr<pge::Sprite>, 5> s_pictures;
+    static std::array<bool, 5> s_tried{};
+    const size_t i = static_cast<size_t>(std::clamp(index, 0, 4));
+    if (s_tried[i]) return s_pictures[i].get();
+    s_tried[i] = true;
+    const std::string& key = ThemeAt(index).background;
+    if (adv::Assets::Missing(key)) return nullptr;
+    const pge::Sprite source(adv::Assets::Root() + "/" + key);
+    if (source.width <= 0 || source.height <= 0) return nullptr;
+    auto picture = std::make_unique<pge::Sprite>(640, 400);
+    for (int y = 0; y < 400; ++y)
+        for (int x = 0; x < 640; ++x)
+            picture->SetPixel(x, y, source.GetPixel(x * source.width / 640, y * source.height / 400));
+    s_pictures[i] = std::move(picture);
+    return s_pictures[i].get();
+}
+
 } // namespace
 
 void TorvaneApp::DrawEditorBackdrop() {
     const int index = editor.GetView().background;
     if (index < 0) return;
-    // The landscape's own colours: its sky, hills and ground.
-    const Theme& theme = ThemeAt(index);
     pge::Sprite* target = GetDrawTarget();
+    if (const pge::Sprite* picture = Landscape(index)) {
+        std::copy(picture->pColData.begin(), picture->pColData.end(), target->pColData.begin());
+        return;
+    }
+    // Without its picture, the landscape's own colours: its sky, hills and ground.
+    const Theme& theme = ThemeAt(index);
     adv::canvas::VerticalGradient(target, 0, 0, 640, 260, theme.skyTop, theme.skyBottom);
     adv::canvas::FillRect(target, 0, 260, 640, 50, theme.hills);
     adv::canvas::FillRect(target, 0, 310, 640, 90, theme.ground);

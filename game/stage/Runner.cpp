@@ -2,6 +2,7 @@
 // piece over the wall, jumps between towers and stoops when a piece is placed.
 #include "engine/Assets.h"
 #include "engine/Canvas.h"
+#include "game/content/PackStorage.h"
 #include "game/rules/Pieces.h"
 #include "game/content/PackStorage.h"
 #include "game/stage/StageColours.h"

@@ -200,6 +200,18 @@ menu Zurueck
 menu Spiel fortsetzen
 wait 0.2
 expect scene hof
+key CTRL+C
+wait 0.2
+menu Ja
 EOF
 XDG_DATA_HOME="$WORK/afile" play nosave --skip-intro
+
+# A play script that cannot be read ends the run with a message; an unknown option is named.
+set +e
+"$BUILD/vorabend" --bogus --play=no/such/file 2>bad.err
+rc=$?
+set -e
+[ "$rc" -eq 1 ] || fail "exit status $rc for a missing play script"
+grep -qx '\[vorabend\] Unbekannte Option: --bogus' bad.err || fail "the unknown option was not named"
+grep -qx '\[vorabend\] Ablauf no/such/file nicht lesbar' bad.err || fail "the missing script was not named"
 echo OK

@@ -4,6 +4,7 @@
 #include <fstream>
 #include <random>
 #include <string>
+#include <unistd.h>
 
 using adv::json::Value;
 
@@ -81,7 +82,7 @@ TEST(JsonValues, IntegersTruncateSaturateAndTakeNoNaN) {
 }
 
 TEST(JsonFiles, MissingBrokenAndRandomFiles) {
-    const std::string path = std::string(TORVANE_BINARY_DIR) + "/json_test.json";
+    const std::string path = std::string(TORVANE_BINARY_DIR) + "/json_test_" + std::to_string(getpid()) + ".json";
     Value v;
     std::string error;
     EXPECT_FALSE(adv::json::ParseFile(path + ".none", v, &error));

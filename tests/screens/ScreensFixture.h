@@ -10,6 +10,7 @@
 #include "tests/app/DataFolder.h"
 
 #include <gtest/gtest.h>
+#include <stb_image_write.h>
 
 #include <unistd.h>
 
@@ -47,6 +48,18 @@ protected:
         ApplyRunOptions(app, int(args.size()), args.data());
         run = std::make_unique<pge::Headless>(app);
         ASSERT_TRUE(run->Create());
+    }
+    // A title picture of 320 by 200 in the asset tree, which the game scales to 640 by 400.
+    void MakeTitlePicture() {
+        std::vector<unsigned char> rgb(320 * 200 * 3);
+        for (int i = 0; i < 320 * 200; ++i) {
+            rgb[size_t(3 * i)] = uint8_t(60 + (i % 320) / 4);
+            rgb[size_t(3 * i + 1)] = uint8_t(40 + (i / 320) / 2);
+            rgb[size_t(3 * i + 2)] = 90;
+        }
+        ASSERT_NE(stbi_write_png((assets + "/Resources/assets/torvane/title.png").c_str(), 320, 200, 3, rgb.data(),
+                                 320 * 3),
+                  0);
     }
     bool Frame(float dt = 0.033f) { return run->Frame(dt); }
     // Down for one frame, up for the next.

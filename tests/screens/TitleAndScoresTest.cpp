@@ -5,8 +5,6 @@
 #include "game/content/Preferences.h"
 #include "tests/screens/ScreensFixture.h"
 
-#include <stb_image_write.h>
-
 #include <fstream>
 #include <sstream>
 
@@ -15,18 +13,6 @@ namespace {
 
 class TitleTest : public ScreensTest {
 protected:
-    // A title picture of 320 by 200 that the game scales to 640 by 400.
-    void MakeTitlePicture() {
-        std::vector<unsigned char> rgb(320 * 200 * 3);
-        for (int i = 0; i < 320 * 200; ++i) {
-            rgb[size_t(3 * i)] = uint8_t(60 + (i % 320) / 4);
-            rgb[size_t(3 * i + 1)] = uint8_t(40 + (i / 320) / 2);
-            rgb[size_t(3 * i + 2)] = 90;
-        }
-        ASSERT_NE(stbi_write_png((assets + "/Resources/assets/torvane/title.png").c_str(), 320, 200, 3, rgb.data(),
-                                 320 * 3),
-                  0);
-    }
     std::string ReadData(const std::string& name) {
         std::ifstream in(dataFolder + "/" + name);
         std::ostringstream all;

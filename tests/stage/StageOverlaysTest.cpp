@@ -4,6 +4,8 @@
 #include "engine/Text.h"
 #include "game/rules/FrameSteps.h"
 #include "game/rules/StateHash.h"
+#include "game/content/PackStorage.h"
+#include "game/stage/Theme.h"
 #include "game/stage/Carousel.h"
 #include "tests/stage/StageTestSupport.h"
 
@@ -183,6 +185,40 @@ TEST_F(OverlayPictureTest, DebrisAndPointsInMidFlight) {
     g.clock = 5.35f;
     DrawAt(g, 1.35f, 0.5f);
     ExpectMatchesReference(Screen(), "effects_mid_flight");
+}
+
+// The message line over a classic stage, below the carousel, fading out.
+TEST_F(OverlayPictureTest, MessageLineBelowTheCarousel) {
+    Game g = Started(true, 5, 2);
+    DrawAt(g, 1.0f, 0.0f);
+    view.DrawMessage(engine, "Kein Platz mehr in dieser Spalte", 0.6f);
+    ExpectMatchesReference(Screen(), "message_line");
+}
+
+TEST_F(RunnerSheetTest, OnAPaintedTowerHeStandsOnThePaintedRimAndItsEndsHoldBeyondTheTable) {
+    Game g = Started(false, 7, 1);
+    g.phase = Phase::Inspect;
+    DrawAt(g, 1.0f, 0.0f);
+    // A painted tower: centre at image column 160, the wall twice the image's scale.
+    TowerView::Layout painted = view.layout;
+    painted.integrated = true;
+    painted.radius = 200.0f;
+    painted.lift = 8.0f;
+    view.layout = painted;
+    view.frame = TowerFrame{true, 160.0f, 40.0f, 60.0f, 180.0f};
+    view.frameScale = 2.0f;
+    const TowerView::Geo geo = view.TowerGeo(painted, 0);
+    const auto& rim = rim::kTop[static_cast<size_t>(BackgroundIndex(g.level) % 5)];
+    // Columns far to each side reach image columns beyond 96 to 190: the table's first and last heights.
+    for (const auto& [column, height] : {std::pair{7.0f, rim.back()}, std::pair{25.0f, rim.front()}}) {
+        view.runnerColumn = column;
+        pge::Sprite blank(640, 400);
+        view.DrawRunner(&blank, g, geo);
+        const int x = static_cast<int>(std::lround(geo.P(column, static_cast<float>(geo.rows), 1.0f).x));
+        const int feet = 2 * height - 1;
+        EXPECT_EQ(blank.GetPixel(x, feet), RunnerBody(2, 8 % 6)) << column;      // standing, at time 1
+        EXPECT_EQ(blank.GetPixel(x, feet + 1), pge::Pixel(0, 0, 0)) << column;  // nothing below
+    }
 }
 
 using EdgeArrowTest = TowerViewFrameTest;

@@ -87,7 +87,9 @@ class TowerViewFrameTest : public RulesTest {
 protected:
     void SetUp() override {
         RulesTest::SetUp();
-        WriteRunnerSheets(MakeAssetRoot("painted"));
+        // A tree of its own, as ctest may run the tests of this program side by side.
+        const ::testing::TestInfo* test = ::testing::UnitTest::GetInstance()->current_test_info();
+        WriteRunnerSheets(MakeAssetRoot(std::string("painted_") + test->test_suite_name() + "_" + test->name()));
         ASSERT_TRUE(run.Create());
     }
     pge::Sprite& Screen() { return *engine.GetDrawTarget(); }

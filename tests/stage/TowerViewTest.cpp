@@ -2,6 +2,7 @@
 // the ray-cast wall itself, and the landscape behind it with its theme.
 #include "engine/Assets.h"
 #include "game/content/PackStorage.h"
+#include "game/rules/AutoPlayer.h"
 #include "game/rules/LevelPack.h"
 #include "game/rules/Pieces.h"
 #include "game/stage/RingCamera.h"
@@ -16,6 +17,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <filesystem>
+#include <random>
 #include <set>
 
 namespace torvane {
@@ -75,6 +77,48 @@ TEST_F(TowerViewFrameTest, ClassicLevelSevenWithFiveTowers) {
     g.clock = 2.0f;
     DrawAt(g, 0.5f, 0.0f);
     ExpectMatchesReference(Screen(), "classic_level7");
+}
+
+// What the view keeps between frames must never show. A game played by the bot, in random
+// steps through building, attacks, ruins and new levels, on the ring with its turning camera
+// and on five classic towers, is drawn by a view that keeps what it can and by one that
+// works out every frame anew: every pixel of every frame is the same.
+TEST_F(TowerViewFrameTest, KeptAndFreshFramesAreTheSame) {
+    struct : pge::PixelEngine {
+        bool OnUserCreate() override { return true; }
+    } fresh;
+    pge::Headless freshRun{fresh};
+    ASSERT_TRUE(freshRun.Create());
+    TowerView anew;
+    std::mt19937 pick(99);
+    for (const bool classic : {false, true}) {
+        Game g = Started(classic, 5, classic ? 7 : 1);
+        AutoPlayer bot;
+        RingCamera ring;
+        float time = 0.0f;
+        for (int frame = 0; frame < 250; ++frame) {
+            for (int step = std::uniform_int_distribution<int>(0, 24)(pick); step > 0; --step) {
+                g.Update(0.05f);
+                if (step % 2 == 0) bot.Step(g);
+                if (g.phase == Phase::Over) g.NewGame();
+            }
+            const float dt = std::uniform_real_distribution<float>(0.0f, 0.1f)(pick);
+            time += dt;
+            ring.Update(g, dt);
+            g.viewCentre = ring.angle;
+            g.viewKnown = true;
+            for (const Event& e : g.TakeEvents())
+                if (e.kind != Event::Sound && e.kind != Event::Say && e.kind != Event::Banner) {
+                    view.OnEvent(e, g);
+                    anew.OnEvent(e, g);
+                }
+            view.Draw(engine, g, stage, time, ring.angle);
+            anew.DropCaches();
+            anew.Draw(fresh, g, stage, time, ring.angle);
+            ASSERT_EQ(Differences(Screen().pColData, fresh.GetDrawTarget()->pColData).size(), 0u)
+                << (classic ? "classic" : "ring") << " frame " << frame << " level " << g.level;
+        }
+    }
 }
 
 TEST_F(TowerViewMarksTest, RedGapsEndBelowTheLineAndStaleFlashesDrawNothing) {

@@ -256,7 +256,7 @@ void Desert(Scene& s) {
         for (int x = 0; x < p.W(); ++x)
             if ((p.At(x, y) >= mesa && p.At(x, y) < mesa + 5) || (p.At(x, y) >= sky + 10 && p.At(x, y) < sky + 14) ||
                 (y > 128 && p.At(x, y) >= dune && p.At(x, y) < dune + 8))
-                s.spots.push_back({x, y, y * 2 + static_cast<int>(3.0f * std::sin(x * 0.23f))});
+                s.spots.push_back({x, y, -y * 2 + static_cast<int>(3.0f * std::sin(x * 0.23f))}); // rising
     s.AddOverlay(6, 2, Pixel(255, 244, 222), 0.35f, 9.0f);
     for (int k = 0; k < 46; ++k) {
         const int x0 = static_cast<int>(Hash(k, 10) % 340) - 20, y0 = 132 + static_cast<int>(Hash(k, 11) % 66);
@@ -313,8 +313,8 @@ void Highlands(Scene& s) {
     // The waterfall from the crag on the right into the lake.
     const int fall = s.Flow({{120, 160, 180}, {236, 246, 250}, {150, 190, 206}, {250, 255, 255}, {120, 160, 180}}, 8, 14.0f);
     for (int y = 86; y < lakeTop + 2; ++y)
-        for (int x = 262; x < 268 + (y - 86) / 10; ++x) s.SetFlow(x, y, fall, 8, -y - (x & 1) * 3);
-    for (int x = 258; x < 276; ++x) s.SetFlow(x, lakeTop + 2 + (x & 1), fall, 8, x * 3);
+        for (int x = 262; x < 268 + (y - 86) / 10; ++x) s.SetFlow(x, y, fall, 8, y + (x & 1) * 3);
+    for (int x = 258; x < 276; ++x) s.SetFlow(x, lakeTop + 2 + (x & 1), fall, 8, std::abs(x - 265) * 2); // spreading rings
     // Pines on the near slopes.
     for (int k = 0; k < 22; ++k)
         s.Pine(k < 11 ? static_cast<float>(Hash(k, 20) % 70) : 250.0f + static_cast<float>(Hash(k, 20) % 70),
@@ -461,7 +461,7 @@ void Stormcoast(Scene& s) {
                 if (!p.Inside(x, y) || p.At(x, y) < sea || p.At(x, y) >= sea + 7) continue;
                 const float dx = (x + 0.5f - sx) / (sw * 2.2f), dy = (y + 0.5f - sy - 1.0f) / 7.0f;
                 const float d = std::sqrt(dx * dx + dy * dy);
-                if (d < 1.0f) s.SetFlow(x, y, surf, 10, static_cast<int>(d * 14.0f));
+                if (d < 1.0f) s.SetFlow(x, y, surf, 10, -static_cast<int>(d * 14.0f)); // rolling in
             }
 
     // The clifftop the tower stands on: heath and grass, rocks breaking through, and on the
@@ -500,7 +500,7 @@ void Stormcoast(Scene& s) {
         const float edge = edgeAt(y);
         for (int x = static_cast<int>(edge) + 1; x < static_cast<int>(edge) + 16; ++x)
             if (p.Inside(x, y) && p.At(x, y) >= sea && p.At(x, y) < sea + 7)
-                s.SetFlow(x, y, surf, 10, static_cast<int>((x - edge) * 0.8f + Noise1(y / 3.0f, 329) * 2.0f));
+                s.SetFlow(x, y, surf, 10, -static_cast<int>((x - edge) * 0.8f + Noise1(y / 3.0f, 329) * 2.0f));
     }
 
     // Rain: long streaks slanting down to the right over sky and sea, fast.
@@ -554,7 +554,7 @@ void Volcanic(Scene& s) {
         for (int y = static_cast<int>(vy); y < 128; ++y) {
             const float x = vx + (t ? 1.0f : -1.0f) * (y - vy) * (t ? 0.25f : 0.42f) + std::sin(y * 0.18f + t * 2) * 3.0f;
             const int w = 1 + (y - static_cast<int>(vy)) / 30;
-            for (int k = -w; k <= w; ++k) s.SetFlow(static_cast<int>(x) + k, y, lava, 10, -y + std::abs(k));
+            for (int k = -w; k <= w; ++k) s.SetFlow(static_cast<int>(x) + k, y, lava, 10, y - std::abs(k)); // running down
         }
 
     // Layered ridges of old flows, darkening towards the front.

@@ -11,11 +11,13 @@ check_link() {
 }
 
 check_layout() {
-    local prefix=$1 program
-    for program in torvane torvane-sim; do
-        [ -x "$prefix/lib/games/torvane/$program" ] && [ ! -L "$prefix/lib/games/torvane/$program" ] \
-            || fail "no program $program in lib/games/torvane"
-        check_link "$prefix/games/$program" "$prefix/lib/games/torvane/$program"
+    local prefix=$1 link program
+    [ -e "$prefix/games/torvane" ] && [ -e "$prefix/games/torvane-sim" ] || fail "no torvane or torvane-sim in games/"
+    # Every program is a real file in lib/games/torvane with its link in games/.
+    for link in "$prefix/games/"*; do
+        program="$prefix/lib/games/torvane/$(basename "$link")"
+        [ -x "$program" ] && [ ! -L "$program" ] || fail "no program $(basename "$link") in lib/games/torvane"
+        check_link "$link" "$program"
     done
     # The programs look for "assets" beside their real path.
     check_link "$prefix/lib/games/torvane/assets" "$prefix/share/games/torvane"

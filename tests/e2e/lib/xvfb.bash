@@ -32,12 +32,14 @@ stop_xvfb() {
     fi
 }
 
-# A private X server and a fresh working folder that both go away on exit.
+# A private X server and a fresh working and data folder that all go away on exit.
 start_xvfb_in_workdir() {
     start_xvfb
     WORK=$(mktemp -d)
     trap 'stop_xvfb; rm -rf "$WORK"' EXIT
     cd "$WORK"
+    # The game's settings and scores stay in here, never in the user's data folder.
+    export XDG_DATA_HOME="$WORK/data"
 }
 
 fail() {

@@ -1,0 +1,112 @@
+// The application's level packs: choosing and cycling them, a chosen pack that goes
+// away, a test run from the editor and its return, and no scores for pack games.
+#include "game/content/Preferences.h"
+#include "tests/screens/PackFixture.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+namespace torvane {
+namespace {
+
+namespace fs = std::filesystem;
+
+class PacksTest : public testing_support::PackScreensTest {
+protected:
+    std::string ActiveName() const { return ActivePack() ? ActivePack()->name : std::string("-"); }
+};
+
+TEST_F(PacksTest, PCyclesThroughThePacksAndBackToTheStandardLevels) {
+    AddPack("Beta", 2);
+    AddPack("Alpha", 3);
+    Start({});
+    SetLanguage(Language::German);
+    EXPECT_EQ(app.packs.size(), 2u);
+    EXPECT_EQ(ActiveName(), "-");
+    ASSERT_TRUE(Tap(pge::P));
+    EXPECT_EQ(GetSettings().level_pack, "Alpha.tpack");
+    EXPECT_EQ(ActiveName(), "Alpha");
+    EXPECT_EQ(app.game.phase, Phase::Title);
+    std::string settings;
+    ASSERT_TRUE(preferences::ReadFile(dataFolder + "/settings.txt", settings));
+    EXPECT_NE(settings.find("level_pack=Alpha.tpack\n"), std::string::npos); // kept at once
+    ASSERT_TRUE(Tap(pge::P));
+    EXPECT_EQ(ActiveName(), "Beta");
+    // A pack that goes away is skipped over, and the cycle ends on the standard levels.
+    fs::remove(packs + "/Alpha.tpack");
+    ASSERT_TRUE(Tap(pge::P));
+    EXPECT_EQ(GetSettings().level_pack, "");
+    EXPECT_EQ(ActiveName(), "-");
+    ASSERT_TRUE(Tap(pge::P));
+    EXPECT_EQ(ActiveName(), "Beta");
+}
+
+TEST_F(PacksTest, AChosenPackThatIsGoneIsForgottenAtTheStart) {
+    AddPack("Alpha", 1);
+    std::ofstream(dataFolder + "/settings.txt") << "level_pack=Weg.tpack\n";
+    Start({});
+    EXPECT_EQ(GetSettings().level_pack, "");
+    EXPECT_EQ(ActivePack(), nullptr);
+}
+
+TEST_F(PacksTest, ATestRunPlaysTheWorkingPackAndEscReturnsToTheEditor) {
+    AddPack("Alpha", 3);
+    Start({"--editor=down,enter,down,enter,t"});
+    for (int i = 0; i < 8; ++i) ASSERT_TRUE(Frame());
+    ASSERT_FALSE(app.editorOpen);
+    ASSERT_TRUE(app.testing);
+    EXPECT_EQ(app.game.phase, Phase::Build);
+    EXPECT_EQ(app.game.level, 2);
+    EXPECT_EQ(ActiveName(), "Alpha");
+    // The hint comes 1.9 seconds into the test.
+    while (app.clock < app.testHintAt - 0.05f) ASSERT_TRUE(Frame());
+    EXPECT_NE(app.message, Tr("Test: Esc führt zurück in den Editor"));
+    for (int i = 0; i < 4; ++i) ASSERT_TRUE(Frame());
+    EXPECT_EQ(app.message, Tr("Test: Esc führt zurück in den Editor"));
+    ASSERT_TRUE(Tap(pge::ESCAPE));
+    EXPECT_TRUE(app.editorOpen);
+    EXPECT_FALSE(app.testing);
+    EXPECT_FALSE(app.paused);
+    EXPECT_EQ(app.game.phase, Phase::Title);
+    EXPECT_EQ(app.editor.page, 3);
+    EXPECT_EQ(app.editor.level, 1);
+    EXPECT_EQ(ActivePack(), nullptr); // the chosen pack again: none
+    // Esc twice more leaves the editor, back on the title.
+    ASSERT_TRUE(Tap(pge::ESCAPE));
+    ASSERT_TRUE(Tap(pge::ESCAPE));
+    ASSERT_TRUE(Tap(pge::ESCAPE));
+    EXPECT_FALSE(app.editorOpen);
+    EXPECT_EQ(app.game.phase, Phase::Title);
+}
+
+TEST_F(PacksTest, AFailedSaveIsShownAndTheWorkGoesOn) {
+    AddPack("Alpha", 2);
+    // The pack's file is replaced by a folder of that name: writing it fails.
+    Start({"--editor=down,enter"});
+    for (int i = 0; i < 3; ++i) ASSERT_TRUE(Frame());
+    ASSERT_EQ(app.editor.page, 2);
+    fs::remove(packs + "/Alpha.tpack");
+    fs::create_directory(packs + "/Alpha.tpack");
+    app.editorScript = "esc";
+    ASSERT_TRUE(Frame());
+    EXPECT_EQ(app.editor.message, Tr("Speichern fehlgeschlagen"));
+    EXPECT_EQ(app.editor.page, 0);
+    EXPECT_TRUE(fs::is_directory(packs + "/Alpha.tpack"));
+}
+
+TEST_F(PacksTest, PackGamesAreNeverScored) {
+    AddPack("Alpha", 1);
+    std::ofstream(dataFolder + "/settings.txt") << "level_pack=Alpha.tpack\n";
+    Start({"--level=1"});
+    ASSERT_EQ(ActiveName(), "Alpha");
+    app.game.score = 999999;
+    app.game.phase = Phase::Over;
+    ASSERT_TRUE(Frame());
+    EXPECT_FALSE(app.nameEntry);
+}
+
+} // namespace
+} // namespace torvane

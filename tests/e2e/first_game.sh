@@ -1,0 +1,69 @@
+#!/usr/bin/env bash
+# A new player's first game with real key presses and a fresh data folder: the first
+# title page, Enter to start and to end the build, the announce card that ignores a
+# Space within 0.6 s, a tower that falls without repairs, a typed name on the over
+# card, the list with that row lit, highscores.txt; and in a second run, with a title
+# picture, the idle score card that shows the name.
+set -euo pipefail
+BUILD=$1
+HERE=$(cd "$(dirname "$0")" && pwd)
+source "$HERE/lib/xvfb.bash"
+start_xvfb_in_workdir
+mkdir -p assets/torvane # an asset tree of our own: no title picture yet
+
+PANEL=232c36   # card body
+CHESTNUT=d0764a
+FG=eee6d6
+px() { python3 "$HERE/lib/x_pixels.py" "$@"; }
+tap() { # a key held over a few frames
+    xdotool keydown --window "$window" "$1"
+    sleep 0.1
+    xdotool keyup --window "$window" "$1"
+    sleep 0.1
+}
+
+"$BUILD/torvane" --windowed --no-sound --seed=4 2>/dev/null &
+GAME=$!
+window=$(timeout 20 xdotool search --sync --name '^Torvane$' | head -1) || fail "no window"
+xdotool windowfocus --sync "$window" || true
+
+# After the logo, page 0 stands over the tower view: a card body left of the story.
+px wait "$window" 90 300 "$PANEL" 15 || fail "no title page"
+sleep 0.7
+tap Return
+px wait "$window" 90 300 "$PANEL" 5 gone || fail "Enter did not start the game"
+sleep 0.5
+tap Return # ends the build
+# The announce card after the inspection; a Space at once does nothing.
+px press-when "$window" 125 150 "$PANEL" 30 space || fail "no announce card"
+sleep 0.3
+px wait "$window" 125 150 "$PANEL" 1 || fail "a Space right at the card started the attack"
+sleep 0.5
+tap space
+px wait "$window" 125 150 "$PANEL" 5 gone || fail "a later Space did not start the attack"
+
+# Nothing is repaired: the over card comes with its name field.
+px wait "$window" 115 150 "$PANEL" 150 || fail "the tower did not fall"
+sleep 0.3
+for key in a n n a; do tap "$key"; done
+tap Return
+grep -q $'\tanna$' "$XDG_DATA_HOME/Torvane/highscores.txt" || fail "highscores.txt: $(cat "$XDG_DATA_HOME/Torvane/highscores.txt" 2>&1)"
+# The list with the fresh row in chestnut: its place and name.
+sleep 0.3
+lit=$(px count "$window" 150 189 200 197 "$CHESTNUT")
+[ "$lit" -gt 20 ] || fail "the new row is not lit ($lit pixels)"
+tap space   # to the title
+# Without a title picture Escape ends the run; the window may be gone before the key is up.
+xdotool keydown --window "$window" Escape
+sleep 0.1
+xdotool keyup --window "$window" Escape 2>/dev/null || true
+wait "$GAME" || fail "first run ended with $?"
+
+# Second run with a title picture: untouched for 15 s, the idle card lists anna.
+python3 "$HERE/lib/png_rect.py" make assets/torvane/title.png 320 200
+"$BUILD/torvane" --windowed --no-sound --skip-intro --exit-after=16.5 --screenshot=idle.png 2>/dev/null \
+    || fail "second run"
+# The first row's name at x 96 in normal text; an empty list would have only muted text.
+named=$(python3 "$HERE/lib/png_rect.py" count idle.png 96 69 140 77 "$FG")
+[ "$named" -gt 20 ] || fail "no entry on the idle card ($named pixels)"
+echo OK

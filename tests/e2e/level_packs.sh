@@ -1,0 +1,100 @@
+#!/usr/bin/env bash
+# Level packs and the editor in a fresh data folder: the first start copies the packs
+# that come with the game, a deleted pack stays deleted, an editor script writes
+# exactly the expected file, a test run from the editor returns to it with Esc, and
+# P on the title picks a pack.
+set -euo pipefail
+BUILD=$1
+HERE=$(cd "$(dirname "$0")" && pwd)
+SHIPPED="$HERE/../../assets/torvane/levelpacks"
+source "$HERE/lib/xvfb.bash"
+start_xvfb_in_workdir
+export XDG_DATA_HOME="$WORK/data"
+PACKS="$XDG_DATA_HOME/Torvane/levelpacks"
+
+game() { "$BUILD/torvane" --windowed --no-sound --seed=5 "$@" 2>>err.log; }
+
+# The first start copies every shipped pack, text unchanged.
+game --skip-intro --exit-after=0.5 || fail "first start"
+for file in "$SHIPPED"/*.tpack; do
+    cmp "$file" "$PACKS/$(basename "$file")" || fail "not copied: $(basename "$file")"
+done
+
+# A pack the player deletes is not offered again.
+rm "$PACKS/Die_Feuerprobe.tpack"
+game --skip-intro --exit-after=0.5 || fail "second start"
+[ ! -e "$PACKS/Die_Feuerprobe.tpack" ] || fail "the deleted pack came back"
+
+# A new pack of two levels: the name, then on level 1 the name, landscape, line,
+# shots, directions and order, and the order of level 2 too; Esc twice saves it.
+script="enter,type:Burg am See,down,left,left,left,enter"
+script+=",enter,type:Tor,down,right,down,down,down,right,down,down,left,down,down,right,down,right"
+script+=",enter,right,esc,esc"
+game --editor="$script" --exit-after=3 || fail "editor script"
+# The built-in ring levels 1 and 2 are where new levels start: 70 s, 16 pieces,
+# line 5, 50 %, 6 shots 5.0 s apart; 66 s, 14 pieces, line 6, 55 %, 8 shots 4.7 s apart.
+cat > expected.tpack <<'TEXT'
+torvane-levelpack 1
+name=Burg am See
+
+[level]
+name=Tor
+background=2
+build=70
+pieces=16
+line=6
+need=50
+shots=5
+interval=5.0
+directions=S
+order=mixed
+prep=yes
+new_tower=no
+
+[level]
+name=
+background=2
+build=66
+pieces=14
+line=6
+need=55
+shots=8
+interval=4.7
+directions=N
+order=mixed
+prep=yes
+new_tower=no
+TEXT
+diff expected.tpack "$PACKS/Burg_am_See.tpack" || fail "the saved pack differs"
+
+# T on the page of a pack's third level plays it; Esc returns to the editor on that
+# page. The picture after the return equals that of the page reached directly.
+to_level3="down,down,enter,down,down,enter,down"
+game --editor="$to_level3" --exit-after=2.5 --screenshot=direct.png || fail "editor page"
+game --editor="$to_level3,t" --exit-after=2.5 --screenshot=playing.png || fail "test run"
+playing=$(python3 "$HERE/lib/png_stage.py" direct.png playing.png | sed 's/stage_diff=//')
+[ "$playing" -gt 100000 ] || fail "T did not leave the editor ($playing pixels differ)"
+game --editor="$to_level3,t" --exit-after=5 --screenshot=back.png &
+run=$!
+window=$(timeout 20 xdotool search --sync --name '^Torvane$' | head -1) || fail "no window"
+xdotool windowfocus --sync "$window" || true
+sleep 2.5 # the script has run and the test level is being built
+xdotool keydown --window "$window" Escape
+sleep 0.12
+xdotool keyup --window "$window" Escape
+wait "$run" || fail "test run"
+grep -q "Bildschirmfoto: back.png" err.log || fail "no picture after the test"
+[ "$(python3 "$HERE/lib/png_stage.py" direct.png back.png)" = "stage_diff=0" ] || fail "not back on the level page"
+
+# P on the title picks the first pack in the list, and the choice is kept.
+game --skip-intro --exit-after=3 &
+run=$!
+window=$(timeout 20 xdotool search --sync --name '^Torvane$' | head -1) || fail "no window"
+xdotool windowfocus --sync "$window" || true
+sleep 1
+xdotool keydown --window "$window" p
+sleep 0.12
+xdotool keyup --window "$window" p
+wait "$run" || fail "title run"
+grep -qx "level_pack=Burg_am_See.tpack" "$XDG_DATA_HOME/Torvane/settings.txt" || fail "P chose no pack"
+echo OK

@@ -1,0 +1,204 @@
+// Interaction: verbs, fallback texts, hover, the sentence line, camera, dialogues, inventory.
+#include "tests/engine/adventure/TestGame.h"
+
+#include <gtest/gtest.h>
+
+namespace adv {
+namespace {
+
+struct GameTest : ::testing::Test {
+    testing::TestGame t;
+    AdventureGame& game = t.game;
+    void SetUp() override { t.Settle(); }
+    // What the player says after the next frames.
+    std::string Said() {
+        t.run.Frame(0.016f);
+        t.run.Frame(0.016f);
+        return t.Player().speech;
+    }
+};
+
+TEST_F(GameTest, ARightClickOnAHotspotUsesItsDefaultVerb) {
+    t.Click(90, 90, 1); // the chest, away from the lamp and the cat
+    EXPECT_EQ(Said(), "Da ist nichts Besonderes dran.");
+    t.Settle();
+    t.Click(90, 90, 0); // the left button walks there with nothing selected
+    EXPECT_EQ(t.Player().speech, "");
+    EXPECT_TRUE(t.Player().Walking());
+}
+
+TEST_F(GameTest, EachVerbHasItsFallbackText) {
+    game.SelectVerb(Verb::Pull);
+    t.Click(90, 90);
+    EXPECT_EQ(Said(), "Das gibt keinen Millimeter nach.");
+    t.Settle();
+    game.SelectVerb(Verb::Open);
+    t.Click(90, 90);
+    EXPECT_EQ(Said(), "Leer."); // the chest's own script
+    EXPECT_EQ(game.FallbackScript(Verb(42), "x").actions.size(), 1u);
+    EXPECT_EQ(FallbackText(Verb(42)), "Das bringt nichts.");
+    EXPECT_EQ(VerbName(Verb(42)), "?");
+}
+
+TEST_F(GameTest, TwoObjectVerbsOnItems) {
+    game.inventory.Add("bread");
+    game.inventory.Add("key");
+    game.InteractWithItem("bread", Verb::Use);
+    EXPECT_EQ(game.heldItem, "bread");
+    // The same item again: the verb's own fallback, not the mismatch.
+    game.InteractWithItem("bread", Verb::Use);
+    EXPECT_EQ(Said(), "So funktioniert das nicht.");
+    EXPECT_EQ(game.heldItem, "");
+    t.Settle();
+    game.InteractWithItem("bread", Verb::Give);
+    game.InteractWithItem("key", Verb::Give);
+    EXPECT_EQ(Said(), "Die beiden passen nicht zusammen.");
+    t.Settle();
+    game.InteractWithItem("key", Verb::Look);
+    EXPECT_EQ(Said(), "Ein ganz normaler Gegenstand.");
+}
+
+TEST_F(GameTest, HoverPrefersActorsThenTheTopmostHotspotAndNamesItInTheSentence) {
+    t.run.MoveMouse(65, 95); // the cat stands before the chest
+    t.run.Frame(0.016f);
+    EXPECT_EQ(game.hoveredActor, "cat");
+    EXPECT_EQ(game.sentence, "Gehe zu Katze");
+    game.actors["cat"].visible = false;
+    t.run.Frame(0.016f);
+    EXPECT_EQ(game.hoveredHotspot, "chest");
+    t.run.MoveMouse(64, 50);
+    t.run.Frame(0.016f);
+    EXPECT_EQ(game.hoveredHotspot, "lamp");
+    game.inventory.Add("bread");
+    game.SelectVerb(Verb::Use);
+    game.InteractWithItem("bread", Verb::Use);
+    t.run.Frame(0.016f);
+    EXPECT_EQ(game.sentence, "Benutze Brot mit Lampe");
+    // Over the inventory the item is named.
+    t.run.MoveMouse(250, 200);
+    t.run.Frame(0.016f);
+    EXPECT_EQ(game.sentence, "Benutze Brot mit Brot");
+}
+
+TEST_F(GameTest, DuringAScriptClicksSkipSpeechAndTheSentenceStays) {
+    t.run.MoveMouse(90, 90);
+    t.run.Frame(0.016f);
+    const std::string before = game.sentence;
+    game.RunScript(Script().Say("player", "Ein sehr langer Satz, der dauert.").Say("player", "Und noch einer."));
+    t.run.Frame(0.016f);
+    EXPECT_EQ(t.Player().speech, "Ein sehr langer Satz, der dauert.");
+    game.SelectVerb(Verb::Open);
+    t.run.MoveMouse(300, 140);
+    t.run.Frame(0.016f);
+    EXPECT_EQ(game.sentence, before);
+    t.run.MoveMouse(90, 90);
+    t.run.SetMouseButton(0, true);
+    t.run.Frame(0.016f);
+    t.run.SetMouseButton(0, false);
+    t.run.Frame(0.016f);
+    // The click skipped to the next line and did not open the chest.
+    EXPECT_EQ(t.Player().speech, "Und noch einer.");
+    EXPECT_EQ(game.verb, Verb::Open);
+}
+
+TEST_F(GameTest, TheCameraFollowsWithinTheSceneAndANarrowSceneNeverScrolls) {
+    t.Player().Teleport({380, 150}, Facing::Right);
+    for (int i = 0; i < 60; ++i) t.run.Frame(0.05f);
+    EXPECT_FLOAT_EQ(game.camera.x, 0);
+    game.ChangeScene("hall", "east");
+    EXPECT_FLOAT_EQ(game.camera.x, 800 - 384);
+    t.Player().Teleport({400, 150}, Facing::Left);
+    game.UpdateCamera(1.0f); // a whole step reaches the target
+    EXPECT_FLOAT_EQ(game.camera.x, 400 - 192);
+    t.Player().Teleport({10, 150}, Facing::Left);
+    game.UpdateCamera(0.05f);
+    EXPECT_NEAR(game.camera.x, 208 * 0.7f, 0.01f);
+    game.UpdateCamera(1.0f);
+    EXPECT_FLOAT_EQ(game.camera.x, 0);
+}
+
+TEST_F(GameTest, SceneChangesPlaceThePlayerAndRunTheFirstVisitOnce) {
+    EXPECT_EQ(game.Flag("__visited_room"), 1);
+    EXPECT_EQ(game.Flag("entered"), 1);
+    game.ChangeScene("nowhere", "default");
+    EXPECT_EQ(game.current->id, "room");
+    game.ChangeScene("hall", "no such entry");
+    EXPECT_FLOAT_EQ(t.Player().position.x, 20); // the default entry
+    EXPECT_EQ(t.Player().scene, "hall");
+    game.ChangeScene("room", "default");
+    t.Settle();
+    EXPECT_EQ(game.Flag("entered"), 2);
+    EXPECT_FLOAT_EQ(t.Player().scale, 0.5f + 0.5f * 50.0f / 76.0f);
+}
+
+TEST_F(GameTest, OnceOnlyOptionsGoAfterUseAndFlagsShowOrHideOthers) {
+    game.BeginDialogue("talk");
+    EXPECT_EQ(game.VisibleDialogueOptions(), (std::vector<int>{0, 2}));
+    game.SelectDialogueOption(0);
+    t.Settle();
+    EXPECT_EQ(game.dialogue, "talk"); // an empty next node stays
+    game.SetFlag("asked", 1);
+    game.SetFlag("stay", 1);
+    EXPECT_EQ(game.VisibleDialogueOptions(), (std::vector<int>{1}));
+    game.SetFlag("stay", 0);
+    game.SelectDialogueOption(2);
+    t.Settle();
+    EXPECT_EQ(game.dialogue, "");
+    game.BeginDialogue("no such talk");
+    EXPECT_EQ(game.dialogue, "");
+}
+
+TEST(Inventory, ScrollsByRowsAndKeepsTheLastRowInView) {
+    Inventory inv;
+    for (int i = 0; i < 10; ++i) inv.Add("item" + std::to_string(i));
+    inv.Add("item3");
+    EXPECT_EQ(inv.items.size(), 10u);
+    EXPECT_EQ(inv.MaxScroll(), 4);
+    inv.Scroll(4);
+    inv.Scroll(4);
+    EXPECT_EQ(inv.scroll, 4);
+    EXPECT_EQ(inv.At(0), "item4");
+    EXPECT_EQ(inv.At(6), "");
+    for (int i = 0; i < 5; ++i) inv.Remove("item" + std::to_string(i));
+    EXPECT_EQ(inv.scroll, 0);
+    inv.Scroll(-4);
+    EXPECT_EQ(inv.scroll, 0);
+    EXPECT_EQ(inv.At(-1), "");
+}
+
+TEST_F(GameTest, TheScrollArrowsAndVerbCellsAnswerClicks) {
+    for (int i = 0; i < 12; ++i) {
+        Item item;
+        item.id = "thing" + std::to_string(i);
+        game.AddItem(item);
+        game.inventory.Add(item.id);
+    }
+    t.Click(233, 230); // the lower arrow
+    EXPECT_EQ(game.inventory.scroll, 4);
+    t.Click(233, 195);
+    EXPECT_EQ(game.inventory.scroll, 0);
+    t.Click(8 + 72 + 10, 16 * 13 + 4); // second row, middle: "Schau an"
+    EXPECT_EQ(game.verb, Verb::Look);
+}
+
+TEST_F(GameTest, TextSpeedKeysAndPause) {
+    const int before = Actor::TextSpeed();
+    t.run.SetKey(pge::EQUALS, true);
+    t.run.Frame(0.016f);
+    t.run.SetKey(pge::EQUALS, false);
+    t.run.Frame(0.016f);
+    EXPECT_EQ(Actor::TextSpeed(), std::min(before + 1, 8));
+    EXPECT_EQ(game.toast, "Texttempo " + std::to_string(Actor::TextSpeed()) + " / 8");
+    Actor::SetTextSpeed(before);
+    t.run.SetKey(pge::SPACE, true);
+    t.run.Frame(0.016f);
+    t.run.SetKey(pge::SPACE, false);
+    EXPECT_TRUE(game.paused);
+    t.Player().SetPath({{300, 150}});
+    const float x = t.Player().position.x;
+    t.run.Frame(0.1f);
+    EXPECT_FLOAT_EQ(t.Player().position.x, x);
+}
+
+} // namespace
+} // namespace adv

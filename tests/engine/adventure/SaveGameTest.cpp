@@ -1,0 +1,256 @@
+// Saved games: the text format, bad files and slots, restoring, and the menu around them.
+#include "engine/adventure/SaveGame.h"
+#include "tests/engine/adventure/TestGame.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <random>
+
+namespace adv {
+namespace {
+
+namespace fs = std::filesystem;
+
+// Saves go to a fresh data folder of their own.
+struct SaveTest : ::testing::Test {
+    fs::path data;
+    std::string oldXdg;
+    void SetUp() override {
+        if (const char* x = std::getenv("XDG_DATA_HOME")) oldXdg = x;
+        char name[] = "/tmp/adventure-saves-XXXXXX";
+        ASSERT_NE(mkdtemp(name), nullptr);
+        data = name;
+        setenv("XDG_DATA_HOME", name, 1);
+        savegame::SetFolderName("Probe");
+    }
+    void TearDown() override {
+        fs::remove_all(data);
+        if (oldXdg.empty())
+            unsetenv("XDG_DATA_HOME");
+        else
+            setenv("XDG_DATA_HOME", oldXdg.c_str(), 1);
+    }
+    void WriteFile(int slot, const std::string& text) {
+        fs::create_directories(savegame::Directory());
+        std::ofstream(savegame::SlotPath(slot), std::ios::binary) << text;
+    }
+};
+
+SaveData Sample() {
+    SaveData d;
+    d.scene = "room";
+    d.label = "Die Kammer  am Abend";
+    d.saved = "01.02.2026 03:04";
+    d.textSpeed = 6;
+    d.inventoryScroll = 4;
+    d.flags = {{"a", 1}, {"b", -7}};
+    d.items = {"key", "bread"};
+    d.actors = {{"player", "room", 12.5f, 140.25f, 2, 1}, {"cat", "hall", 3, 4, 0, 0}};
+    d.hotspots = {{"room", "lamp", 0}};
+    d.usedOptions = {{"talk", "start", 0}};
+    return d;
+}
+
+TEST_F(SaveTest, ARoundTripKeepsEverythingLabelsWithBlanksIncluded) {
+    const std::string text = savegame::Serialise(Sample());
+    EXPECT_EQ(text.substr(0, 27), "quillmere-adventure-save 1\n");
+    SaveData back;
+    ASSERT_TRUE(savegame::Parse(text, back));
+    EXPECT_EQ(back.scene, "room");
+    EXPECT_EQ(back.label, "Die Kammer  am Abend");
+    EXPECT_EQ(back.saved, "01.02.2026 03:04");
+    EXPECT_EQ(back.textSpeed, 6);
+    EXPECT_EQ(back.inventoryScroll, 4);
+    EXPECT_EQ(back.flags, Sample().flags);
+    EXPECT_EQ(back.items, Sample().items);
+    ASSERT_EQ(back.actors.size(), 2u);
+    EXPECT_FLOAT_EQ(back.actors[0].y, 140.25f);
+    EXPECT_EQ(back.actors[1].visible, 0);
+    ASSERT_EQ(back.hotspots.size(), 1u);
+    EXPECT_EQ(back.hotspots[0].enabled, 0);
+    ASSERT_EQ(back.usedOptions.size(), 1u);
+    EXPECT_EQ(back.usedOptions[0].node, "start");
+
+    SaveData empty = Sample();
+    empty.label = "";
+    ASSERT_TRUE(savegame::Parse(savegame::Serialise(empty), back));
+    EXPECT_EQ(back.label, "");
+    // Windows line ends are read too.
+    ASSERT_TRUE(savegame::Parse("quillmere-adventure-save 1\r\nlabel x y\r\n", back));
+    EXPECT_EQ(back.label, "x y");
+}
+
+TEST_F(SaveTest, BadFilesAreRefusedWholeOrLineByLine) {
+    SaveData d = Sample();
+    std::string bytes(2000, '\0');
+    std::mt19937 rng(5);
+    for (char& c : bytes) c = char(rng());
+    for (const std::string& bad : {std::string(), bytes, std::string("other-save 1\nscene room\n"),
+                                   std::string("quillmere-adventure-save 2\n"), std::string("quillmere-adventure-save\n"),
+                                   std::string("quillmere-adventure-save one\n"), std::string("\nscene room\n")}) {
+        EXPECT_FALSE(savegame::Parse(bad, d));
+        EXPECT_EQ(d.label, Sample().label); // untouched
+    }
+    const std::string odd = "quillmere-adventure-save 1\n"
+                            "scene room\n"
+                            "weather rainy\n"                           // unknown
+                            "flag big 99999999999\n"                    // beyond 32 bits
+                            "flag ok 3\n"
+                            "actor player room nan 5 1 1\n"             // not a number
+                            "actor cat room 1 2 3\n"                    // too short
+                            "textspeed fast\n"
+                            "hotspot room lamp\n"
+                            "dialogue talk start 1\n"
+                            "item bread\n"
+                            "actor player room 10 20 3 1 extra\n"       // too long
+                            "actor player hall 10 20 3 1\n"
+                            "item ke";                                  // cut off
+    ASSERT_TRUE(savegame::Parse(odd, d));
+    EXPECT_EQ(d.flags, (std::map<std::string, int32_t>{{"ok", 3}}));
+    ASSERT_EQ(d.actors.size(), 1u);
+    EXPECT_EQ(d.actors[0].scene, "hall");
+    EXPECT_EQ(d.textSpeed, 4);
+    EXPECT_TRUE(d.hotspots.empty());
+    EXPECT_EQ(d.usedOptions.size(), 1u);
+    EXPECT_EQ(d.items, (std::vector<std::string>{"bread", "ke"}));
+}
+
+TEST_F(SaveTest, SlotsOutsideTheSixFailWithoutTouchingAnyFile) {
+    for (int slot : {-1, 6, 1000}) {
+        EXPECT_EQ(savegame::SlotPath(slot), "");
+        EXPECT_FALSE(savegame::Write(slot, Sample()));
+        SaveData d;
+        EXPECT_FALSE(savegame::Read(slot, d));
+        EXPECT_FALSE(savegame::Erase(slot));
+        EXPECT_FALSE(savegame::Inspect(slot).exists);
+    }
+    EXPECT_FALSE(fs::exists(data / "Probe"));
+    ASSERT_TRUE(savegame::Write(5, Sample()));
+    EXPECT_TRUE(fs::exists(data / "Probe" / "saves" / "slot5.sav"));
+    const savegame::SlotInfo info = savegame::Inspect(5);
+    EXPECT_TRUE(info.exists);
+    EXPECT_EQ(info.label, "Die Kammer  am Abend");
+    EXPECT_TRUE(savegame::Erase(5));
+    EXPECT_FALSE(savegame::Inspect(5).exists);
+    // A wrong first line reads as an empty slot.
+    WriteFile(1, "quillmere-adventure-save 7\nlabel x\n");
+    EXPECT_FALSE(savegame::Inspect(1).exists);
+}
+
+TEST_F(SaveTest, AnUnwritableDataFolderFailsTheSaveAndTellsTheMenu) {
+    std::ofstream(data / "blocker") << "a file where a folder should be";
+    setenv("XDG_DATA_HOME", (data / "blocker").c_str(), 1);
+    EXPECT_FALSE(savegame::Write(0, Sample()));
+    testing::TestGame t;
+    t.game.menu.Open();
+    EXPECT_TRUE(t.game.ApplyMenuRequest({GameMenu::Request::SaveSlot, 0}));
+    EXPECT_EQ(t.game.menu.message, "Speichern fehlgeschlagen");
+    EXPECT_TRUE(t.game.ApplyMenuRequest({GameMenu::Request::SaveSlot, 9}));
+    EXPECT_EQ(t.game.menu.message, "Speichern fehlgeschlagen");
+}
+
+TEST_F(SaveTest, SaveAndLoadRestoreTheGameWithoutEntryScripts) {
+    testing::TestGame t;
+    t.Settle();
+    AdventureGame& g = t.game;
+    g.inventory.Add("rope");
+    g.inventory.Add("bread");
+    g.SetFlag("door", 1);
+    g.current->Find("lamp")->enabled = false;
+    g.BeginDialogue("talk");
+    g.SelectDialogueOption(0);
+    t.Settle();
+    g.EndDialogue();
+    g.ChangeScene("hall", "east");
+    t.Settle();
+    ASSERT_TRUE(g.SaveToSlot(2));
+
+    g.RestartGame();
+    t.Settle();
+    EXPECT_TRUE(g.inventory.items.empty());
+    EXPECT_TRUE(g.scenes.Load(g, "room")->Find("lamp")->enabled);
+    const int entered = g.Flag("entered");
+    ASSERT_TRUE(g.LoadFromSlot(2));
+    EXPECT_EQ(g.current->id, "hall");
+    EXPECT_EQ(g.inventory.items, (std::vector<std::string>{"rope", "bread"}));
+    EXPECT_EQ(g.Flag("door"), 1);
+    EXPECT_FALSE(g.scenes.Load(g, "room")->Find("lamp")->enabled);
+    EXPECT_FLOAT_EQ(t.Player().position.x, 790);
+    EXPECT_FLOAT_EQ(g.camera.x, 800 - 384);
+    EXPECT_FALSE(g.runner.Running());
+    EXPECT_EQ(g.Flag("entered"), entered);
+    g.BeginDialogue("talk");
+    EXPECT_EQ(g.VisibleDialogueOptions(), (std::vector<int>{2}));
+}
+
+TEST_F(SaveTest, ALoadThatFailsChangesNothing) {
+    testing::TestGame t;
+    t.Settle();
+    AdventureGame& g = t.game;
+    g.inventory.Add("key");
+    SaveData gone = Sample();
+    gone.scene = "demolished";
+    ASSERT_TRUE(savegame::Write(0, gone));
+    WriteFile(1, "");
+    WriteFile(3, "quillmere-adventure-save 1\nscene room\nitem bread\nactor player room 1e30 -5 99 1\n"
+                 "textspeed 500\ninvscroll 77\ndialogue talk start 17\ndialogue talk nonode 0\n");
+    for (int slot : {0, 1, 2, 7}) {
+        EXPECT_TRUE(g.ApplyMenuRequest({GameMenu::Request::LoadSlot, slot}));
+        EXPECT_EQ(g.toast, "Laden fehlgeschlagen");
+        EXPECT_EQ(g.inventory.items, (std::vector<std::string>{"key"}));
+        EXPECT_EQ(g.current->id, "room");
+    }
+    // Numbers out of range are brought back into it.
+    ASSERT_TRUE(g.ApplyMenuRequest({GameMenu::Request::LoadSlot, 3}));
+    EXPECT_EQ(g.toast, "Spielstand geladen");
+    EXPECT_EQ(Actor::TextSpeed(), 8);
+    EXPECT_EQ(g.inventory.scroll, 0);
+    EXPECT_EQ(t.Player().facing, Facing::Back);
+    EXPECT_TRUE(g.current->walkArea.IsWalkable(t.Player().position));
+    Actor::SetTextSpeed(4);
+}
+
+TEST_F(SaveTest, SavingOverAUsedSlotAsksFirstAndReturnsToTheSavePage) {
+    testing::TestGame t;
+    t.Settle();
+    AdventureGame& g = t.game;
+    GameMenu& menu = g.menu;
+    menu.Open();
+    EXPECT_EQ(menu.Activate(GameMenu::kSaveGame).kind, GameMenu::Request::None);
+    EXPECT_EQ(menu.page, GameMenu::Save);
+    // An empty slot saves at once.
+    GameMenu::Request r = menu.Activate(GameMenu::kSlotRow + 4);
+    EXPECT_EQ(r.kind, GameMenu::Request::SaveSlot);
+    EXPECT_EQ(r.slot, 4);
+    g.ApplyMenuRequest(r);
+    EXPECT_EQ(menu.message, "In Feld 5 gespeichert");
+    EXPECT_TRUE(menu.slots[4].exists);
+    EXPECT_EQ(menu.slots[4].label, "Kammer");
+    // A used one asks.
+    r = menu.Activate(GameMenu::kSlotRow + 4);
+    EXPECT_EQ(r.kind, GameMenu::Request::None);
+    EXPECT_EQ(menu.page, GameMenu::Confirm);
+    EXPECT_EQ(menu.question, "Feld 5 ueberschreiben?");
+    r = menu.Activate(GameMenu::kYes);
+    EXPECT_EQ(r.kind, GameMenu::Request::SaveSlot);
+    EXPECT_EQ(menu.page, GameMenu::Save);
+    // No goes back, and from the main page's questions No closes nothing but the question.
+    menu.Activate(GameMenu::kBack);
+    menu.Activate(GameMenu::kQuit);
+    EXPECT_EQ(menu.question, "Das Spiel wirklich beenden?");
+    menu.Activate(GameMenu::kNo);
+    EXPECT_EQ(menu.page, GameMenu::Main);
+    EXPECT_EQ(menu.Activate(GameMenu::kResume).kind, GameMenu::Request::Resume);
+    EXPECT_FALSE(menu.IsOpen());
+    // A question asked with the menu closed closes it again on No.
+    menu.AskConfirm("Das Spiel neu starten?", GameMenu::Request::NewGame);
+    menu.Activate(GameMenu::kNo);
+    EXPECT_FALSE(menu.IsOpen());
+    EXPECT_FALSE(g.ApplyMenuRequest({GameMenu::Request::Quit, -1}));
+}
+
+} // namespace
+} // namespace adv

@@ -1,0 +1,96 @@
+#pragma once
+// A small adventure for the tests: a room of one screen and a hall that scrolls, run
+// headless at the adventure's logical size.
+#include "engine/adventure/AdventureGame.h"
+#include "pge/Headless.h"
+
+#include <memory>
+
+namespace adv::testing {
+
+// 384 wide: a floor along the bottom, a chest with a lamp on it, a door to the hall.
+class Room : public SceneDefinition {
+public:
+    void Build(AdventureGame&, Scene& s) override {
+        s.painted = std::make_shared<pge::Sprite>(384, 176);
+        s.walkArea.outer = Polygon::Rect(0, 100, 384, 76);
+        s.scaleZone = {100, 176, 0.5f, 1.0f};
+        s.SetEntry("default", {192, 150}, Facing::Front);
+        s.AddRectHotspot("chest", "Truhe", 40, 40, 60, 60).scripts[Verb::Open] = Script().Say("player", "Leer.");
+        s.AddRectHotspot("lamp", "Lampe", 60, 45, 10, 10);
+        s.enterScript.Do([](AdventureGame& g) { g.SetFlag("entered", g.Flag("entered") + 1); });
+    }
+    std::string DisplayName() const override { return "Kammer"; }
+};
+
+// 800 wide, for the camera.
+class Hall : public SceneDefinition {
+public:
+    void Build(AdventureGame&, Scene& s) override {
+        s.painted = std::make_shared<pge::Sprite>(800, 176);
+        s.walkArea.outer = Polygon::Rect(0, 100, 800, 76);
+        s.SetEntry("default", {20, 150}, Facing::Right);
+        s.SetEntry("east", {790, 150}, Facing::Left);
+    }
+};
+
+inline void BuildTestContent(AdventureGame& g) {
+    Actor player;
+    player.id = "player";
+    g.AddActor(player);
+    Actor cat;
+    cat.id = "cat";
+    cat.name = "Katze";
+    cat.scene = "room";
+    cat.position = {65, 120}; // in front of the lamp
+    g.AddActor(cat);
+    for (const char* id : {"bread", "key", "rope"}) {
+        Item item;
+        item.id = id;
+        item.name = std::string(id) == "bread" ? "Brot" : id;
+        g.AddItem(item);
+    }
+    Dialogue d;
+    d.id = "talk";
+    DialogueOption once, flagged, bye;
+    once.text = "Einmal";
+    once.once = true;
+    flagged.text = "Nur mit Flagge";
+    flagged.requiresFlag = "asked";
+    bye.text = "Tschuess";
+    bye.next = "$exit";
+    bye.forbidsFlag = "stay";
+    d.nodes["start"] = {once, flagged, bye};
+    g.AddDialogue(d);
+    g.RegisterScene("room", std::make_unique<Room>());
+    g.RegisterScene("hall", std::make_unique<Hall>());
+    g.SetStartScene("room");
+}
+
+// The game, created and playing in the room.
+struct TestGame {
+    AdventureGame game;
+    pge::Headless run{game, AdventureGame::kViewWidth, AdventureGame::kViewHeight};
+
+    TestGame() {
+        game.SetContentBuilder(BuildTestContent);
+        run.Create();
+        game.BeginPlay();
+    }
+    Actor& Player() { return game.Player(); }
+    // A click with the left (0) or right (1) button, pressed in one frame, released in the next.
+    void Click(int x, int y, int button = 0) {
+        run.MoveMouse(x, y);
+        run.Frame(0.016f);
+        run.SetMouseButton(button, true);
+        run.Frame(0.016f);
+        run.SetMouseButton(button, false);
+        run.Frame(0.016f);
+    }
+    // Runs frames until no script runs, at most ten seconds.
+    void Settle() {
+        for (int i = 0; i < 200 && game.runner.Running(); ++i) run.Frame(0.05f);
+    }
+};
+
+} // namespace adv::testing
