@@ -166,7 +166,6 @@ private:
     void DrawDebug();
     void DrawEnd();
     std::function<void(AdventureGame&)> contentBuilder;
-    bool quitRequested = false;
 };
 
 } // namespace adv
