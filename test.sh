@@ -19,12 +19,13 @@ cmake --build build-clang-asan -j"$(nproc)"
 (cd build-clang-asan && ctest --output-on-failure -j"$(nproc)" "$@")
 
 # New inputs go to build-clang-asan/fuzz/corpus/<name>; the committed seeds stay as they are.
+# One input taking a minute is a hang; a loaded machine can stall one for seconds.
 for target in build-clang-asan/fuzz/fuzz_*; do
     name=$(basename "$target")
     name=${name#fuzz_}
     mkdir -p "build-clang-asan/fuzz/corpus/$name"
     echo "[fuzz] $name, ${FUZZ_SECONDS:-15} s"
-    (cd build-clang-asan/fuzz && "./fuzz_$name" -max_total_time="${FUZZ_SECONDS:-15}" -timeout=10 \
+    (cd build-clang-asan/fuzz && "./fuzz_$name" -max_total_time="${FUZZ_SECONDS:-15}" -timeout=60 \
         -rss_limit_mb=2048 -print_final_stats=1 "corpus/$name" "../../fuzz/corpus/$name" 2>"$name.log") ||
         { tail -60 "build-clang-asan/fuzz/$name.log"; exit 1; }
     grep -E "^stat::number_of_executed_units" "build-clang-asan/fuzz/$name.log" || true

@@ -32,10 +32,12 @@ game=$!
 trap 'kill "$game" 2>/dev/null || true; stop_xvfb; rm -rf "$data"' EXIT
 
 rss() { awk '/^VmRSS/ {print $2}' "/proc/$game/status" 2>/dev/null || echo 0; }
+# Minutes by the shell's own clock: a loaded machine stretches any count of sleeps.
+start=$SECONDS
 sleep 5
 echo "[soak] minute 0: $(rss) kB resident"
 for minute in $(seq 1 "$minutes"); do
-    for _ in $(seq 1 60); do
+    while [ $((SECONDS - start)) -lt $((minute * 60)) ]; do
         kill -0 "$game" 2>/dev/null || break 2
         sleep 1
     done
