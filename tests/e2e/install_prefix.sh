@@ -19,14 +19,7 @@ set -e
 cat err.txt >&2
 [ "$rc" -eq 0 ] || fail "exit status $rc"
 ! grep -q '^\[assets\]' err.txt || fail "assets not found"
-summary=$(python3 "$HERE/lib/png_pixels.py" OUT.png) || fail "PNG does not decode"
-echo "$summary"
-# At one second the logo stands in the middle of the black screen.
-case "$summary" in
-  "640 400 distinct=1 "*) fail "no logo on the black screen: $summary" ;;
-  "640 400 distinct="*" first=000000ff") ;;
-  *) fail "unexpected picture: $summary" ;;
-esac
+expect_logo_picture OUT.png
 
 "$WORK/prefix/games/torvane-sim" --seed=5 --levels=1 | grep -q '^{"level":1,' || fail "the installed simulator"
 echo OK

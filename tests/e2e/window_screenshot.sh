@@ -13,14 +13,7 @@ set -e
 cat err.txt >&2
 [ "$rc" -eq 0 ] || fail "exit status $rc"
 grep -qx '\[torvane\] Bildschirmfoto: OUT.png' err.txt || fail "no screenshot message"
-summary=$(python3 "$HERE/lib/png_pixels.py" OUT.png) || fail "PNG does not decode"
-echo "$summary"
-# At one second the logo stands at full opacity in the middle of a black screen.
-case "$summary" in
-  "640 400 distinct=1 "*) fail "no logo on the black screen: $summary" ;;
-  "640 400 distinct="*" first=000000ff") ;;
-  *) fail "unexpected picture: $summary" ;;
-esac
+expect_logo_picture OUT.png
 
 # Past the logo the frame is the screen background.
 "$BUILD/torvane" --windowed --skip-intro --exit-after=0.5 --screenshot=BG.png 2>/dev/null || fail "second run"

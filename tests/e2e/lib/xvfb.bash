@@ -51,3 +51,15 @@ fail() {
     echo "FAIL: $*" >&2
     exit 1
 }
+
+# The screenshot at one second: the logo in the middle of the black screen.
+expect_logo_picture() {
+    local summary
+    summary=$(python3 "$(dirname "${BASH_SOURCE[0]}")/png_pixels.py" "$1") || fail "PNG does not decode"
+    echo "$summary"
+    case "$summary" in
+      "640 400 distinct=1 "*) fail "no logo on the black screen: $summary" ;;
+      "640 400 distinct="*" first=000000ff") ;;
+      *) fail "unexpected picture: $summary" ;;
+    esac
+}
