@@ -600,7 +600,7 @@ void Volcanic(Scene& s) {
     s.AddOverlay(13, 1, Pixel(255, 200, 90), 1.0f, 14.0f);
 }
 
-struct Spec {
+struct Style {
     const char* name;
     void (*paint)(Scene&);
     float baseY;
@@ -608,7 +608,7 @@ struct Spec {
     bool planks;
 };
 
-const Spec kSpecs[5] = {
+const Style kStyles[5] = {
     {"torvane-bg-01-desert", Desert, 178, {216, 178, 122}, false},
     {"torvane-bg-02-highlands", Highlands, 178, {146, 100, 60}, true},
     {"torvane-bg-03-snowpass", Snowpass, 172, {124, 130, 140}, false},
@@ -619,21 +619,21 @@ const Spec kSpecs[5] = {
 } // namespace
 
 Landscape PaintLandscape(int index) {
-    const Spec& spec = kSpecs[index];
+    const Style& style = kStyles[index];
     Landscape L;
-    L.name = spec.name;
+    L.name = style.name;
     Scene s(L);
-    spec.paint(s);
-    const int stone = L.palette.Ramp({adv::canvas::Shade(spec.stone, 0.28f, 255), adv::canvas::Shade(spec.stone, 0.75f, 255),
-                                      spec.stone, adv::canvas::Shade(spec.stone, 1.3f, 255)},
+    style.paint(s);
+    const int stone = L.palette.Ramp({adv::canvas::Shade(style.stone, 0.28f, 255), adv::canvas::Shade(style.stone, 0.75f, 255),
+                                      style.stone, adv::canvas::Shade(style.stone, 1.3f, 255)},
                                      12);
     L.frame = FitFrame(index);
-    L.frame.baseY = spec.baseY;
+    L.frame.baseY = style.baseY;
     std::vector<int> shadowOf(256, -1);
     for (const auto& [first, n] : s.grounds)
         for (int i = first; i < first + n; ++i) shadowOf[static_cast<size_t>(i)] = std::max(first, i - 3);
     L.tower = L.plain.Copy();
-    PaintTower(L.tower, index, L.frame, stone, 12, 0, spec.planks, shadowOf);
+    PaintTower(L.tower, index, L.frame, stone, 12, 0, style.planks, shadowOf);
     std::set<int> keep;
     for (int i = stone; i < stone + 12; ++i) keep.insert(i);
     std::map<std::tuple<int, size_t>, int> ranges;
