@@ -257,8 +257,11 @@ std::shared_ptr<pge::Sprite> Battlement() {
     c::VerticalGradient(s, 0, 0, kRoomWidth, 110, Pixel(10, 12, 34), Pixel(60, 40, 78));
     std::uniform_int_distribution<int> sx(0, kRoomWidth - 1), sy(0, 80), bright(120, 255);
     for (int i = 0; i < 90; ++i) {
+        // One draw after the other, named: the order of a call's arguments is the compiler's.
         const uint8_t b = uint8_t(bright(rng));
-        c::Blend(s, sx(rng), sy(rng), Pixel(b, b, uint8_t(std::min(255, b + 20))));
+        const int y = sy(rng);
+        const int x = sx(rng);
+        c::Blend(s, x, y, Pixel(b, b, uint8_t(std::min(255, b + 20))));
     }
     c::FillCircle(s, {320, 30}, 10, Pixel(236, 232, 210));
     c::FillCircle(s, {325, 27}, 9, Pixel(14, 16, 40));
