@@ -4,16 +4,16 @@
 // program. Beside it lies an asset tree of their own, empty but for what a test puts
 // in, so that the game's real pictures (a title picture above all) change no test.
 #include "engine/Assets.h"
+#include "tests/ScratchPath.h"
 
 #include <cstdlib>
 #include <filesystem>
 #include <string>
-#include <unistd.h>
 
 namespace torvane::testing_support {
 
 inline std::string TestDataHome() {
-    return std::string(TORVANE_BINARY_DIR) + "/app_tests_data_" + std::to_string(getpid());
+    return scratch::Path("app_tests_data");
 }
 
 // The root of the tests' asset tree, found as the bundle beside a program in bin/.

@@ -4,6 +4,7 @@
 #include "engine/Mixer.h"
 #include "game/rules/Level.h"
 #include "pge/Headless.h"
+#include "tests/ScratchPath.h"
 
 #include <stb_image.h>
 #include <stb_image_write.h>
@@ -15,7 +16,6 @@
 #include <filesystem>
 #include <stdexcept>
 #include <string>
-#include <unistd.h>
 #include <vector>
 
 using torvane::ApplyRunOptions;
@@ -47,7 +47,7 @@ std::string ThrowMessage(std::vector<const char*> args) {
 }
 
 std::string TempPath(const std::string& name) {
-    return std::string(TORVANE_BINARY_DIR) + "/app_test_" + std::to_string(getpid()) + "_" + name;
+    return scratch::Path("app_test_" + name);
 }
 
 } // namespace

@@ -1,9 +1,9 @@
 #pragma once
 // Shared set-up for the content tests: a pack store in memory and a scratch folder.
 #include "game/content/PackStorage.h"
+#include "tests/ScratchPath.h"
 
 #include <filesystem>
-#include <unistd.h>
 #include <map>
 #include <memory>
 #include <string>
@@ -41,7 +41,7 @@ struct MemoryStore {
 
 // A fresh, empty folder under the build tree for one test.
 inline std::filesystem::path ScratchFolder(const std::string& name) {
-    const std::filesystem::path dir = std::filesystem::path(TORVANE_BINARY_DIR) / "content_scratch" / (name + "_" + std::to_string(getpid()));
+    const std::filesystem::path dir = scratch::Path("content_scratch/" + name);
     std::filesystem::remove_all(dir);
     std::filesystem::create_directories(dir);
     return dir;

@@ -4,6 +4,7 @@
 #include "game/content/Preferences.h"
 #include "game/rules/Lang.h"
 #include "game/rules/Level.h"
+#include "tests/ScratchPath.h"
 
 #include <gtest/gtest.h>
 
@@ -11,7 +12,6 @@
 #include <filesystem>
 #include <fstream>
 #include <random>
-#include <unistd.h>
 
 namespace torvane {
 namespace {
@@ -27,7 +27,7 @@ protected:
         language = CurrentLanguage();
         for (const char* name : {"XDG_DATA_HOME", "HOME"})
             if (const char* v = std::getenv(name)) env[name] = v;
-        base = fs::path(TORVANE_BINARY_DIR) / ("content_tests_" + std::to_string(getpid()));
+        base = fs::path(scratch::Path("content_tests"));
         fs::remove_all(base);
         fs::create_directories(base);
         setenv("XDG_DATA_HOME", base.c_str(), 1);

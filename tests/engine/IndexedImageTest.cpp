@@ -1,4 +1,5 @@
 #include "engine/IndexedImage.h"
+#include "tests/ScratchPath.h"
 #include <gtest/gtest.h>
 #include <algorithm>
 #include <cstdio>
@@ -6,7 +7,6 @@
 #include <memory>
 #include <random>
 #include <string>
-#include <unistd.h>
 
 namespace {
 
@@ -85,7 +85,7 @@ Bytes Png(const Bytes& idat, const Bytes& palette = Palette(256), Bytes header =
 // The bytes loaded as a file, into *image when given.
 bool Load(const Bytes& bytes, adv::IndexedImage* image = nullptr) {
     adv::IndexedImage local;
-    const std::string path = std::string(TORVANE_BINARY_DIR) + "/indexed_test_" + std::to_string(getpid()) + ".png";
+    const std::string path = scratch::Path("indexed_test") + ".png";
     std::ofstream(path, std::ios::binary).write(reinterpret_cast<const char*>(bytes.data()), std::streamsize(bytes.size()));
     const bool ok = (image ? *image : local).Load(path);
     std::remove(path.c_str());

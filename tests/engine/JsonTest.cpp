@@ -1,10 +1,10 @@
 #include "engine/Json.h"
+#include "tests/ScratchPath.h"
 #include <gtest/gtest.h>
 #include <cstdio>
 #include <fstream>
 #include <random>
 #include <string>
-#include <unistd.h>
 
 using adv::json::Value;
 
@@ -82,7 +82,7 @@ TEST(JsonValues, IntegersTruncateSaturateAndTakeNoNaN) {
 }
 
 TEST(JsonFiles, MissingBrokenAndRandomFiles) {
-    const std::string path = std::string(TORVANE_BINARY_DIR) + "/json_test_" + std::to_string(getpid()) + ".json";
+    const std::string path = scratch::Path("json_test") + ".json";
     Value v;
     std::string error;
     EXPECT_FALSE(adv::json::ParseFile(path + ".none", v, &error));

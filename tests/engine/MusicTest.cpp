@@ -2,10 +2,10 @@
 #include "engine/Assets.h"
 #include "engine/Sound.h"
 #include "tests/engine/AudioTestSupport.h"
+#include "tests/ScratchPath.h"
 #include <SDL.h>
 #include <gtest/gtest.h>
 #include <filesystem>
-#include <unistd.h>
 
 namespace {
 
@@ -39,7 +39,7 @@ protected:
     static std::vector<float> Render(size_t frames) { return audiotest::Render(*Music::Engine(), frames); }
     // The level of a tone in the 0.05 s window w of out (22 whole periods of 440 Hz).
     static double Level(const std::vector<float>& out, size_t w, double hz) { return audiotest::Level(out, w * 2205, 2205, hz, kRate); }
-    fs::path previous = fs::current_path(), dir = fs::path(TORVANE_BINARY_DIR) / ("music_test_" + std::to_string(getpid()));
+    fs::path previous = fs::current_path(), dir = fs::path(scratch::Path("music_test"));
 };
 
 } // namespace

@@ -1,4 +1,5 @@
 #include "engine/Screenshot.h"
+#include "tests/ScratchPath.h"
 
 #include <stb_image.h>
 
@@ -9,13 +10,12 @@
 #include <fstream>
 #include <iterator>
 #include <string>
-#include <unistd.h>
 #include <vector>
 
 namespace {
 
 std::string TempPath(const std::string& name) {
-    return std::string(TORVANE_BINARY_DIR) + "/shot_test_" + std::to_string(getpid()) + "_" + name;
+    return scratch::Path("shot_test_" + name);
 }
 
 std::vector<uint8_t> ReadFile(const std::string& path) {

@@ -1,4 +1,5 @@
 #include "pge/Decal.h"
+#include "tests/ScratchPath.h"
 
 #include <stb_image_write.h>
 
@@ -6,12 +7,11 @@
 
 #include <cstdio>
 #include <string>
-#include <unistd.h>
 
 namespace {
 
 std::string TempPath(const char* name) {
-    return std::string(TORVANE_BINARY_DIR) + "/decal_test_" + std::to_string(getpid()) + "_" + name;
+    return scratch::Path(std::string("decal_test_") + name);
 }
 
 } // namespace

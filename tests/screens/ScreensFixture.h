@@ -12,8 +12,6 @@
 #include <gtest/gtest.h>
 #include <stb_image_write.h>
 
-#include <unistd.h>
-
 #include <filesystem>
 #include <memory>
 #include <string>

@@ -9,10 +9,10 @@
 #include "pge/Headless.h"
 #include "tests/rules/RulesTestSupport.h"
 #include "tests/stage/ReferencePicture.h"
+#include "tests/ScratchPath.h"
 
 #include <gtest/gtest.h>
 
-#include <unistd.h>
 
 #include <cstdlib>
 #include <filesystem>
@@ -25,7 +25,7 @@ using Pixels = std::vector<pge::Pixel>;
 
 // A fresh asset tree below the build folder, made the asset root.
 inline std::string MakeAssetRoot(const std::string& name) {
-    const std::filesystem::path base = std::filesystem::path(TORVANE_BINARY_DIR) / "tower_view_tests" / (name + "_" + std::to_string(getpid()));
+    const std::filesystem::path base = scratch::Path("tower_view_tests/" + name);
     std::filesystem::remove_all(base);
     std::filesystem::create_directories(base / "bin");
     std::filesystem::create_directories(base / "Resources" / "assets" / "torvane");
