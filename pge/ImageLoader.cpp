@@ -4,6 +4,7 @@
 
 #include <stb_image.h>
 
+#include <cctype>
 #include <climits>
 #include <cstring>
 #include <filesystem>
@@ -38,6 +39,26 @@ bool HuffmanTablesSound(const uint8_t* bytes, size_t size) {
     return true;
 }
 
+// The decoder reads a binary PNM's samples without checking that the file holds them, and
+// a maximum above 255 doubles their size. A short file is refused before decoding.
+bool PnmSamplesPresent(const uint8_t* bytes, size_t size, int w, int h, int channels) {
+    if (size < 2 || bytes[0] != 'P' || (bytes[1] != '5' && bytes[1] != '6')) return true; // no binary PNM
+    size_t at = 2;
+    int64_t numbers[3] = {0, 0, 0};
+    for (int64_t& n : numbers) { // width, height, maximum; blanks and comments between them
+        while (at < size && (std::isspace(bytes[at]) || bytes[at] == '#')) {
+            if (bytes[at] == '#')
+                while (at < size && bytes[at] != '\n' && bytes[at] != '\r') ++at;
+            else
+                ++at;
+        }
+        for (; at < size && std::isdigit(bytes[at]) && n <= INT_MAX; ++at) n = n * 10 + (bytes[at] - '0');
+    }
+    ++at; // the one blank before the samples
+    const int64_t sample = numbers[2] > 255 ? 2 : 1;
+    return at <= size && int64_t(size - at) >= int64_t(w) * h * channels * sample;
+}
+
 } // namespace
 
 std::unique_ptr<ImageLoader> loader;
@@ -50,7 +71,7 @@ rcode DecodeImage(Sprite* spr, const uint8_t* bytes, size_t size) {
     int w = 0, h = 0, channels = 0;
     // The header's size first: a few bytes can announce gigabytes.
     if (!stbi_info_from_memory(bytes, int(size), &w, &h, &channels) || w < 1 || h < 1 || w > kMaxImageSide ||
-        h > kMaxImageSide || int64_t(w) * h > kMaxImagePixels)
+        h > kMaxImageSide || int64_t(w) * h > kMaxImagePixels || !PnmSamplesPresent(bytes, size, w, h, channels))
         return FAIL;
     stbi_uc* pixels = stbi_load_from_memory(bytes, int(size), &w, &h, &channels, 4);
     if (!pixels) return FAIL;

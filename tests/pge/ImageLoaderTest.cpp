@@ -59,6 +59,12 @@ TEST(ImageLoader, PicturesWithoutPixelsOrWithAbsurdSizesAreNotDecodable) {
     Bytes gif = {'G', 'I', 'F', '8', '9', 'a', 0xFF, 0xFF, 0xFF, 0xFF, 0, 0, 0,
                  0x2C, 0, 0, 0, 0, 1, 0, 1, 0, 0, 2, 2, 0x44, 0x01, 0, 0x3B};
     EXPECT_EQ(Decode(gif, sprite), pge::FAIL);
+    // A binary PNM that holds fewer samples than its header announces (two bytes each above 255).
+    const auto pnm = [](const std::string& text) { return Bytes(text.begin(), text.end()); };
+    EXPECT_EQ(Decode(pnm("P6666 26 6662"), sprite), pge::FAIL);
+    EXPECT_EQ(Decode(pnm("P6 2 1 65535\n" + std::string(11, 'x')), sprite), pge::FAIL);
+    EXPECT_EQ(Decode(pnm("P6 2 1 65535\n" + std::string(12, 'x')), sprite), pge::OK);
+    EXPECT_EQ(Decode(pnm("P5 # grey\n2 2 255\n" + std::string(4, 'x')), sprite), pge::OK);
     // Within the limits a BMP loads.
     bmp[22] = 2; // 2 rows
     for (int i = 23; i < 26; ++i) bmp[size_t(i)] = 0;
