@@ -3,25 +3,32 @@
 
 XVFB_PID=""
 
-# Xvfb picks a free display number itself (-displayfd), so scripts running side by
-# side never race for the same one.
+# Each script takes its own display number at random from a wide range. Numbers
+# handed out from the bottom (-displayfd alone) are reused as soon as another
+# script's server exits, and a server still shutting down can then remove the new
+# one's socket. -displayfd still tells when the server is ready.
 start_xvfb() {
-    local numberFile
-    numberFile=$(mktemp)
-    Xvfb -displayfd 3 -screen 0 1600x1000x24 -nolisten tcp 3>"$numberFile" >/dev/null 2>&1 &
-    XVFB_PID=$!
     trap stop_xvfb EXIT
-    local i n=""
-    for i in $(seq 1 200); do
-        n=$(tr -dc '0-9' < "$numberFile")
-        [ -n "$n" ] && break
-        kill -0 "$XVFB_PID" 2>/dev/null || break
-        sleep 0.05
+    local attempt i n numberFile ready
+    for attempt in $(seq 1 20); do
+        n=$(( 100 + RANDOM % 3900 ))
+        if [ -e "/tmp/.X${n}-lock" ] || [ -e "/tmp/.X11-unix/X${n}" ]; then continue; fi
+        numberFile=$(mktemp)
+        Xvfb ":$n" -displayfd 3 -screen 0 1600x1000x24 -nolisten tcp 3>"$numberFile" >/dev/null 2>&1 &
+        XVFB_PID=$!
+        ready=""
+        for i in $(seq 1 200); do
+            if [ -n "$(tr -dc '0-9' < "$numberFile")" ]; then ready=1; break; fi
+            kill -0 "$XVFB_PID" 2>/dev/null || break
+            sleep 0.05
+        done
+        rm -f "$numberFile"
+        [ -n "$ready" ] && break
+        stop_xvfb
     done
-    rm -f "$numberFile"
-    [ -n "$n" ] || fail "Xvfb did not start"
+    [ -n "$ready" ] || fail "Xvfb did not start"
     export DISPLAY=":${n}"
-    # The number comes as the server is ready; on a crowded machine, make sure it answers.
+    # On a crowded machine, make sure it answers.
     for i in $(seq 1 100); do
         xdpyinfo >/dev/null 2>&1 && break
         sleep 0.05
