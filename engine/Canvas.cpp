@@ -1,6 +1,7 @@
 #include "engine/Canvas.h"
 
 #include <algorithm>
+#include <climits>
 #include <cmath>
 #ifdef __SSE2__
 #include <emmintrin.h>
@@ -14,26 +15,40 @@ namespace {
 constexpr float kQuarter = 1.5708f;
 constexpr float kHalf = 3.1416f;
 
+// The directions of the outline's 20 points, five per corner, worked out once.
+struct CornerTurns {
+    float cos[20], sin[20];
+    CornerTurns() {
+        const float starts[4] = {-kQuarter, 0.0f, kQuarter, kHalf};
+        for (int k = 0; k < 20; ++k) {
+            const float angle = starts[k / 5] + float(k % 5) * kQuarter / 4.0f;
+            cos[k] = std::cos(angle);
+            sin[k] = std::sin(angle);
+        }
+    }
+};
+
 std::vector<pge::vf2d> RoundRectPath(float x, float y, float w, float h, float r) {
+    static const CornerTurns turns;
     r = std::max(std::min(r, std::min(w, h) / 2.0f), 0.0f);
-    struct Corner {
-        float cx, cy, start;
-    };
-    const Corner corners[4] = {{x + w - r, y + r, -kQuarter},
-                               {x + w - r, y + h - r, 0.0f},
-                               {x + r, y + h - r, kQuarter},
-                               {x + r, y + r, kHalf}};
+    const pge::vf2d centres[4] = {{x + w - r, y + r}, {x + w - r, y + h - r}, {x + r, y + h - r}, {x + r, y + r}};
     std::vector<pge::vf2d> path;
     path.reserve(20);
-    for (const Corner& c : corners)
-        for (int i = 0; i <= 4; ++i) {
-            const float angle = c.start + float(i) * kQuarter / 4.0f;
-            path.emplace_back(c.cx + r * std::cos(angle), c.cy + r * std::sin(angle));
-        }
+    for (int k = 0; k < 20; ++k)
+        path.emplace_back(centres[k / 5].x + r * turns.cos[k], centres[k / 5].y + r * turns.sin[k]);
     return path;
 }
 
 } // namespace
+
+Rect g_clip{INT_MIN, INT_MIN, INT_MAX, INT_MAX};
+
+ClipScope::ClipScope(Rect clip) : saved(g_clip) {
+    g_clip = {std::max(clip.x0, saved.x0), std::max(clip.y0, saved.y0), std::min(clip.x1, saved.x1),
+              std::min(clip.y1, saved.y1)};
+}
+
+ClipScope::~ClipScope() { g_clip = saved; }
 
 void BlendRun(pge::Pixel* at, int count, pge::Pixel c) {
     if (count <= 0 || c.a == 0) return;
@@ -72,11 +87,12 @@ void BlendRun(pge::Pixel* at, int count, pge::Pixel c) {
 
 namespace {
 
-// The span [x0, x1) of row y, clipped to the sprite.
+// The span [x0, x1) of row y, clipped to the drawable part of the sprite.
 void Span(pge::Sprite* sprite, int y, int x0, int x1, pge::Pixel colour) {
-    if (y < 0 || y >= sprite->height) return;
-    x0 = std::max(x0, 0);
-    x1 = std::min(x1, sprite->width);
+    const Rect b = Bounds(*sprite);
+    if (y < b.y0 || y >= b.y1) return;
+    x0 = std::max(x0, b.x0);
+    x1 = std::min(x1, b.x1);
     BlendRun(sprite->GetData() + size_t(y) * size_t(sprite->width) + size_t(x0), x1 - x0, colour);
 }
 
@@ -84,24 +100,34 @@ void Span(pge::Sprite* sprite, int y, int x0, int x1, pge::Pixel colour) {
 
 void FillRect(pge::Sprite* sprite, int x, int y, int w, int h, pge::Pixel colour) {
     if (!sprite) return;
-    const int x0 = std::max(x, 0), y0 = std::max(y, 0);
-    const int x1 = int(std::min<int64_t>(int64_t(x) + w, sprite->width));
-    const int y1 = int(std::min<int64_t>(int64_t(y) + h, sprite->height));
+    const Rect b = Bounds(*sprite);
+    const int x0 = std::max(x, b.x0), y0 = std::max(y, b.y0);
+    const int x1 = int(std::min<int64_t>(int64_t(x) + w, b.x1));
+    const int y1 = int(std::min<int64_t>(int64_t(y) + h, b.y1));
     for (int py = y0; py < y1; ++py) Span(sprite, py, x0, x1, colour);
 }
 
-void FillEllipse(pge::Sprite* sprite, pge::vf2d c, float rx, float ry, pge::Pixel colour) {
-    if (!sprite || !(rx > 0.0f) || !(ry > 0.0f)) return;
-    const int y0 = int(std::max(std::floor(c.y - ry), 0.0f));
-    const int y1 = int(std::min(std::ceil(c.y + ry), float(sprite->height - 1)));
+void EllipseSpans(pge::vf2d c, float rx, float ry, Rect b, std::vector<RowSpan>& out) {
+    if (!(rx > 0.0f) || !(ry > 0.0f)) return;
+    const int y0 = int(std::max(std::floor(c.y - ry), float(b.y0)));
+    const int y1 = int(std::min(std::ceil(c.y + ry), float(b.y1 - 1)));
     for (int y = y0; y <= y1; ++y) {
         const float t = (float(y) + 0.5f - c.y) / ry;
         if (t * t >= 1.0f) continue;
         const float s = std::sqrt(1.0f - t * t);
-        const int x0 = int(std::max(std::ceil(c.x - s * rx - 0.5f), 0.0f));
-        const int x1 = int(std::min(std::ceil(c.x + s * rx - 0.5f), float(sprite->width)));
-        Span(sprite, y, x0, x1, colour);
+        const int x0 = int(std::max(std::ceil(c.x - s * rx - 0.5f), float(b.x0)));
+        const int x1 = int(std::min(std::ceil(c.x + s * rx - 0.5f), float(b.x1)));
+        if (x1 > x0) out.push_back({y, x0, x1});
     }
+}
+
+void FillEllipse(pge::Sprite* sprite, pge::vf2d c, float rx, float ry, pge::Pixel colour) {
+    if (!sprite) return;
+    thread_local std::vector<RowSpan> spans;
+    spans.clear();
+    EllipseSpans(c, rx, ry, Bounds(*sprite), spans);
+    for (const RowSpan& r : spans)
+        BlendRun(sprite->GetData() + size_t(r.y) * size_t(sprite->width) + size_t(r.x0), r.x1 - r.x0, colour);
 }
 
 void FillCircle(pge::Sprite* sprite, pge::vf2d centre, float r, pge::Pixel colour) {
@@ -112,13 +138,20 @@ void DrawSprite(pge::Sprite* sprite, const pge::Sprite* source, int dx, int dy, 
                 bool flip, float alpha) {
     if (!sprite || !source || h < 1) return;
     const float scale = std::max(alpha, 0.0f);
-    for (int j = 0; j < h; ++j)
+    // A plain source is read in place: outside it every pixel is blank and so skipped.
+    const bool plain = source->modeSample == pge::Sprite::NORMAL;
+    for (int j = 0; j < h; ++j) {
+        if (plain && (sy + j < 0 || sy + j >= source->height)) continue;
+        const pge::Pixel* row = source->GetData() + (plain ? size_t(sy + j) * size_t(source->width) : 0);
         for (int i = 0; i < w; ++i) {
-            pge::Pixel p = source->GetPixel(flip ? sx + (w - 1 - i) : sx + i, sy + j);
+            const int x = flip ? sx + (w - 1 - i) : sx + i;
+            if (plain && (x < 0 || x >= source->width)) continue;
+            pge::Pixel p = plain ? row[x] : source->GetPixel(x, sy + j);
             if (p.a == 0) continue;
             if (alpha < 1.0f) p.a = uint8_t(float(p.a) * scale);
             Blend(sprite, dx + i, dy + j, p);
         }
+    }
 }
 
 std::unique_ptr<pge::Sprite> Downscale(const pge::Sprite& source, int w, int h) {
@@ -172,8 +205,9 @@ void VerticalGradient(pge::Sprite* sprite, int x, int y, int w, int h, pge::Pixe
 
 void RadialGradient(pge::Sprite* sprite, pge::vf2d c, float inner, float outer, pge::Pixel from, pge::Pixel to) {
     if (!sprite || !(outer > inner)) return;
-    const int x0 = std::max(int(c.x - outer), 0), x1 = std::min(int(c.x + outer), sprite->width - 1);
-    const int y0 = std::max(int(c.y - outer), 0), y1 = std::min(int(c.y + outer), sprite->height - 1);
+    const Rect b = Bounds(*sprite);
+    const int x0 = std::max(int(c.x - outer), b.x0), x1 = std::min(int(c.x + outer), b.x1 - 1);
+    const int y0 = std::max(int(c.y - outer), b.y0), y1 = std::min(int(c.y + outer), b.y1 - 1);
     for (int y = y0; y <= y1; ++y)
         for (int x = x0; x <= x1; ++x) {
             const float d = std::hypot(float(x) + 0.5f - c.x, float(y) + 0.5f - c.y);
@@ -215,8 +249,9 @@ void FillPoints(pge::Sprite* sprite, const pge::vf2d* points, size_t count, pge:
         minY = std::min(minY, p.y);
         maxY = std::max(maxY, p.y);
     }
-    const int y0 = int(std::max(std::floor(minY), 0.0f));
-    const int y1 = int(std::min(std::ceil(maxY), float(sprite->height - 1)));
+    const Rect b = Bounds(*sprite);
+    const int y0 = int(std::max(std::floor(minY), float(b.y0)));
+    const int y1 = int(std::min(std::ceil(maxY), float(b.y1 - 1)));
     // Each edge visits only the rows it spans, rather than every row testing every edge;
     // the crossings are then grouped by row, bucket by bucket, and sorted within a row.
     struct Crossing {
@@ -260,8 +295,8 @@ void FillPoints(pge::Sprite* sprite, const pge::vf2d* points, size_t count, pge:
             std::sort(row, row + n);
         }
         for (int k = 0; k + 1 < n; k += 2) {
-            const int x0 = int(std::max(std::ceil(row[k] - 0.5f), 0.0f));
-            const int x1 = int(std::min(std::ceil(row[k + 1] - 0.5f), float(sprite->width)));
+            const int x0 = int(std::max(std::ceil(row[k] - 0.5f), float(b.x0)));
+            const int x1 = int(std::min(std::ceil(row[k + 1] - 0.5f), float(b.x1)));
             if (!mask)
                 Span(sprite, y, x0, x1, colour);
             else
@@ -272,6 +307,14 @@ void FillPoints(pge::Sprite* sprite, const pge::vf2d* points, size_t count, pge:
     }
 }
 
+// Whether a line from a to b of this width stays clear of the rectangle; a margin covers
+// its square ends and the rounding to pixels.
+bool Misses(const Rect& r, pge::vf2d a, pge::vf2d b, float width) {
+    const float reach = std::max(width, 1.0f) + 1.0f;
+    return std::max(a.x, b.x) + reach < float(r.x0) || std::min(a.x, b.x) - reach > float(r.x1) ||
+           std::max(a.y, b.y) + reach < float(r.y0) || std::min(a.y, b.y) - reach > float(r.y1);
+}
+
 } // namespace
 
 void FillPolygon(pge::Sprite* sprite, const std::vector<pge::vf2d>& points, pge::Pixel colour, const Mask& mask) {
@@ -279,7 +322,8 @@ void FillPolygon(pge::Sprite* sprite, const std::vector<pge::vf2d>& points, pge:
 }
 
 void Line(pge::Sprite* sprite, pge::vf2d a, pge::vf2d b, pge::Pixel colour, float width, const Mask& mask) {
-    if (!sprite) return;
+    // Nothing to do for a line wholly outside the drawable part (a clipped redraw visits many).
+    if (!sprite || Misses(Bounds(*sprite), a, b, width)) return;
     const float dx = b.x - a.x, dy = b.y - a.y;
     if (width <= 1.01f) {
         const int n = std::max(int(std::ceil(std::max(std::fabs(dx), std::fabs(dy)))), 1);
@@ -321,6 +365,7 @@ void Polyline(pge::Sprite* sprite, const std::vector<pge::vf2d>& points, pge::Pi
         return;
     }
     const float period = dash + std::max(gap, 0.0f);
+    const Rect bounds = Bounds(*sprite);
     float phase = 0.0f;
     for (const auto& segment : segments) {
         // Named references, not a structured binding: the lambda below captures them.
@@ -329,6 +374,11 @@ void Polyline(pge::Sprite* sprite, const std::vector<pge::vf2d>& points, pge::Pi
         const float dx = b.x - a.x, dy = b.y - a.y;
         const float length = std::sqrt(dx * dx + dy * dy);
         if (length < 0.0001f) continue;
+        // A segment wholly outside the drawable part only moves the pattern on.
+        if (Misses(bounds, a, b, width)) {
+            phase = std::fmod(length + phase, period);
+            continue;
+        }
         const auto at = [&](float s) { return pge::vf2d(a.x + dx * s / length, a.y + dy * s / length); };
         float pos = 0.0f;
         while (pos < length) {

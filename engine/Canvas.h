@@ -23,10 +23,36 @@ inline pge::Pixel Over(pge::Pixel d, pge::Pixel c) {
                       uint8_t((d.b * keep + c.b * a) / 255), uint8_t(d.a + (255 - d.a) * a / 255));
 }
 
+// A rectangle of pixels from (x0, y0) up to, not including, (x1, y1).
+struct Rect {
+    int x0 = 0, y0 = 0, x1 = 0, y1 = 0;
+};
+
+// Where drawing may touch any sprite: everywhere, unless a ClipScope says otherwise.
+extern Rect g_clip;
+
+// While it lives, drawing reaches only the pixels of one rectangle, each exactly as it would
+// without the clip: a part of a picture can so be drawn again on its own.
+struct ClipScope {
+    explicit ClipScope(Rect clip);
+    ~ClipScope();
+    ClipScope(const ClipScope&) = delete;
+    ClipScope& operator=(const ClipScope&) = delete;
+    Rect saved;
+};
+
+// The part of a sprite that drawing may touch now.
+inline Rect Bounds(const pge::Sprite& sprite) {
+    return {g_clip.x0 > 0 ? g_clip.x0 : 0, g_clip.y0 > 0 ? g_clip.y0 : 0,
+            g_clip.x1 < sprite.width ? g_clip.x1 : sprite.width, g_clip.y1 < sprite.height ? g_clip.y1 : sprite.height};
+}
+
 // Alpha 0 leaves the pixel, 255 overwrites it (alpha included), anything between composites.
 // Inline: the wall and the shapes call it tens of thousands of times a frame.
 inline void Blend(pge::Sprite* sprite, int x, int y, pge::Pixel colour) {
-    if (!sprite || x < 0 || y < 0 || x >= sprite->width || y >= sprite->height || colour.a == 0) return;
+    if (!sprite || colour.a == 0) return;
+    const Rect b = Bounds(*sprite);
+    if (x < b.x0 || y < b.y0 || x >= b.x1 || y >= b.y1) return;
     pge::Pixel& d = sprite->GetData()[size_t(y) * size_t(sprite->width) + size_t(x)];
     d = colour.a == 255 ? colour : Over(d, colour);
 }
@@ -35,6 +61,13 @@ inline void Blend(pge::Sprite* sprite, int x, int y, pge::Pixel colour) {
 // the span writer under every filled shape, exactly Blend pixel by pixel.
 void BlendRun(pge::Pixel* at, int count, pge::Pixel colour);
 void FillRect(pge::Sprite* sprite, int x, int y, int w, int h, pge::Pixel colour);
+// One row's run of pixels from x0 up to, not including, x1.
+struct RowSpan {
+    int y = 0, x0 = 0, x1 = 0;
+    bool operator==(const RowSpan& o) const { return y == o.y && x0 == o.x0 && x1 == o.x1; }
+};
+// Appends the rows of pixels within bounds that FillEllipse covers, top to bottom.
+void EllipseSpans(pge::vf2d centre, float rx, float ry, Rect bounds, std::vector<RowSpan>& out);
 void FillEllipse(pge::Sprite* sprite, pge::vf2d centre, float rx, float ry, pge::Pixel colour);
 void FillCircle(pge::Sprite* sprite, pge::vf2d centre, float r, pge::Pixel colour);
 // Copies a w by h block from (sx, sy) of the source to (dx, dy), mirrored when flip is set,

@@ -152,3 +152,67 @@ TEST(CanvasBlend, RunsCompositeLikeSinglePixels) {
             }
         }
 }
+
+// Under a clip every shape leaves, inside the rectangle, exactly what it leaves without one,
+// and nothing outside: a part of a picture can be drawn again on its own.
+TEST(CanvasClip, ClippedDrawingIsTheWholeDrawingCutToTheRectangle) {
+    const int w = 64, h = 48;
+    pge::Sprite ground(w, h);
+    uint32_t seed = 7;
+    for (pge::Pixel& p : ground.pColData) p.n = seed = seed * 1664525u + 1013904223u;
+    pge::Sprite stamp(9, 7);
+    for (pge::Pixel& p : stamp.pColData) p.n = seed = seed * 1664525u + 1013904223u;
+    const pge::Pixel glass(200, 90, 30, 140);
+    const std::vector<pge::vf2d> star = {{5, 3}, {40, 10}, {12, 20}, {50, 40}, {3, 44}, {30, 25}};
+    const std::vector<std::pair<const char*, std::function<void(S)>>> shapes = {
+        {"rect", [&](S s) { canvas::FillRect(s, -3, 5, 40, 30, glass); }},
+        {"ellipse", [&](S s) { canvas::FillEllipse(s, {30.3f, 22.7f}, 25.0f, 14.5f, glass); }},
+        {"polygon", [&](S s) { canvas::FillPolygon(s, star, glass); }},
+        {"masked polygon", [&](S s) { canvas::FillPolygon(s, star, glass, Checker); }},
+        {"thin line", [&](S s) { canvas::Line(s, {2.5f, 40.0f}, {61.0f, 3.2f}, glass); }},
+        {"wide line", [&](S s) { canvas::Line(s, {2.5f, 40.0f}, {61.0f, 3.2f}, glass, 3.5f); }},
+        {"dashes", [&](S s) { canvas::Polyline(s, star, glass, 1.0f, true, 4.0f, 3.0f); }},
+        {"wide dashes", [&](S s) { canvas::Polyline(s, star, glass, 2.0f, false, 5.0f, 2.0f, Checker); }},
+        {"round rect", [&](S s) { canvas::StrokeRoundRect(s, 6.0f, 4.0f, 50.0f, 30.0f, 8.0f, glass, 2.0f); }},
+        {"gradient", [&](S s) { canvas::RadialGradient(s, {20.0f, 20.0f}, 4.0f, 30.0f, glass, pge::Pixel(0, 0, 0, 0)); }},
+        {"sprite", [&](S s) { canvas::DrawSprite(s, &stamp, 26, 20, 0, 0, 9, 7, true, 0.6f); }},
+        {"pixels", [&](S s) {
+             for (int i = 0; i < 200; ++i) canvas::Blend(s, i % 70 - 3, i / 4, glass);
+         }},
+    };
+    const canvas::Rect rects[] = {{10, 8, 40, 30}, {-5, -5, 20, 70}, {30, 0, 64, 1}, {20, 20, 20, 30}, {60, 40, 90, 90}};
+    for (const auto& [name, draw] : shapes) {
+        pge::Sprite whole(w, h);
+        whole.pColData = ground.pColData;
+        draw(&whole);
+        ASSERT_NE(whole.pColData, ground.pColData) << name << " draws nothing";
+        for (const canvas::Rect& r : rects) {
+            pge::Sprite part(w, h);
+            part.pColData = ground.pColData;
+            {
+                const canvas::ClipScope clip(r);
+                draw(&part);
+            }
+            for (int y = 0; y < h; ++y)
+                for (int x = 0; x < w; ++x) {
+                    const bool inside = x >= r.x0 && x < r.x1 && y >= r.y0 && y < r.y1;
+                    ASSERT_EQ(part.GetPixel(x, y), (inside ? whole : ground).GetPixel(x, y))
+                        << name << " at " << x << "," << y << " clipped to " << r.x0 << "," << r.y0 << "-" << r.x1
+                        << "," << r.y1;
+                }
+        }
+    }
+    // Clips nest as the intersection, and the outer one is back when the inner ends.
+    {
+        const canvas::ClipScope outer({0, 0, 20, 20});
+        {
+            const canvas::ClipScope inner({10, 10, 40, 40});
+            EXPECT_EQ(canvas::Bounds(ground).x0, 10);
+            EXPECT_EQ(canvas::Bounds(ground).x1, 20);
+        }
+        EXPECT_EQ(canvas::Bounds(ground).x0, 0);
+        EXPECT_EQ(canvas::Bounds(ground).y1, 20);
+    }
+    EXPECT_EQ(canvas::Bounds(ground).x1, w);
+    EXPECT_EQ(canvas::Bounds(ground).y1, h);
+}
