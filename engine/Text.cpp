@@ -146,6 +146,89 @@ void Paint(pge::Sprite* target, const std::vector<pge::vi2d>& lit, int x, int y,
             canvas::FillRect(target, x + p.x, y + p.y, scale, scale, colour);
 }
 
+// How often each pixel about a line of text is drawn: by the eight outline passes, and by
+// the fill. Made once per text and kept, for labels come back every frame.
+struct Stamp {
+    int x0 = 0, y0 = 0, w = 0, h = 0; // the box, relative to the text's position
+    std::vector<uint8_t> outline, fill;
+};
+
+const Stamp& StampOf(pge::PixelEngine& engine, const std::string& text, int scale) {
+    struct Kept {
+        const pge::Sprite* font;
+        int scale;
+        std::string text;
+        Stamp stamp;
+    };
+    thread_local std::vector<Kept> kept;
+    const pge::Sprite* font = engine.GetFontSprite();
+    for (const Kept& k : kept)
+        if (k.font == font && k.scale == scale && k.text == text) return k.stamp;
+    if (kept.size() >= 64) kept.clear(); // labels come and go; a few dozen are in use at a time
+    const std::vector<pge::vi2d>& lit = Lit(engine, text, scale);
+    Stamp stamp;
+    if (!lit.empty()) {
+        int x0 = lit[0].x, y0 = lit[0].y, x1 = x0, y1 = y0;
+        for (const pge::vi2d& p : lit) {
+            x0 = std::min(x0, p.x), y0 = std::min(y0, p.y);
+            x1 = std::max(x1, p.x + scale), y1 = std::max(y1, p.y + scale);
+        }
+        stamp = {x0 - 1, y0 - 1, x1 - x0 + 2, y1 - y0 + 2, {}, {}};
+        stamp.outline.assign(size_t(stamp.w) * size_t(stamp.h), 0);
+        stamp.fill.assign(stamp.outline.size(), 0);
+        const auto cover = [&](std::vector<uint8_t>& counts, int x, int y) {
+            for (int j = 0; j < scale; ++j)
+                for (int i = 0; i < scale; ++i)
+                    ++counts[size_t(y + j - stamp.y0) * size_t(stamp.w) + size_t(x + i - stamp.x0)];
+        };
+        for (int dy = -1; dy <= 1; ++dy)
+            for (int dx = -1; dx <= 1; ++dx)
+                if (dx != 0 || dy != 0)
+                    for (const pge::vi2d& p : lit) cover(stamp.outline, p.x + dx, p.y + dy);
+        for (const pge::vi2d& p : lit) cover(stamp.fill, p.x, p.y);
+    }
+    kept.push_back({font, scale, text, std::move(stamp)});
+    return kept.back().stamp;
+}
+
+// A colour composited n times over each possible channel value, for n up to 8: what the
+// outline's overlapping passes do to a pixel, looked up instead of repeated.
+struct Repeated {
+    uint32_t colour = 0;
+    uint8_t table[8][4][256];
+};
+
+const Repeated& RepeatedOf(pge::Pixel c) {
+    thread_local std::vector<Repeated> kept;
+    for (const Repeated& r : kept)
+        if (r.colour == c.n) return r;
+    if (kept.size() >= 4) kept.erase(kept.begin());
+    kept.emplace_back();
+    Repeated& r = kept.back();
+    r.colour = c.n;
+    for (int v = 0; v < 256; ++v) {
+        const uint8_t u = uint8_t(v);
+        pge::Pixel p(u, u, u, u);
+        for (int n = 0; n < 8; ++n) {
+            p = canvas::Over(p, c);
+            r.table[n][0][v] = p.r, r.table[n][1][v] = p.g, r.table[n][2][v] = p.b, r.table[n][3][v] = p.a;
+        }
+    }
+    return r;
+}
+
+// The pixel with the colour composited `times` times, exactly as Blend would do it.
+pge::Pixel Repeat(pge::Pixel d, pge::Pixel c, int times, const Repeated* table) {
+    if (times == 0 || c.a == 0) return d;
+    if (c.a == 255) return c;
+    if (table && times <= 8) {
+        const auto& t = table->table[times - 1];
+        return pge::Pixel(t[0][d.r], t[1][d.g], t[2][d.b], t[3][d.a]);
+    }
+    for (int k = 0; k < times; ++k) d = canvas::Over(d, c);
+    return d;
+}
+
 } // namespace
 
 int Width(pge::PixelEngine&, const std::string& text, int scale) {
@@ -166,11 +249,24 @@ void DrawOutlined(pge::PixelEngine& engine, int x, int y, const std::string& tex
     if (align == Align::Centre) x -= Width(engine, text, scale) / 2;
     if (align == Align::Right) x -= Width(engine, text, scale);
     pge::Sprite* target = engine.GetDrawTarget();
-    const std::vector<pge::vi2d>& lit = Lit(engine, text, scale);
-    for (int dy = -1; dy <= 1; ++dy)
-        for (int dx = -1; dx <= 1; ++dx)
-            if (dx != 0 || dy != 0) Paint(target, lit, x + dx, y + dy, scale, outline);
-    Paint(target, lit, x, y, scale, colour);
+    if (!target) return;
+    // Each pixel takes the outline as often as the passes reach it, then the fill: the
+    // outline's colour is the same in every pass, so the order among them does not matter.
+    const Stamp& stamp = StampOf(engine, text, scale);
+    const bool translucent = outline.a != 0 && outline.a != 255;
+    const Repeated* table = translucent ? &RepeatedOf(outline) : nullptr;
+    const canvas::Rect b = canvas::Bounds(*target);
+    const int i0 = std::max(0, b.x0 - (x + stamp.x0)), i1 = std::min(stamp.w, b.x1 - (x + stamp.x0));
+    const int j0 = std::max(0, b.y0 - (y + stamp.y0)), j1 = std::min(stamp.h, b.y1 - (y + stamp.y0));
+    for (int j = j0; j < j1; ++j) {
+        pge::Pixel* row = target->GetData() + size_t(y + stamp.y0 + j) * size_t(target->width) + (x + stamp.x0);
+        const uint8_t* outlines = stamp.outline.data() + size_t(j) * size_t(stamp.w);
+        const uint8_t* fills = stamp.fill.data() + size_t(j) * size_t(stamp.w);
+        for (int i = i0; i < i1; ++i) {
+            if (outlines[i] == 0 && fills[i] == 0) continue;
+            row[i] = Repeat(Repeat(row[i], outline, outlines[i], table), colour, fills[i], nullptr);
+        }
+    }
 }
 
 std::vector<std::string> Wrap(pge::PixelEngine& engine, const std::string& text, int maxWidth, int scale) {
