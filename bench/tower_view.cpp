@@ -2,6 +2,7 @@
 // and the attack phase (also under heavy fire), five classic towers, and a paletted
 // background that cycles.
 #include "engine/Assets.h"
+#include "game/rules/Impacts.h"
 #include "game/rules/Pieces.h"
 #include "game/stage/RingCamera.h"
 #include "game/stage/TowerView.h"
@@ -99,8 +100,9 @@ Game AttackedRing() {
     return g;
 }
 
-// A hole in the focus and a ball in flight (fired long ago, hitting far ahead, so that
-// it stays half way), with everything the stage draws over them.
+// A hole in the focus, its fuse kept burning with two seconds and more to go, and a ball in
+// flight (fired long ago, hitting far ahead, so that it stays half way), with everything the
+// stage draws over them.
 void BM_RingAttack(benchmark::State& state) {
     Game g = AttackedRing();
     const int line = g.config.line;
@@ -116,7 +118,9 @@ void BM_RingAttack(benchmark::State& state) {
     if (aimId != 0) g.targets.push_back(Target{1, aimId, 0, -1e5f, 1e5f, g.pieces.at(aimId).cells, {}});
     RingCamera camera;
     camera.Update(g, 0.0f);
-    RunFrames(state, g, camera.angle);
+    RunFrames(state, g, camera.angle, [&g](TowerView&) {
+        for (Hole& hole : g.holes) hole.collapseAt = g.clock + kFuseSeconds - 0.5f;
+    });
 }
 BENCHMARK(BM_RingAttack)->Unit(benchmark::kMillisecond);
 

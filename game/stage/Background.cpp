@@ -102,6 +102,7 @@ void TowerView::BuildBackground(const Game& game, const Layout& lay) {
 
     backgroundLevel = game.level;
     cachedStage = lay.stage;
+    skyValid = false;
 }
 
 void TowerView::BuildPaintedBackground(const Game& game, const Layout& lay) {
@@ -171,22 +172,33 @@ void TowerView::DrawBackground(pge::PixelEngine& engine, const Game& game, const
     }
 
     pge::Sprite* target = engine.GetDrawTarget();
+    if (!target) return;
     const StageRect& stage = lay.stage;
-    if (target && stage.x >= 0) {
-        const int n = std::min(stage.w, target->width - stage.x);
-        for (int y = 0; y < background->height && n > 0; ++y) {
-            const int ty = stage.y + y;
-            if (ty < 0 || ty >= target->height) continue;
-            std::memcpy(target->GetData() + static_cast<size_t>(ty) * static_cast<size_t>(target->width) +
-                            static_cast<size_t>(stage.x),
-                        background->GetData() + static_cast<size_t>(y) * static_cast<size_t>(background->width),
-                        static_cast<size_t>(n) * sizeof(pge::Pixel));
-        }
+    // Where the stage's picture goes: rows and columns of the stage within the target.
+    const int n = std::min(stage.w, target->width - stage.x);
+    const adv::canvas::Rect inside = stage.x >= 0 && n > 0
+                                         ? adv::canvas::Rect{stage.x, std::max(stage.y, 0), stage.x + n,
+                                                             std::min(stage.y + background->height, target->height)}
+                                         : adv::canvas::Rect{};
+    const pge::Sprite* picture = background.get();
+    if (!painted) {
+        DrawClouds(*target, lay, time, inside);
+        picture = sky.get();
     }
-    if (painted) return; // images carry their own sky
+    for (int ty = inside.y0; ty < inside.y1; ++ty)
+        std::memcpy(target->GetData() + static_cast<size_t>(ty) * static_cast<size_t>(target->width) +
+                        static_cast<size_t>(stage.x),
+                    picture->GetData() + static_cast<size_t>(ty - stage.y) * static_cast<size_t>(picture->width),
+                    static_cast<size_t>(n) * sizeof(pge::Pixel));
+}
 
-    const pge::Pixel colour = ThemeFor(game.level).cloud;
+void TowerView::DrawClouds(pge::Sprite& target, const Layout& lay, float time, adv::canvas::Rect inside) {
+    namespace cv = adv::canvas;
+    const pge::Pixel colour = ThemeFor(backgroundLevel).cloud;
+    const StageRect& stage = lay.stage;
     const float W = static_cast<float>(stage.w), H = static_cast<float>(stage.h);
+    std::vector<cv::RowSpan>& drawn = cloudScratch; // in the order drawn
+    drawn.clear();
     for (const Cloud& c : clouds) {
         const float px = std::fmod(c.x + c.speed * time, 1.4f) - 0.2f;
         const float bx = static_cast<float>(stage.x) + px * W;
@@ -195,7 +207,97 @@ void TowerView::DrawBackground(pge::PixelEngine& engine, const Game& game, const
         static const float kPuffs[4][4] = {
             {0.0f, 0.0f, 1.6f, 0.55f}, {-0.8f, 0.12f, 0.9f, 0.42f}, {0.85f, 0.14f, 1.0f, 0.4f}, {0.1f, -0.25f, 0.8f, 0.45f}};
         for (const auto& p : kPuffs)
-            adv::canvas::FillEllipse(target, {bx + p[0] * r, by + p[1] * r}, p[2] * r, p[3] * r, colour);
+            cv::EllipseSpans({bx + p[0] * r, by + p[1] * r}, p[2] * r, p[3] * r, cv::Bounds(target), drawn);
+    }
+    // By row, in the order drawn within a row (counted out, not sorted). One colour for all:
+    // a pixel's colour depends only on how many spans cover it.
+    const cv::Rect bounds = cv::Bounds(target);
+    std::vector<int32_t>& rowStart = cloudRows;
+    rowStart.assign(static_cast<size_t>(std::max(bounds.y1 - bounds.y0, 0)) + 1, 0);
+    for (const cv::RowSpan& r : drawn) ++rowStart[static_cast<size_t>(r.y - bounds.y0) + 1];
+    for (size_t y = 1; y < rowStart.size(); ++y) rowStart[y] += rowStart[y - 1];
+    std::vector<cv::RowSpan> spans(drawn.size());
+    for (const cv::RowSpan& r : drawn) spans[static_cast<size_t>(rowStart[static_cast<size_t>(r.y - bounds.y0)]++)] = r;
+
+    // The stage's part lives in the sky, the background with the clouds on it; only its rows
+    // whose spans changed since the last frame are made anew.
+    if (!sky || sky->width != background->width || sky->height != background->height) {
+        sky = std::make_unique<pge::Sprite>(background->width, background->height);
+        skyValid = false;
+    }
+    const auto skyRow = [&](int ty) {
+        return sky->GetData() + static_cast<size_t>(ty - stage.y) * static_cast<size_t>(sky->width) -
+               static_cast<ptrdiff_t>(stage.x);
+    };
+    const auto backgroundRow = [&](int ty) {
+        return background->GetData() + static_cast<size_t>(ty - stage.y) * static_cast<size_t>(background->width) -
+               static_cast<ptrdiff_t>(stage.x);
+    };
+    // Row ty from x0 to x1 of the stage: the background there with the row's spans laid on it.
+    const auto paint = [&](int ty, int x0, int x1, const cv::RowSpan* from, const cv::RowSpan* to) {
+        std::memcpy(skyRow(ty) + x0, backgroundRow(ty) + x0, static_cast<size_t>(x1 - x0) * sizeof(pge::Pixel));
+        for (const cv::RowSpan* r = from; r != to; ++r) {
+            const int a = std::max(r->x0, x0), b = std::min(r->x1, x1);
+            if (b > a) cv::BlendRun(skyRow(ty) + a, b - a, colour);
+        }
+    };
+    const auto rowEnd = [](const std::vector<cv::RowSpan>& list, size_t i) {
+        size_t j = i;
+        while (j < list.size() && list[j].y == list[i].y) ++j;
+        return j;
+    };
+    if (!skyValid) {
+        for (int ty = inside.y0; ty < inside.y1; ++ty) paint(ty, inside.x0, inside.x1, nullptr, nullptr);
+        for (size_t i = 0; i < spans.size();) {
+            const size_t j = rowEnd(spans, i);
+            if (spans[i].y >= inside.y0 && spans[i].y < inside.y1)
+                paint(spans[i].y, inside.x0, inside.x1, spans.data() + i, spans.data() + j);
+            i = j;
+        }
+    } else {
+        // Both lists are walked row by row; where a row's count of covering spans changed,
+        // it is painted anew.
+        std::vector<std::pair<int, int>> steps; // x, change of (new count - old count)
+        size_t i = 0, k = 0;
+        while (i < spans.size() || k < skySpans.size()) {
+            const int y = i < spans.size() && (k >= skySpans.size() || spans[i].y <= skySpans[k].y) ? spans[i].y
+                                                                                                 : skySpans[k].y;
+            const size_t i1 = i < spans.size() && spans[i].y == y ? rowEnd(spans, i) : i;
+            const size_t k1 = k < skySpans.size() && skySpans[k].y == y ? rowEnd(skySpans, k) : k;
+            const bool same = i1 - i == k1 - k && std::equal(spans.begin() + static_cast<ptrdiff_t>(i),
+                                                             spans.begin() + static_cast<ptrdiff_t>(i1),
+                                                             skySpans.begin() + static_cast<ptrdiff_t>(k));
+            if (!same && y >= inside.y0 && y < inside.y1) {
+                steps.clear();
+                for (size_t m = i; m < i1; ++m) steps.emplace_back(spans[m].x0, 1), steps.emplace_back(spans[m].x1, -1);
+                for (size_t m = k; m < k1; ++m)
+                    steps.emplace_back(skySpans[m].x0, -1), steps.emplace_back(skySpans[m].x1, 1);
+                std::sort(steps.begin(), steps.end());
+                int difference = 0;
+                for (size_t m = 0; m < steps.size(); ++m) {
+                    difference += steps[m].second;
+                    if (difference == 0 || m + 1 == steps.size()) continue;
+                    // Changed from here to the next step.
+                    const int x0 = std::max(steps[m].first, inside.x0), x1 = std::min(steps[m + 1].first, inside.x1);
+                    if (x1 > x0) paint(y, x0, x1, spans.data() + i, spans.data() + i1);
+                }
+            }
+            i = i1;
+            k = k1;
+        }
+    }
+    skyValid = true;
+    skySpans.swap(spans);
+
+    // Beyond the stage the clouds are laid straight on the frame, as they always were.
+    for (const cv::RowSpan& r : skySpans) {
+        pge::Pixel* row = target.GetData() + static_cast<size_t>(r.y) * static_cast<size_t>(target.width);
+        if (r.y < inside.y0 || r.y >= inside.y1) {
+            cv::BlendRun(row + r.x0, r.x1 - r.x0, colour);
+            continue;
+        }
+        if (r.x0 < inside.x0) cv::BlendRun(row + r.x0, std::min(r.x1, inside.x0) - r.x0, colour);
+        if (r.x1 > inside.x1) cv::BlendRun(row + std::max(r.x0, inside.x1), r.x1 - std::max(r.x0, inside.x1), colour);
     }
 }
 

@@ -77,11 +77,45 @@ void TowerView::DrawMini(pge::Sprite* target, char type, float cx, float cy, flo
     }
 }
 
+namespace {
+
+// What a carousel's drawing depends on besides the pixels it finds: where the stage is, the
+// pieces it shows and how, the stone's colour and the language of its texts.
+std::vector<int32_t> CarouselKey(const Game& game, const TowerView::Layout& lay, const std::vector<int>& offsets) {
+    std::vector<int32_t> key{lay.stage.x, lay.stage.y, lay.stage.w, lay.stage.h,
+                             static_cast<int32_t>(lay.ring), static_cast<int32_t>(game.supply.size()),
+                             static_cast<int32_t>(game.PiecesLimited()), static_cast<int32_t>(game.Building()),
+                             game.rotation, static_cast<int32_t>(game.phase),
+                             static_cast<int32_t>(CurrentLanguage()), static_cast<int32_t>(ThemeFor(game.level).stone.n)};
+    kept::Add(key, lay.stripHeight);
+    if (!game.supply.empty())
+        for (const int k : offsets) key.push_back(PieceAt(game, k));
+    return key;
+}
+
+} // namespace
+
 void TowerView::DrawCarousel(pge::PixelEngine& engine, const Game& game, const Layout& lay) {
-    if (lay.ring) {
-        DrawCarouselVertical(engine, game, lay);
-        return;
-    }
+    const std::vector<int> offsets = CarouselOffsets(static_cast<int>(game.supply.size()), game.PiecesLimited());
+    // Strip, slot, pieces and texts stay within this rectangle; the texts are measured.
+    const StageRect& s = lay.stage;
+    const int textWidth = std::max({adv::text::Width(engine, "‹"), adv::text::Width(engine, "› +999"),
+                                    adv::text::Width(engine, Tr("Alle Teile verbaut")),
+                                    adv::text::Width(engine, Tr("Keine Teile mehr"))});
+    const adv::canvas::Rect rect =
+        lay.ring ? adv::canvas::Rect{std::min(s.x + s.w - 74, s.x + s.w - 40 - textWidth / 2) - 4, s.y + 2,
+                                     std::max(s.x + s.w, s.x + s.w - 40 + textWidth / 2 + 4), s.y + 6 + 276 + 16}
+                 : adv::canvas::Rect{s.x + s.w / 2 - 196 - textWidth, s.y + 2, s.x + s.w / 2 + 196 + textWidth,
+                                     s.y + 6 + static_cast<int>(std::ceil(lay.stripHeight)) + 4};
+    kept::Draw(engine.GetDrawTarget(), carouselLayer, CarouselKey(game, lay, offsets), rect, [&]() {
+        if (lay.ring)
+            DrawCarouselVertical(engine, game, lay);
+        else
+            DrawCarouselHorizontal(engine, game, lay);
+    });
+}
+
+void TowerView::DrawCarouselHorizontal(pge::PixelEngine& engine, const Game& game, const Layout& lay) {
     pge::Sprite* target = engine.GetDrawTarget();
     const StageRect& s = lay.stage;
     const float height = lay.stripHeight;

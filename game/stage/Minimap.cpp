@@ -69,6 +69,36 @@ void TowerView::DrawEdgeArrows(pge::PixelEngine& engine, const Game& game, const
 }
 
 void TowerView::DrawMinimap(pge::PixelEngine& engine, const Game& game, const Layout& lay, float time) {
+    // Everything below depends on these and on the pixels found; it stays within the circle
+    // of radius 55 about the map's centre (pins reach 54.5, letters less).
+    std::vector<int32_t> key{lay.stage.x, lay.stage.y, game.config.width, game.config.line,
+                             static_cast<int32_t>(game.phase), static_cast<int32_t>(CurrentLanguage()),
+                             static_cast<int32_t>(std::fmod(time, 0.5f) < 0.3f)};
+    kept::Add(key, lay.camera);
+    kept::Add(key, HalfView(game));
+    for (int i = 0; i < game.config.width; ++i)
+        key.insert(key.end(), {game.EvalTop(0, i), static_cast<int32_t>(game.IsAttackedColumn(i))});
+    if (game.phase == Phase::Build)
+        for (const Cell& c : game.GapCells(0)) key.insert(key.end(), {c.x, c.y});
+    key.push_back(-1);
+    for (size_t i = 0; i < game.config.sectors.size(); ++i) {
+        const Sector& sector = game.config.sectors[i];
+        key.insert(key.end(), {sector.centre, sector.width, static_cast<int32_t>(sector.letter),
+                               static_cast<int32_t>(game.SectorActive(static_cast<int>(i)))});
+    }
+    key.push_back(-1);
+    for (const Target& shot : game.targets) kept::Add(key, game.ColumnCentre(AimedCells(game, shot)));
+    key.push_back(-1);
+    for (const Hole& hole : game.holes) {
+        const std::vector<Cell> open = game.OpenCells(hole);
+        kept::Add(key, open.empty() ? -1.0f : game.ColumnCentre(open));
+    }
+    const int cx = lay.stage.x + 60, cy = lay.stage.y + 60;
+    kept::Draw(engine.GetDrawTarget(), minimapLayer, key, {cx - 58, cy - 58, cx + 59, cy + 59},
+               [&]() { DrawMinimapNow(engine, game, lay, time); });
+}
+
+void TowerView::DrawMinimapNow(pge::PixelEngine& engine, const Game& game, const Layout& lay, float time) const {
     pge::Sprite* target = engine.GetDrawTarget();
     const StageRect& s = lay.stage;
     const pge::vf2d m(static_cast<float>(s.x + 60), static_cast<float>(s.y + 60));

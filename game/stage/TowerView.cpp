@@ -95,56 +95,21 @@ void TowerView::DrawBehindMarks(pge::Sprite* target, const Layout& lay, const Ge
         draw();
         return;
     }
-    const int W = target->width, H = target->height;
     const float pad = std::ceil(width) + 3.0f;
-    const int left = static_cast<int>(std::max(std::floor(x0) - pad, 0.0f));
-    const int right = static_cast<int>(std::min(std::ceil(x1) + pad, static_cast<float>(W)));
-    const int upper = static_cast<int>(std::max(std::floor(y0) - pad, 0.0f));
-    const int lower = static_cast<int>(std::min(std::ceil(y1) + pad, static_cast<float>(H)));
-    if (right <= left || lower <= upper) {
-        draw();
-        return;
-    }
+    const float limit = static_cast<float>(std::max(target->width, target->height)) + pad;
+    const auto at = [limit](float v) { return static_cast<int>(std::clamp(v, -limit, limit)); };
+    const adv::canvas::Rect rect{at(std::floor(x0) - pad), at(std::floor(y0) - pad), at(std::ceil(x1) + pad),
+                                 at(std::ceil(y1) + pad)};
+    // The material needs no place in the key: a new one renews the wall, and so its version.
+    std::vector<int32_t> key;
+    for (const float v : {g.cx, g.rx, g.ry, g.baseY, g.cellH, g.camera, g.halfAngle, g.lift, lay.cell})
+        kept::Add(key, v);
+    for (const int32_t v : {g.cols, g.rows, static_cast<int32_t>(g.ring), static_cast<int32_t>(lay.integrated)})
+        kept::Add(key, v);
+    kept::Add(key, wallVersion);
+    key.insert(key.end(), marks.begin(), marks.end());
     if (layers.size() <= static_cast<size_t>(tower)) layers.resize(static_cast<size_t>(tower) + 1);
-    TowerLayer& layer = layers[static_cast<size_t>(tower)];
-    const int w = right - left, h = lower - upper;
-    // The material needs no place of its own: a new one renews the wall, and so its version.
-    const bool same = layer.valid && layer.geo == g && layer.cell == lay.cell &&
-                      layer.integrated == lay.integrated && layer.wallVersion == wallVersion && layer.marks == marks &&
-                      layer.targetW == W &&
-                      layer.targetH == H && layer.x == left && layer.y == upper && layer.w == w && layer.h == h;
-    pge::Pixel* data = target->GetData();
-    const size_t rowBytes = static_cast<size_t>(w) * sizeof(pge::Pixel);
-    const auto row = [&](int j) {
-        return data + static_cast<size_t>(upper + j) * static_cast<size_t>(W) + static_cast<size_t>(left);
-    };
-    bool found = same;
-    for (int j = 0; found && j < h; ++j)
-        found = std::memcmp(row(j), layer.before.data() + static_cast<size_t>(j) * static_cast<size_t>(w), rowBytes) == 0;
-    if (found) {
-        for (int j = 0; j < h; ++j)
-            std::memcpy(row(j), layer.after.data() + static_cast<size_t>(j) * static_cast<size_t>(w), rowBytes);
-        return;
-    }
-    layer.before.resize(static_cast<size_t>(w) * static_cast<size_t>(h));
-    layer.after.resize(layer.before.size());
-    for (int j = 0; j < h; ++j)
-        std::memcpy(layer.before.data() + static_cast<size_t>(j) * static_cast<size_t>(w), row(j), rowBytes);
-    draw();
-    for (int j = 0; j < h; ++j)
-        std::memcpy(layer.after.data() + static_cast<size_t>(j) * static_cast<size_t>(w), row(j), rowBytes);
-    layer.valid = true;
-    layer.geo = g;
-    layer.cell = lay.cell;
-    layer.integrated = lay.integrated;
-    layer.wallVersion = wallVersion;
-    layer.marks = marks;
-    layer.targetW = W;
-    layer.targetH = H;
-    layer.x = left;
-    layer.y = upper;
-    layer.w = w;
-    layer.h = h;
+    kept::Draw(target, layers[static_cast<size_t>(tower)], key, rect, draw);
 }
 
 void TowerView::DrawTower(pge::PixelEngine& engine, const Game& game, const Layout& lay, int tower) {

@@ -3,6 +3,7 @@
 // ray-cast wall with its marks, and the landscape behind it. It reads the rules
 // and never changes them.
 #include "engine/IndexedImage.h"
+#include "game/stage/KeptLayer.h"
 #include "game/stage/Theme.h"
 #include "game/rules/TorvaneGame.h"
 #include "pge/PixelEngine.h"
@@ -148,12 +149,14 @@ public:
     void DrawMini(pge::Sprite* target, char type, float cx, float cy, float size, float fade, int rotation,
                   pge::Pixel colour) const;
     void DrawCarousel(pge::PixelEngine& engine, const Game& game, const Layout& layout);
+    void DrawCarouselHorizontal(pge::PixelEngine& engine, const Game& game, const Layout& layout);
     void DrawCarouselVertical(pge::PixelEngine& engine, const Game& game, const Layout& layout);
     void DrawTowerLabels(pge::PixelEngine& engine, const Game& game, const Layout& layout, int tower);
     // The dangers beyond a ring's view, most urgent first, placed at the stage's edges.
     std::vector<EdgeArrow> EdgeArrows(const Game& game, const Layout& layout) const;
     void DrawEdgeArrows(pge::PixelEngine& engine, const Game& game, const Layout& layout, float time);
     void DrawMinimap(pge::PixelEngine& engine, const Game& game, const Layout& layout, float time);
+    void DrawMinimapNow(pge::PixelEngine& engine, const Game& game, const Layout& layout, float time) const;
 
     // ---- effects from the rules' events ----
     // Every event of the rules that the application doesn't handle itself.
@@ -163,6 +166,9 @@ public:
     void BuildBackground(const Game& game, const Layout& layout);
     void BuildPaintedBackground(const Game& game, const Layout& layout);
     void DrawBackground(pge::PixelEngine& engine, const Game& game, const Layout& layout, float time);
+    // The clouds of a landscape painted by formula: on the sky within `inside`, the stage's
+    // place in the frame, and straight on the frame beyond it.
+    void DrawClouds(pge::Sprite& target, const Layout& layout, float time, adv::canvas::Rect inside);
 
     // ---- background ----
     std::unique_ptr<pge::Sprite> background;
@@ -176,6 +182,12 @@ public:
     std::vector<CyclePixel> cyclePixels;
     std::vector<uint8_t> vignette;
     StageRect cachedStage;
+    // The background with the clouds on it, and the clouds' spans that it holds.
+    std::unique_ptr<pge::Sprite> sky;
+    std::vector<adv::canvas::RowSpan> skySpans;
+    bool skyValid = false;
+    std::vector<adv::canvas::RowSpan> cloudScratch;
+    std::vector<int32_t> cloudRows;
 
     // ---- the wall map of the tower drawn last ----
     std::vector<int32_t> wallMap;
@@ -266,22 +278,10 @@ private:
     uint64_t wallVersions = 0;    // counts map and shading renewals, so that each has its own number
 
     // Everything of a tower up to its changing marks (plinth, back rim, scaffold, wall, zone
-    // outline, ledge, red gaps, gaps, Defence Line, active tower) touches only the pixels of
-    // one rectangle, and what it leaves there depends only
-    // on what it found there and on the inputs below. So when both are as in the frame
-    // before, the rectangle as it was left then is copied back instead.
-    struct TowerLayer {
-        bool valid = false;
-        Geo geo;
-        float cell = 0.0f;
-        bool integrated = false;
-        uint64_t wallVersion = 0;
-        std::vector<int32_t> marks;
-        int32_t targetW = 0, targetH = 0;
-        int32_t x = 0, y = 0, w = 0, h = 0;
-        std::vector<pge::Pixel> before, after;
-    };
-    std::vector<TowerLayer> layers; // by tower
+    // outline, ledge, red gaps, gaps, Defence Line, active tower) is kept between frames.
+    std::vector<KeptLayer> layers; // by tower
+    KeptLayer carouselLayer;
+    KeptLayer minimapLayer;
     // Runs draw, steps 1 to 11 of a tower, within the rectangle from (x0, y0) to (x1, y1)
     // widened by the widest line and three pixels, or copies back what it left there in the
     // frame before. marks lists what steps 8 to 11 draw.

@@ -32,6 +32,9 @@ float Tone(bool ruin, int32_t cv) { return (ruin ? 0.82f : 0.93f) + static_cast<
 void TowerView::DropCaches() {
     walls.clear();
     layers.clear();
+    carouselLayer = KeptLayer();
+    minimapLayer = KeptLayer();
+    skyValid = false;
     mapOwner = -1;
 }
 
@@ -238,12 +241,13 @@ void TowerView::PaintWall(pge::Sprite* target, const WallCache& wall) {
     if (!target) return;
 
     // Filled cells are copied, empty ones darkened, and the grid lines laid over them.
-    const int W = target->width, H = target->height;
+    const int W = target->width;
+    const adv::canvas::Rect b = adv::canvas::Bounds(*target);
     pge::Pixel* data = target->GetData();
     for (const WallRun& run : wall.runs) {
-        if (run.y < 0 || run.y >= H) continue;
-        const int x0 = std::max(run.x, 0);
-        const int x1 = std::min(run.x + run.count, W);
+        if (run.y < b.y0 || run.y >= b.y1) continue;
+        const int x0 = std::max(run.x, b.x0);
+        const int x1 = std::min(run.x + run.count, b.x1);
         if (x1 <= x0) continue;
         pge::Pixel* at = data + static_cast<size_t>(run.y) * static_cast<size_t>(W) + static_cast<size_t>(x0);
         if (run.kind == RunKind::Solid) {
