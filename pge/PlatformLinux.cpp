@@ -12,6 +12,17 @@
 
 namespace pge {
 
+namespace {
+
+// Xlib ends the process when the server goes away, through exit(), whose destructors would
+// then free textures of a context that no longer exists. Say so and end at once instead.
+int ConnectionLost(Display*) {
+    std::fprintf(stderr, "\n[pge] Die Verbindung zum X-Server ist abgebrochen - das Programm endet\n");
+    std::_Exit(1);
+}
+
+} // namespace
+
 void FillKeyTable() {
     mapKeys[0x00] = NONE;
     for (int i = 0; i < 26; ++i) mapKeys[size_t(XK_a + i)] = uint8_t(A + i);
@@ -89,6 +100,7 @@ rcode Platform_Linux::CreateGraphics(bool bFullScreen, bool bEnableVSYNC, const 
 
 rcode Platform_Linux::CreateWindowPane(const vi2d& windowPos, vi2d& windowSize, bool bFullScreen) {
     XInitThreads();
+    XSetIOErrorHandler(ConnectionLost);
     display = XOpenDisplay(nullptr);
     if (!display) {
         const char* name = std::getenv("DISPLAY");
