@@ -7,6 +7,7 @@
 #include <X11/Xutil.h>
 #include <X11/keysym.h>
 
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 
@@ -100,6 +101,8 @@ rcode Platform_Linux::CreateGraphics(bool bFullScreen, bool bEnableVSYNC, const 
 
 rcode Platform_Linux::CreateWindowPane(const vi2d& windowPos, vi2d& windowSize, bool bFullScreen) {
     XInitThreads();
+    // A write to a server that is gone then fails instead of ending the process unasked.
+    std::signal(SIGPIPE, SIG_IGN);
     XSetIOErrorHandler(ConnectionLost);
     display = XOpenDisplay(nullptr);
     if (!display) {

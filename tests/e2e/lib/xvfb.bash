@@ -14,7 +14,7 @@ start_xvfb() {
         n=$(( 100 + RANDOM % 3900 ))
         if [ -e "/tmp/.X${n}-lock" ] || [ -e "/tmp/.X11-unix/X${n}" ]; then continue; fi
         numberFile=$(mktemp)
-        Xvfb ":$n" -displayfd 3 -screen 0 1600x1000x24 -nolisten tcp 3>"$numberFile" >/dev/null 2>&1 &
+        Xvfb ":$n" -displayfd 3 -screen 0 1600x1000x24 -nolisten tcp -noreset 3>"$numberFile" >/dev/null 2>&1 &
         XVFB_PID=$!
         ready=""
         for i in $(seq 1 200); do
@@ -28,7 +28,8 @@ start_xvfb() {
     done
     [ -n "$ready" ] || fail "Xvfb did not start"
     export DISPLAY=":${n}"
-    # On a crowded machine, make sure it answers.
+    # On a crowded machine, make sure it answers. (Without -noreset the server would start
+    # over when this check hangs up, and refuse the next client while it does.)
     for i in $(seq 1 100); do
         xdpyinfo >/dev/null 2>&1 && break
         sleep 0.05
