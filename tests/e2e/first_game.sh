@@ -63,7 +63,7 @@ tap space   # to the title
 # Without a title picture Escape ends the run; the window may be gone before the key is up.
 xdotool keydown --window "$window" Escape
 sleep 0.1
-xdotool keyup --window "$window" Escape 2>/dev/null || true
+key_up "$window" Escape
 wait "$GAME" || fail "first run ended with $?"
 
 # Second run with a title picture: untouched for 15 s, the idle card lists anna.

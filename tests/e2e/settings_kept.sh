@@ -12,7 +12,7 @@ shot() { "$BUILD/torvane" --windowed --no-sound --skip-intro --exit-after=1.5 --
 tap() {
     xdotool keydown --window "$window" "$1"
     sleep 0.1
-    xdotool keyup --window "$window" "$1" 2>/dev/null || true
+    key_up "$window" "$1"
     sleep 0.15
 }
 

@@ -55,6 +55,13 @@ start_xvfb_in_workdir() {
     export XDG_DATA_HOME="$WORK/data"
 }
 
+# Lets go of a key pressed in a window that may be gone by now, as when the key ended the
+# program: the server keeps its state from one client to the next, and a key left down
+# would repeat into the next program.
+key_up() {
+    xdotool keyup --window "$1" "$2" 2>/dev/null || xdotool keyup "$2" 2>/dev/null || true
+}
+
 fail() {
     echo "FAIL: $*" >&2
     exit 1
