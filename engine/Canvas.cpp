@@ -355,6 +355,12 @@ void Line(pge::Sprite* sprite, pge::vf2d a, pge::vf2d b, pge::Pixel colour, floa
 void Polyline(pge::Sprite* sprite, const std::vector<pge::vf2d>& points, pge::Pixel colour, float width, bool closed,
               float dash, float gap, const Mask& mask) {
     if (!sprite || points.size() < 2) return;
+    pge::vf2d low = points[0], high = points[0];
+    for (const pge::vf2d& p : points) {
+        low = {std::min(low.x, p.x), std::min(low.y, p.y)};
+        high = {std::max(high.x, p.x), std::max(high.y, p.y)};
+    }
+    if (Misses(Bounds(*sprite), low, high, width)) return;
     std::vector<std::pair<pge::vf2d, pge::vf2d>> segments;
     segments.reserve(points.size());
     for (size_t i = 0; i + 1 < points.size(); ++i) segments.emplace_back(points[i], points[i + 1]);
@@ -398,12 +404,12 @@ void Polyline(pge::Sprite* sprite, const std::vector<pge::vf2d>& points, pge::Pi
 
 void StrokeRoundRect(pge::Sprite* sprite, float x, float y, float w, float h, float radius, pge::Pixel colour,
                      float width) {
-    if (!sprite) return;
+    if (!sprite || Misses(Bounds(*sprite), {x, y}, {x + w, y + h}, width)) return;
     Polyline(sprite, RoundRectPath(x, y, w, h, radius), colour, width, true);
 }
 
 void FillRoundRect(pge::Sprite* sprite, float x, float y, float w, float h, float radius, pge::Pixel colour) {
-    if (!sprite) return;
+    if (!sprite || Misses(Bounds(*sprite), {x, y}, {x + w, y + h}, 1.0f)) return;
     FillPolygon(sprite, RoundRectPath(x, y, w, h, radius), colour);
 }
 

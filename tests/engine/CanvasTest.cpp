@@ -174,6 +174,7 @@ TEST(CanvasClip, ClippedDrawingIsTheWholeDrawingCutToTheRectangle) {
         {"dashes", [&](S s) { canvas::Polyline(s, star, glass, 1.0f, true, 4.0f, 3.0f); }},
         {"wide dashes", [&](S s) { canvas::Polyline(s, star, glass, 2.0f, false, 5.0f, 2.0f, Checker); }},
         {"round rect", [&](S s) { canvas::StrokeRoundRect(s, 6.0f, 4.0f, 50.0f, 30.0f, 8.0f, glass, 2.0f); }},
+        {"filled round rect", [&](S s) { canvas::FillRoundRect(s, 6.0f, 4.0f, 50.0f, 30.0f, 8.0f, glass); }},
         {"gradient", [&](S s) { canvas::RadialGradient(s, {20.0f, 20.0f}, 4.0f, 30.0f, glass, pge::Pixel(0, 0, 0, 0)); }},
         {"sprite", [&](S s) { canvas::DrawSprite(s, &stamp, 26, 20, 0, 0, 9, 7, true, 0.6f); }},
         {"pixels", [&](S s) {
