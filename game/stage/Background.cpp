@@ -216,7 +216,8 @@ void TowerView::DrawClouds(pge::Sprite& target, const Layout& lay, float time, a
     rowStart.assign(static_cast<size_t>(std::max(bounds.y1 - bounds.y0, 0)) + 1, 0);
     for (const cv::RowSpan& r : drawn) ++rowStart[static_cast<size_t>(r.y - bounds.y0) + 1];
     for (size_t y = 1; y < rowStart.size(); ++y) rowStart[y] += rowStart[y - 1];
-    std::vector<cv::RowSpan> spans(drawn.size());
+    std::vector<cv::RowSpan>& spans = cloudSorted; // the last frame's buffer, reused
+    spans.resize(drawn.size());
     for (const cv::RowSpan& r : drawn) spans[static_cast<size_t>(rowStart[static_cast<size_t>(r.y - bounds.y0)]++)] = r;
 
     // The stage's part lives in the sky, the background with the clouds on it; only its rows

@@ -186,7 +186,7 @@ public:
     std::unique_ptr<pge::Sprite> sky;
     std::vector<adv::canvas::RowSpan> skySpans;
     bool skyValid = false;
-    std::vector<adv::canvas::RowSpan> cloudScratch;
+    std::vector<adv::canvas::RowSpan> cloudScratch, cloudSorted;
     std::vector<int32_t> cloudRows;
 
     // ---- the wall map of the tower drawn last ----

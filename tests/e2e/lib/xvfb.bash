@@ -3,10 +3,9 @@
 
 XVFB_PID=""
 
-# Each script takes its own display number at random from a wide range. Numbers
-# handed out from the bottom (-displayfd alone) are reused as soon as another
-# script's server exits, and a server still shutting down can then remove the new
-# one's socket. -displayfd still tells when the server is ready.
+# Each script takes its own display number at random from a wide range, rather than the
+# lowest free one (-displayfd alone), which the next script would take the moment another
+# script's server exits. -displayfd still tells when the server is ready.
 start_xvfb() {
     trap stop_xvfb EXIT
     local attempt i n numberFile ready
