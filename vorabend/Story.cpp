@@ -49,7 +49,7 @@ public:
             return;
         }
         // A click that started no script was a walk: towards a way out, or elsewhere.
-        const bool clicked = game.GetMouse(0).bPressed || game.GetMouse(1).bPressed;
+        const bool clicked = game.Clicked(0) || game.Clicked(1);
         if (clicked && game.GetMousePos().y < adv::AdventureGame::kPlayHeight)
             chosen = exits.count(game.hoveredHotspot) ? game.hoveredHotspot : std::string();
         if (chosen.empty()) return;

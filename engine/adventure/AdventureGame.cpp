@@ -188,7 +188,7 @@ void AdventureGame::UpdateIntro(float dt) {
     }
     introClock += dt;
     const ScreenDefinition& screen = *introScreens[introIndex];
-    const bool pressed = GetMouse(0).bPressed || GetKey(pge::SPACE).bPressed || GetKey(pge::RETURN).bPressed ||
+    const bool pressed = Clicked(0) || GetKey(pge::SPACE).bPressed || GetKey(pge::RETURN).bPressed ||
                          GetKey(pge::ENTER).bPressed || GetKey(pge::ESCAPE).bPressed;
     if (pressed || (screen.Duration() > 0.0f && introClock >= screen.Duration())) {
         ++introIndex;
@@ -239,7 +239,7 @@ bool AdventureGame::OnUserUpdate(float elapsed) {
     }
     HandleGlobalKeys();
     if (menu.IsOpen()) {
-        const GameMenu::Request r = menu.Update(*this, dt, GetMouse(0).bPressed, GetKey(pge::ESCAPE).bPressed);
+        const GameMenu::Request r = menu.Update(*this, dt, Clicked(0), GetKey(pge::ESCAPE).bPressed);
         if (!ApplyMenuRequest(r)) return false;
         DrawWorld();
         menu.Draw(*this, Actor::TextSpeed());

@@ -80,6 +80,9 @@ public:
     void QuitAfter(float seconds) { quitTimer = seconds; }
 
     // Interaction, reachable for tests and scripted play.
+    // Whether mouse button b (0 left, 1 right) was clicked since the last frame, however
+    // quickly it came up again.
+    bool Clicked(uint32_t b) const { return GetMousePresses(b) > 0; }
     void HandlePlayAreaClick(vf2d point, bool secondary);
     void HandleUiClick(pge::vi2d point, bool secondary);
     void InteractWithHotspot(Hotspot& hotspot, Verb v, vf2d point);

@@ -9,8 +9,8 @@ namespace adv {
 using namespace panel;
 
 void AdventureGame::HandleInput() {
-    const bool left = GetMouse(0).bPressed;
-    const bool right = GetMouse(1).bPressed;
+    const bool left = Clicked(0);
+    const bool right = Clicked(1);
     if (!left && !right) return;
     if (runner.Running()) {
         if (left) runner.Skip(*this);

@@ -1,6 +1,7 @@
 // Interaction: verbs, fallback texts, hover, the sentence line, camera, dialogues, inventory.
 #include "tests/engine/adventure/TestGame.h"
 
+#include <X11/keysym.h>
 #include <gtest/gtest.h>
 
 namespace adv {
@@ -193,6 +194,8 @@ TEST_F(GameTest, TheScrollArrowsAndVerbCellsAnswerClicks) {
     EXPECT_EQ(game.inventory.scroll, 0);
     t.Click(8 + 72 + 10, 16 * 13 + 4); // second row, middle: "Schau an"
     EXPECT_EQ(game.verb, Verb::Look);
+    t.QuickClick(8 + 10, 16 * 12 + 4); // first row, left: "Oeffne", quicker than a frame
+    EXPECT_EQ(game.verb, Verb::Open);
 }
 
 TEST_F(GameTest, ATimedQuitEndsTheRunAfterItsTimeInFrameSteps) {
@@ -238,14 +241,16 @@ TEST(Intro, TheMenuOpensOverTheTitleAndTheClickThatEndsItIsNoOrder) {
 }
 
 TEST_F(GameTest, TextSpeedKeysAndPause) {
-    const int before = Actor::TextSpeed();
-    t.run.SetKey(pge::EQUALS, true);
-    t.run.Frame(0.016f);
-    t.run.SetKey(pge::EQUALS, false);
-    t.run.Frame(0.016f);
-    EXPECT_EQ(Actor::TextSpeed(), std::min(before + 1, 8));
-    EXPECT_EQ(game.toast, "Texttempo " + std::to_string(Actor::TextSpeed()) + " / 8");
-    Actor::SetTextSpeed(before);
+    Actor::SetTextSpeed(4);
+    // The keys of the main keyboard, as the window reports them.
+    t.PressKeysym(XK_equal);
+    EXPECT_EQ(Actor::TextSpeed(), 5);
+    EXPECT_EQ(game.toast, "Texttempo 5 / 8");
+    t.PressKeysym(XK_minus);
+    t.PressKeysym(XK_minus);
+    EXPECT_EQ(Actor::TextSpeed(), 3);
+    t.PressKeysym(XK_KP_Add);
+    EXPECT_EQ(Actor::TextSpeed(), 4);
     t.run.SetKey(pge::SPACE, true);
     t.run.Frame(0.016f);
     t.run.SetKey(pge::SPACE, false);
