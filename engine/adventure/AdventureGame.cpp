@@ -5,6 +5,7 @@
 #include "engine/Canvas.h"
 #include "engine/Music.h"
 #include "engine/Text.h"
+#include "pge/WindowTitle.h"
 
 #include <algorithm>
 
@@ -64,6 +65,8 @@ void AdventureGame::BuildContent() {
 // Running.
 
 bool AdventureGame::OnUserCreate() {
+    // The window shows the adventure's name, not the frame rate.
+    SetWindowTitle(sAppName);
     BuildContent();
     state = Intro;
     introIndex = 0;

@@ -198,6 +198,11 @@ TEST_F(GameTest, TheScrollArrowsAndVerbCellsAnswerClicks) {
     EXPECT_EQ(game.verb, Verb::Open);
 }
 
+TEST_F(GameTest, TheWindowIsTitledWithTheAdventuresNameAlone) {
+    for (int i = 0; i < 30; ++i) t.run.Frame(0.05f); // past the window's once-a-second status
+    EXPECT_EQ(t.run.Title(), game.sAppName);
+}
+
 TEST_F(GameTest, ATimedQuitEndsTheRunAfterItsTimeInFrameSteps) {
     game.QuitAfter(0.25f);
     EXPECT_TRUE(game.OnUserUpdate(0.1f));
