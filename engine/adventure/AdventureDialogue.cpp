@@ -1,10 +1,12 @@
 // The adventure's dialogues: the options of the present node, choosing one, and the list
-// of options drawn over the scene.
+// of options drawn in the panel.
 #include "engine/adventure/AdventureGame.h"
 
 #include "engine/Canvas.h"
 #include "engine/Text.h"
 #include "engine/adventure/PanelLayout.h"
+
+#include <algorithm>
 
 namespace adv {
 
@@ -72,7 +74,8 @@ void AdventureGame::SelectDialogueOption(int index) {
 std::vector<pge::vi2d> AdventureGame::DialogueRows() const {
     const std::vector<int> visible = VisibleDialogueOptions();
     std::vector<pge::vi2d> rows; // option index, top row
-    int y = kPlayHeight - 4 - kOptionH * int(visible.size());
+    // In the panel; only more options than it holds reach up into the scene.
+    int y = std::min(kPlayHeight + 4, kViewHeight - 2 - kOptionH * int(visible.size()));
     for (int i : visible) {
         rows.push_back({i, y});
         y += kOptionH;
@@ -81,17 +84,21 @@ std::vector<pge::vi2d> AdventureGame::DialogueRows() const {
 }
 
 void AdventureGame::DrawDialogue() {
-    pge::Sprite* target = GetDrawTarget();
+    // While a line is spoken the panel stays empty.
+    if (runner.Running()) return;
     const std::vector<pge::vi2d> rows = DialogueRows();
     if (rows.empty()) return;
     const auto& options = dialogues.at(dialogue).nodes.at(dialogueNode);
-    canvas::FillRect(target, 0, rows.front().y - 3, kViewWidth, kPlayHeight - rows.front().y + 3,
-                     canvas::WithAlpha(ui::kPanel, 0.85f));
+    const int top = rows.front().y - 3;
+    if (top < kPlayHeight) {
+        pge::Sprite* target = GetDrawTarget();
+        canvas::FillRect(target, 0, top, kViewWidth, kPlayHeight - top, ui::kPanel);
+        canvas::FillRect(target, 0, top, kViewWidth, 1, ui::kFrame);
+    }
     for (const pge::vi2d& row : rows) {
         const bool hot = row.x == hoveredOption;
         text::Draw(*this, 10, row.y + 1, "\u2022 " + options[size_t(row.x)].text, hot ? ui::kHighlight : ui::kText);
     }
 }
-
 
 } // namespace adv

@@ -24,7 +24,6 @@ void AdventureGame::DrawWorld() {
         return;
     }
     DrawScene();
-    if (!dialogue.empty() && !runner.Running()) DrawDialogue();
     if (debugOverlay) DrawDebug();
     DrawPanel();
     if (fade > 0.0f)
@@ -127,6 +126,11 @@ void AdventureGame::DrawPanel() {
     pge::Sprite* target = GetDrawTarget();
     canvas::FillRect(target, 0, kPlayHeight, kViewWidth, kViewHeight - kPlayHeight, ui::kPanel);
     canvas::FillRect(target, 0, kPlayHeight, kViewWidth, 1, ui::kFrame);
+    // A dialogue's options take the place of the verbs, below the figures.
+    if (!dialogue.empty()) {
+        DrawDialogue();
+        return;
+    }
     text::Draw(*this, kViewWidth / 2, kSentenceY, sentence, ui::kHighlight, 1, text::Align::Centre);
     for (int i = 0; i < 9; ++i) {
         const int x = kVerbX + kVerbW * (i % 3), y = kVerbY + kVerbH * (i / 3);

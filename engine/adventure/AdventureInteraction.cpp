@@ -16,16 +16,16 @@ void AdventureGame::HandleInput() {
         if (left) runner.Skip(*this);
         return;
     }
-    const pge::vi2d mouse = GetMousePos();
-    if (mouse.y < kPlayHeight) {
-        if (!dialogue.empty()) {
-            if (left && hoveredOption >= 0) SelectDialogueOption(hoveredOption);
-            return;
-        }
-        HandlePlayAreaClick({float(mouse.x) + camera.x, float(mouse.y) + camera.y}, right);
-    } else {
-        HandleUiClick(mouse, right);
+    // In a dialogue the panel holds the options, and only they answer.
+    if (!dialogue.empty()) {
+        if (left && hoveredOption >= 0) SelectDialogueOption(hoveredOption);
+        return;
     }
+    const pge::vi2d mouse = GetMousePos();
+    if (mouse.y < kPlayHeight)
+        HandlePlayAreaClick({float(mouse.x) + camera.x, float(mouse.y) + camera.y}, right);
+    else
+        HandleUiClick(mouse, right);
 }
 
 void AdventureGame::HandlePlayAreaClick(vf2d point, bool secondary) {
@@ -161,13 +161,13 @@ void AdventureGame::UpdateHover() {
     hoveredItem.clear();
     hoveredVerb = -1;
     hoveredOption = -1;
-    if (mouse.y >= kPlayHeight) {
+    if (!dialogue.empty()) {
+        for (const pge::vi2d& row : DialogueRows())
+            if (mouse.y >= row.y && mouse.y < row.y + kOptionH) hoveredOption = row.x;
+    } else if (mouse.y >= kPlayHeight) {
         hoveredVerb = VerbCellAt(mouse);
         const int slot = InventoryCellAt(mouse);
         if (slot >= 0) hoveredItem = inventory.At(slot);
-    } else if (!dialogue.empty()) {
-        for (const pge::vi2d& row : DialogueRows())
-            if (mouse.y >= row.y && mouse.y < row.y + kOptionH) hoveredOption = row.x;
     } else if (current) {
         const vf2d p{float(mouse.x) + camera.x, float(mouse.y) + camera.y};
         for (const auto& [id, a] : actors) {
@@ -183,6 +183,5 @@ void AdventureGame::UpdateHover() {
     // While a script runs the sentence stays as it was.
     if (!runner.Running()) sentence = BuildSentence();
 }
-
 
 } // namespace adv
