@@ -81,6 +81,17 @@ TEST_F(SaveTest, ARoundTripKeepsEverythingLabelsWithBlanksIncluded) {
     // Windows line ends are read too.
     ASSERT_TRUE(savegame::Parse("quillmere-adventure-save 1\r\nlabel x y\r\n", back));
     EXPECT_EQ(back.label, "x y");
+    // Blanks at either end stay; a line break in a label is no line of the file.
+    const std::pair<std::string, std::string> labels[] = {
+        {" vorn", " vorn"}, {"  ", "  "}, {"hinten ", "hinten "}, {"a\nscene hall", "a scene hall"}, {"b\r", "b "},
+    };
+    for (const auto& [label, read] : labels) {
+        SaveData d = Sample();
+        d.label = label;
+        ASSERT_TRUE(savegame::Parse(savegame::Serialise(d), back));
+        EXPECT_EQ(back.label, read);
+        EXPECT_EQ(back.scene, "room");
+    }
 }
 
 TEST_F(SaveTest, BadFilesAreRefusedWholeOrLineByLine) {
