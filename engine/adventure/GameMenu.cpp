@@ -13,6 +13,9 @@ constexpr int kRowH = 16;
 constexpr int kFirstRowY = kPanelY + 30;
 constexpr int kSlotTextX = kPanelX + 26; // right of the slot's number
 
+// A used slot's row: its label and the time of saving.
+std::string SlotLine(const savegame::SlotInfo& slot, const std::string& label) { return label + "  " + slot.saved; }
+
 } // namespace
 
 void GameMenu::Open() {
@@ -126,7 +129,7 @@ void GameMenu::BuildRows(pge::vi2d mouse) {
         for (int i = 0; i < savegame::kSlots; ++i) {
             const savegame::SlotInfo& s = slots[i];
             // The slot's number stands before the row, drawn on its own.
-            add(kSlotRow + i, s.exists ? s.label + "  " + s.saved : "  - leer -", y, kSlotTextX, kPanelX + kPanelW - 12 - kSlotTextX);
+            add(kSlotRow + i, s.exists ? SlotLine(s, s.label) : "  - leer -", y, kSlotTextX, kPanelX + kPanelW - 12 - kSlotTextX);
             y += kRowH;
         }
         add(kBack, "Zurueck", y + kRowH / 2);
@@ -190,9 +193,15 @@ void GameMenu::Draw(pge::PixelEngine& engine, int textSpeed) {
         if (centred) {
             text::Draw(engine, r.x + r.w / 2, r.y + 3, r.text, colour, 1, text::Align::Centre);
         } else {
-            if (r.action >= kSlotRow)
-                text::Draw(engine, kPanelX + 16, r.y + 3, std::to_string(r.action - kSlotRow + 1) + ".", ui::kMuted);
-            text::Draw(engine, r.x + 4, r.y + 3, r.text, colour);
+            std::string shown = r.text;
+            if (r.action >= kSlotRow) {
+                const int slot = r.action - kSlotRow;
+                text::Draw(engine, kPanelX + 16, r.y + 3, std::to_string(slot + 1) + ".", ui::kMuted);
+                // A label too long for the row is cut short; the time of saving stays whole.
+                const savegame::SlotInfo& s = slots[slot];
+                if (s.exists) shown = SlotLine(s, text::Fit(engine, s.label, r.w - 8 - text::Width(engine, SlotLine(s, ""))));
+            }
+            text::Draw(engine, r.x + 4, r.y + 3, shown, colour);
         }
     }
     if (!message.empty())

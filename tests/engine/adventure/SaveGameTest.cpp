@@ -171,6 +171,27 @@ TEST_F(SaveTest, AnUnwritableDataFolderFailsTheSaveAndTellsTheMenu) {
     EXPECT_EQ(t.game.menu.message, "Speichern fehlgeschlagen");
 }
 
+TEST_F(SaveTest, ALongLabelStaysInsideTheMenuPanel) {
+    testing::TestGame t;
+    GameMenu& menu = t.game.menu;
+    const auto page = [&] {
+        menu.Open();
+        menu.Activate(GameMenu::kLoadGame);
+        t.run.MoveMouse(0, 0);
+        t.run.Frame(0.016f);
+        return t.game.GetDrawTarget()->pColData;
+    };
+    const std::vector<pge::Pixel> empty = page();
+    SaveData d = Sample();
+    d.label = std::string(3000, 'W');
+    ASSERT_TRUE(savegame::Write(0, d));
+    const std::vector<pge::Pixel> full = page();
+    // Left and right of the panel nothing changes; the time of saving is still shown.
+    for (int y = 0; y < AdventureGame::kViewHeight; ++y)
+        for (int x : {0, 60, 81, 302, 330, 383}) EXPECT_EQ(full[size_t(y * 384 + x)], empty[size_t(y * 384 + x)]) << x << "," << y;
+    EXPECT_EQ(menu.rows[0].text.substr(menu.rows[0].text.size() - 16), d.saved);
+}
+
 TEST_F(SaveTest, SaveAndLoadRestoreTheGameWithoutEntryScripts) {
     testing::TestGame t;
     t.Settle();
