@@ -248,6 +248,8 @@ std::string Fit(pge::PixelEngine& engine, const std::string& text, int maxWidth,
         if (width > room) break;
         kept = pos;
     }
+    // The dots follow the last letter, not a blank.
+    while (kept > 0 && text[kept - 1] == ' ') --kept;
     return text.substr(0, kept) + dots;
 }
 

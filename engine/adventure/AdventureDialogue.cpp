@@ -4,6 +4,7 @@
 
 #include "engine/Canvas.h"
 #include "engine/Text.h"
+#include "engine/adventure/Lang.h"
 #include "engine/adventure/PanelLayout.h"
 
 #include <algorithm>
@@ -97,7 +98,7 @@ void AdventureGame::DrawDialogue() {
     }
     for (const pge::vi2d& row : rows) {
         const bool hot = row.x == hoveredOption;
-        text::Draw(*this, 10, row.y + 1, "\u2022 " + options[size_t(row.x)].text, hot ? ui::kHighlight : ui::kText);
+        text::Draw(*this, 10, row.y + 1, "\u2022 " + Tr(options[size_t(row.x)].text), hot ? ui::kHighlight : ui::kText);
     }
 }
 

@@ -4,6 +4,7 @@
 
 #include "engine/Canvas.h"
 #include "engine/Text.h"
+#include "engine/adventure/Lang.h"
 #include "engine/adventure/PanelLayout.h"
 
 #include <algorithm>
@@ -137,7 +138,7 @@ void AdventureGame::DrawPanel() {
         const bool chosen = kVerbGrid[i] == verb;
         if (chosen) canvas::FillRect(target, x + 1, y + 1, kVerbW - 2, kVerbH - 2, canvas::WithAlpha(ui::kFrame, 0.5f));
         const pge::Pixel colour = (i == hoveredVerb || chosen) ? ui::kHighlight : ui::kText;
-        text::Draw(*this, x + kVerbW / 2, y + 4, VerbName(kVerbGrid[i]), colour, 1, text::Align::Centre);
+        text::Draw(*this, x + kVerbW / 2, y + 4, Tr(VerbName(kVerbGrid[i])), colour, 1, text::Align::Centre);
     }
     // The scroll arrows, dim when there is nowhere to go.
     const pge::Pixel up = inventory.scroll > 0 ? ui::kText : ui::kMuted;
@@ -157,7 +158,7 @@ void AdventureGame::DrawPanel() {
             canvas::DrawSprite(target, icon, x + (kInvW - icon->width) / 2, y + (kInvH - icon->height) / 2, 0, 0,
                                icon->width, icon->height, false, 1.0f);
         else
-            text::Draw(*this, x + kInvW / 2, y + 8, ItemName(id).substr(0, 3), ui::kText, 1, text::Align::Centre);
+            text::Draw(*this, x + kInvW / 2, y + 8, Tr(ItemName(id)).substr(0, 3), ui::kText, 1, text::Align::Centre);
     }
 }
 
@@ -190,12 +191,12 @@ void AdventureGame::DrawDebug() {
 
 void AdventureGame::DrawEnd() {
     int y = 80;
-    for (const std::string& line : text::Wrap(*this, endText, 320)) {
+    for (const std::string& line : text::Wrap(*this, Tr(endText), 320)) {
         text::Draw(*this, kViewWidth / 2, y, line, ui::kText, 1, text::Align::Centre);
         y += 12;
     }
-    text::Draw(*this, kViewWidth / 2, 200, "ENDE", ui::kHighlight, 2, text::Align::Centre);
-    text::Draw(*this, kViewWidth / 2, 224, "Esc: beenden   F5: Menue", ui::kMuted, 1, text::Align::Centre);
+    text::Draw(*this, kViewWidth / 2, 200, Tr("ENDE"), ui::kHighlight, 2, text::Align::Centre);
+    text::Draw(*this, kViewWidth / 2, 224, Tr("Esc: beenden   F5: Menue"), ui::kMuted, 1, text::Align::Centre);
 }
 
 void AdventureGame::DrawToast() {

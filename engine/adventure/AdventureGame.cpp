@@ -5,6 +5,7 @@
 #include "engine/Canvas.h"
 #include "engine/Music.h"
 #include "engine/Text.h"
+#include "engine/adventure/Lang.h"
 #include "pge/WindowTitle.h"
 
 #include <algorithm>
@@ -164,7 +165,7 @@ void AdventureGame::OpenMenu() { menu.Open(); }
 
 void AdventureGame::AdjustTextSpeed(int delta) {
     Actor::SetTextSpeed(Actor::TextSpeed() + delta);
-    ShowToast("Texttempo " + std::to_string(Actor::TextSpeed()) + " / " + std::to_string(Actor::kTopTextSpeed));
+    ShowToast(Trf("Texttempo {0} / {1}", {std::to_string(Actor::TextSpeed()), std::to_string(Actor::kTopTextSpeed)}));
 }
 
 Actor* AdventureGame::FindActor(const std::string& id) {
@@ -213,8 +214,8 @@ void AdventureGame::HandleGlobalKeys() {
         return;
     }
     if (menu.IsOpen()) return;
-    if (GetKey(pge::F8).bPressed) menu.AskConfirm("Das Spiel neu starten?", GameMenu::Request::NewGame);
-    if (ctrl && GetKey(pge::C).bPressed) menu.AskConfirm("Das Spiel wirklich beenden?", GameMenu::Request::Quit);
+    if (GetKey(pge::F8).bPressed) menu.AskConfirm(Tr("Das Spiel neu starten?"), GameMenu::Request::NewGame);
+    if (ctrl && GetKey(pge::C).bPressed) menu.AskConfirm(Tr("Das Spiel wirklich beenden?"), GameMenu::Request::Quit);
     if (ctrl && GetKey(pge::D).bPressed) debugOverlay = !debugOverlay;
     if (GetKey(pge::EQUALS).bPressed || GetKey(pge::NP_ADD).bPressed) AdjustTextSpeed(1);
     if (GetKey(pge::MINUS).bPressed || GetKey(pge::NP_SUB).bPressed) AdjustTextSpeed(-1);
@@ -257,8 +258,8 @@ bool AdventureGame::OnUserUpdate(float elapsed) {
         DrawWorld();
         pge::Sprite* target = GetDrawTarget();
         canvas::FillRect(target, 0, 0, kViewWidth, kViewHeight, ui::kShadow);
-        text::DrawOutlined(*this, kViewWidth / 2, 100, "PAUSE", ui::kHighlight, pge::BLACK, 2, text::Align::Centre);
-        text::Draw(*this, kViewWidth / 2, 124, "Leertaste zum Fortsetzen", ui::kText, 1, text::Align::Centre);
+        text::DrawOutlined(*this, kViewWidth / 2, 100, Tr("PAUSE"), ui::kHighlight, pge::BLACK, 2, text::Align::Centre);
+        text::Draw(*this, kViewWidth / 2, 124, Tr("Leertaste zum Fortsetzen"), ui::kText, 1, text::Align::Centre);
         return true;
     }
     if (GetKey(pge::ESCAPE).bPressed) {
@@ -309,7 +310,8 @@ SaveData AdventureGame::CaptureState() const {
     if (current) {
         d.scene = current->id;
         const auto def = scenes.definitions.find(current->id);
-        d.label = def != scenes.definitions.end() ? def->second->DisplayName() : "";
+        // The place's name as the player reads it when saving.
+        d.label = def != scenes.definitions.end() ? Tr(def->second->DisplayName()) : "";
         if (d.label.empty()) d.label = current->id;
     }
     d.saved = savegame::Timestamp();
@@ -390,18 +392,22 @@ bool AdventureGame::ApplyMenuRequest(const GameMenu::Request& r) {
     case GameMenu::Request::SaveSlot:
         if (r.slot >= 0 && r.slot < savegame::kSlots && SaveToSlot(r.slot)) {
             menu.RefreshSlots();
-            menu.ShowMessage("In Feld " + std::to_string(r.slot + 1) + " gespeichert");
+            menu.ShowMessage(Trf("In Feld {0} gespeichert", {std::to_string(r.slot + 1)}));
         } else {
-            menu.ShowMessage("Speichern fehlgeschlagen");
+            menu.ShowMessage(Tr("Speichern fehlgeschlagen"));
         }
         break;
     case GameMenu::Request::LoadSlot:
-        ShowToast(LoadFromSlot(r.slot) ? "Spielstand geladen" : "Laden fehlgeschlagen", kToastSeconds);
+        ShowToast(Tr(LoadFromSlot(r.slot) ? "Spielstand geladen" : "Laden fehlgeschlagen"), kToastSeconds);
         break;
     case GameMenu::Request::NewGame: RestartGame(); break;
     case GameMenu::Request::Quit: return false;
     case GameMenu::Request::SpeedUp: AdjustTextSpeed(1); break;
     case GameMenu::Request::SpeedDown: AdjustTextSpeed(-1); break;
+    case GameMenu::Request::SwitchLanguage:
+        SetLanguage(CurrentLanguage() == Language::German ? Language::English : Language::German);
+        if (languageKeeper) languageKeeper(CurrentLanguage());
+        break;
     default: break;
     }
     return true;

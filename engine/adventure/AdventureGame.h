@@ -5,6 +5,7 @@
 #include "engine/adventure/Actor.h"
 #include "engine/adventure/GameMenu.h"
 #include "engine/adventure/Inventory.h"
+#include "engine/adventure/Lang.h"
 #include "engine/adventure/SaveGame.h"
 #include "engine/adventure/SceneManager.h"
 #include "engine/adventure/Script.h"
@@ -48,6 +49,8 @@ public:
 
     // Building; the builder runs at the start and at every new game.
     void SetContentBuilder(std::function<void(AdventureGame&)> builder);
+    // Called with the new language whenever the player switches it, so that it can be kept.
+    void SetLanguageKeeper(std::function<void(Language)> keeper) { languageKeeper = std::move(keeper); }
     void SetStartScene(const std::string& id) { startScene = id; }
     void RegisterScene(const std::string& id, std::unique_ptr<SceneDefinition> definition);
     Actor& AddActor(const Actor& actor);
@@ -171,6 +174,7 @@ private:
     void DrawDebug();
     void DrawEnd();
     std::function<void(AdventureGame&)> contentBuilder;
+    std::function<void(Language)> languageKeeper;
     float quitTimer = 0.0f; // of a timed quit, counting down
 };
 

@@ -2,6 +2,7 @@
 // actors and items, the fallback lines, and the sentence line under the mouse.
 #include "engine/adventure/AdventureGame.h"
 
+#include "engine/adventure/Lang.h"
 #include "engine/adventure/PanelLayout.h"
 
 namespace adv {
@@ -134,11 +135,11 @@ void AdventureGame::InteractWithItem(const std::string& item, Verb v) {
 }
 
 std::string AdventureGame::BuildSentence() const {
-    std::string s = VerbName(verb);
+    std::string s = Tr(VerbName(verb));
     if (!heldItem.empty()) {
-        s += " " + ItemName(heldItem);
+        s += " " + Tr(ItemName(heldItem));
         const std::string prep = Preposition(verb);
-        if (!prep.empty()) s += " " + prep;
+        if (!prep.empty()) s += " " + Tr(prep);
     }
     std::string name;
     if (!hoveredActor.empty()) {
@@ -150,7 +151,7 @@ std::string AdventureGame::BuildSentence() const {
     } else if (!hoveredItem.empty()) {
         name = ItemName(hoveredItem);
     }
-    if (!name.empty()) s += " " + name;
+    if (!name.empty()) s += " " + Tr(name);
     return s;
 }
 

@@ -216,6 +216,53 @@ TEST_F(GameTest, TheScrollArrowsAndVerbCellsAnswerClicks) {
     EXPECT_EQ(game.verb, Verb::Open);
 }
 
+TEST_F(GameTest, InEnglishEveryTextOfTheFrameworkIsEnglish) {
+    AddEnglish({{"Truhe", "Chest"}, {"Leer.", "Empty."}, {"Brot", "Bread"}});
+    SetLanguage(Language::English);
+    t.run.MoveMouse(90, 90);
+    game.SelectVerb(Verb::Look);
+    t.run.Frame(0.016f);
+    EXPECT_EQ(game.sentence, "Look at Chest");
+    game.SelectVerb(Verb::Open);
+    t.Click(90, 90);
+    EXPECT_EQ(Said(), "Empty.");
+    // Every verb's line, the items' lines, the menu's pages and questions, pause and end.
+    for (Verb v : kVerbGrid) {
+        game.RunScript(game.FallbackScript(v, ""));
+        t.Settle();
+    }
+    game.inventory.Add("bread");
+    game.inventory.Add("key");
+    game.InteractWithItem("key", Verb::Look);
+    t.Settle();
+    game.SelectVerb(Verb::Use);
+    game.InteractWithItem("bread", Verb::Use);
+    t.run.Frame(0.016f);
+    EXPECT_EQ(game.sentence, "Use Bread with Chest");
+    game.InteractWithItem("key", Verb::Use);
+    t.Settle();
+    game.OpenMenu();
+    for (int32_t action : {GameMenu::kSaveGame, GameMenu::kBack, GameMenu::kLoadGame, GameMenu::kBack,
+                           GameMenu::kNewGame, GameMenu::kNo, GameMenu::kQuit}) {
+        t.run.Frame(0.016f);
+        game.ApplyMenuRequest(game.menu.Activate(action));
+    }
+    EXPECT_EQ(game.menu.question, "Really quit the game?");
+    game.ApplyMenuRequest({GameMenu::Request::SaveSlot, 9});
+    game.ApplyMenuRequest({GameMenu::Request::LoadSlot, 9});
+    game.ApplyMenuRequest({GameMenu::Request::SpeedUp, -1});
+    t.run.Frame(0.016f);
+    game.menu.Close();
+    game.SetPaused(true);
+    t.run.Frame(0.016f);
+    game.SetPaused(false);
+    game.FinishGame("Leer.");
+    t.run.Frame(0.016f);
+    EXPECT_EQ(MissingTranslations(), std::set<std::string>{"key"}); // an item without a name
+    SetLanguage(Language::German);
+    Actor::SetTextSpeed(4);
+}
+
 TEST_F(GameTest, TheWindowIsTitledWithTheAdventuresNameAlone) {
     for (int i = 0; i < 30; ++i) t.run.Frame(0.05f); // past the window's once-a-second status
     EXPECT_EQ(t.run.Title(), game.sAppName);

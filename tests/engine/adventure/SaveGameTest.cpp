@@ -188,7 +188,7 @@ TEST_F(SaveTest, ALongLabelStaysInsideTheMenuPanel) {
     const std::vector<pge::Pixel> full = page();
     // Left and right of the panel nothing changes; the time of saving is still shown.
     for (int y = 0; y < AdventureGame::kViewHeight; ++y)
-        for (int x : {0, 60, 81, 302, 330, 383}) EXPECT_EQ(full[size_t(y * 384 + x)], empty[size_t(y * 384 + x)]) << x << "," << y;
+        for (int x : {0, 40, 61, 322, 340, 383}) EXPECT_EQ(full[size_t(y * 384 + x)], empty[size_t(y * 384 + x)]) << x << "," << y;
     EXPECT_EQ(menu.rows[0].text.substr(menu.rows[0].text.size() - 16), d.saved);
 }
 

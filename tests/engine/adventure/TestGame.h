@@ -74,7 +74,9 @@ struct TestGame {
     AdventureGame game;
     pge::Headless run{game, AdventureGame::kViewWidth, AdventureGame::kViewHeight};
 
+    // In German, the language the tests are written in.
     TestGame() {
+        SetLanguage(Language::German);
         game.SetContentBuilder(BuildTestContent);
         run.Create();
         game.BeginPlay();
