@@ -1,6 +1,7 @@
 #include "vorabend/Story.h"
 
 #include "vorabend/Painting.h"
+#include "vorabend/StoryEnglish.h"
 
 #include <map>
 #include <string>
@@ -287,6 +288,7 @@ void AddItem(adv::AdventureGame& game, const std::string& id, const std::string&
 } // namespace
 
 void BuildStory(adv::AdventureGame& game) {
+    adv::AddEnglish(StoryEnglish());
     adv::Actor hero;
     hero.id = "player";
     hero.name = "Torvane";

@@ -2,6 +2,7 @@
 //   vorabend [--fullscreen] [--skip-intro] [--play=FILE] [--exit-after=SECONDS]
 #include "engine/adventure/AdventureGame.h"
 #include "engine/adventure/SaveGame.h"
+#include "vorabend/GameLanguage.h"
 #include "vorabend/PlayScript.h"
 #include "vorabend/Story.h"
 
@@ -64,6 +65,8 @@ int main(int argc, char** argv) {
         }
     }
     adv::savegame::SetFolderName("Vorabend");
+    vorabend::FollowGameLanguage();
+    app.SetLanguageKeeper([](adv::Language language) { vorabend::KeepLanguage(language); });
     app.SetContentBuilder(vorabend::BuildStory);
     if (app.Construct(adv::AdventureGame::kViewWidth, adv::AdventureGame::kViewHeight, 3, 3, fullScreen) && !app.Start())
         return 1;
