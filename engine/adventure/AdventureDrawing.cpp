@@ -85,7 +85,7 @@ void AdventureGame::DrawActor(const Actor& a) {
     const ActorLook& c = a.look;
     canvas::FillEllipse(target, {x, feet}, w * 0.55f, std::max(1.5f, 2.5f * s), pge::Pixel(0, 0, 0, 90));
     // Legs swing while walking.
-    const float swing = a.Walking() ? std::sin(a.walkClock * 11.0f) * w * 0.18f : 0.0f;
+    const float swing = a.Walking() ? std::sin(a.walkClock * Actor::kStrideRate) * w * 0.18f : 0.0f;
     const float legTop = feet - h * 0.42f;
     canvas::Line(target, {x - w * 0.14f, legTop}, {x - w * 0.14f + swing, feet - 1}, c.legs, std::max(1.0f, w * 0.2f));
     canvas::Line(target, {x + w * 0.14f, legTop}, {x + w * 0.14f - swing, feet - 1}, c.legs, std::max(1.0f, w * 0.2f));

@@ -4,6 +4,8 @@
 
 #include "engine/Canvas.h"
 #include "engine/Music.h"
+#include "engine/Sound.h"
+#include "engine/Synth.h"
 #include "engine/Text.h"
 #include "engine/adventure/Lang.h"
 #include "pge/WindowTitle.h"
@@ -68,11 +70,20 @@ void AdventureGame::BuildContent() {
 bool AdventureGame::OnUserCreate() {
     // The window shows the adventure's name, not the frame rate.
     SetWindowTitle(sAppName);
+    // The audio device opens in the background; music asked for before then starts once it is there.
+    Music::InitInBackground();
     BuildContent();
     state = Intro;
     introIndex = 0;
     introClock = 0.0f;
     if (!introScreens.empty()) introScreens[0]->OnEnter(*this);
+    return true;
+}
+
+bool AdventureGame::OnUserDestroy() {
+    Music::Shutdown();
+    Sound::Clear();
+    soundClips.clear();
     return true;
 }
 
@@ -101,7 +112,7 @@ void AdventureGame::EnterScene(Scene& scene) {
     p.scale = scene.scaleZone.At(p.position.y);
     SnapCameraToPlayer();
     fade = 1.0f;
-    if (!scene.music.empty() && Music::Available()) Music::Play(scene.music, true, kMusicFade);
+    if (!scene.music.empty()) Music::Play(scene.music, true, kMusicFade);
 }
 
 void AdventureGame::ChangeScene(const std::string& sceneId, const std::string& entry) {
@@ -142,6 +153,15 @@ void AdventureGame::WalkPlayerTo(vf2d point) {
 void AdventureGame::Narrate(const std::string& text, float seconds) {
     narration = text;
     narrationTime = seconds;
+}
+
+void AdventureGame::AddSound(const std::string& id, std::vector<float> samples) {
+    if (!soundClips.count(id)) soundClips[id] = Sound::Add(std::move(samples), uint32_t(synth::kRate));
+}
+
+void AdventureGame::PlaySound(const std::string& id, float volume) {
+    const auto it = soundClips.find(id);
+    if (it != soundClips.end()) Sound::Play(it->second, volume);
 }
 
 void AdventureGame::ShowToast(const std::string& text, float seconds) {
@@ -228,7 +248,8 @@ bool AdventureGame::OnUserUpdate(float elapsed) {
         quitTimer -= dt;
         if (quitTimer <= 0.0f) return false;
     }
-    if (Music::Available()) Music::Update(dt);
+    Sound::Update();
+    Music::Update(dt);
     if (toastTime > 0.0f) {
         toastTime -= dt;
         if (toastTime <= 0.0f) toast.clear();
@@ -275,8 +296,11 @@ bool AdventureGame::OnUserUpdate(float elapsed) {
         UpdateHover();
         HandleInput();
         for (auto& [id, actor] : actors) {
+            const float before = actor.walkClock;
             actor.Update(dt);
-            if (current && actor.scene == current->id) actor.scale = current->scaleZone.At(actor.position.y);
+            if (!current || actor.scene != current->id) continue;
+            actor.scale = current->scaleZone.At(actor.position.y);
+            if (actor.visible && Actor::Footfalls(before, actor.walkClock) > 0) PlaySound(actor.stepSound);
         }
         if (current)
             if (SceneDefinition* def = scenes.Definition(current->id)) def->OnUpdate(*this, dt);

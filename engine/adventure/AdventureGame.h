@@ -58,10 +58,14 @@ public:
     Item& AddItem(const Item& item);
     Dialogue& AddDialogue(const Dialogue& dialogue);
     void AddIntroScreen(std::unique_ptr<ScreenDefinition> screen);
+    // A sound by name, mono samples at 44100 a second; a name keeps its first sound, also
+    // through a new game.
+    void AddSound(const std::string& id, std::vector<float> samples);
 
     // Running.
     bool OnUserCreate() override;
     bool OnUserUpdate(float elapsed) override;
+    bool OnUserDestroy() override;
     void BeginPlay();
     void RestartGame();
     void FinishGame(const std::string& text);
@@ -71,6 +75,8 @@ public:
     void WalkPlayerTo(vf2d point);
     void Narrate(const std::string& text, float seconds);
     void ShowToast(const std::string& text, float seconds = kToastSeconds);
+    // Silence for a name without a sound, or without an audio device.
+    void PlaySound(const std::string& id, float volume = 1.0f);
     void BeginDialogue(const std::string& id);
     void EndDialogue();
     void SetDialogueNode(const std::string& name);
@@ -175,6 +181,7 @@ private:
     void DrawEnd();
     std::function<void(AdventureGame&)> contentBuilder;
     std::function<void(Language)> languageKeeper;
+    std::map<std::string, int> soundClips; // by name, the clips of adv::Sound
     float quitTimer = 0.0f; // of a timed quit, counting down
 };
 

@@ -162,6 +162,10 @@ Script& Script::IfFlag(const std::string& name, const Script& thenScript, const 
     return If([name](AdventureGame& g) { return g.Flag(name) != 0; }, thenScript, elseScript);
 }
 
+Script& Script::PlaySound(const std::string& id) {
+    return Do([id](AdventureGame& g) { g.PlaySound(id); });
+}
+
 Script& Script::GiveItem(const std::string& id) {
     return Do([id](AdventureGame& g) { g.inventory.Add(id); });
 }

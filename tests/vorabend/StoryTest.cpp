@@ -3,6 +3,7 @@
 // the tower game's.
 #include "engine/adventure/AdventureGame.h"
 #include "pge/Headless.h"
+#include "tests/engine/adventure/OfflineAudio.h"
 #include "tests/stage/ReferencePicture.h"
 #include "vorabend/GameLanguage.h"
 #include "vorabend/Story.h"

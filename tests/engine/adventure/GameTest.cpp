@@ -1,6 +1,9 @@
 // Interaction: verbs, fallback texts, hover, the sentence line, camera, dialogues, inventory.
 #include "tests/engine/adventure/TestGame.h"
 
+#include "engine/Music.h"
+#include "engine/Sound.h"
+
 #include <X11/keysym.h>
 #include <gtest/gtest.h>
 
@@ -261,6 +264,23 @@ TEST_F(GameTest, InEnglishEveryTextOfTheFrameworkIsEnglish) {
     EXPECT_EQ(MissingTranslations(), std::set<std::string>{"key"}); // an item without a name
     SetLanguage(Language::German);
     Actor::SetTextSpeed(4);
+}
+
+TEST_F(GameTest, SoundsPlayByNameAndAWalkingFigureAtEachFootfall) {
+    ASSERT_NE(Music::Engine(), nullptr);
+    // A second of sound, so that every voice still sounds when counted.
+    game.AddSound("step", std::vector<float>(44100, 0.1f));
+    game.AddSound("step", {}); // a name keeps its first sound
+    game.RunScript(Script().PlaySound("step").PlaySound("no such sound"));
+    t.run.Frame(0.016f);
+    EXPECT_EQ(Sound::ActiveVoices(), 1u);
+    t.Player().stepSound = "step";
+    t.Player().SetPath({{300, 150}});
+    // A stride is pi / 11 seconds; the first foot lands half a stride after setting off.
+    for (int i = 0; i < 18; ++i) t.run.Frame(0.05f);
+    EXPECT_EQ(Sound::ActiveVoices(), 1u + 3u);
+    EXPECT_EQ(Actor::Footfalls(0.0f, 0.9f), 3);
+    EXPECT_EQ(Actor::Footfalls(0.2f, 0.2f), 0);
 }
 
 TEST_F(GameTest, TheWindowIsTitledWithTheAdventuresNameAlone) {
