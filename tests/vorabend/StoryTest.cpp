@@ -1,6 +1,9 @@
 // "Der Vorabend": every place the story sends the player to can be reached, each scene looks as
 // its checked-in picture in both languages, every text is in English too, and the language is
 // the tower game's.
+#include "engine/Assets.h"
+#include "engine/Music.h"
+#include "engine/Sound.h"
 #include "engine/adventure/AdventureGame.h"
 #include "pge/Headless.h"
 #include "tests/engine/adventure/OfflineAudio.h"
@@ -24,6 +27,7 @@ struct StoryTest : ::testing::Test {
     adv::AdventureGame game;
     pge::Headless run{game, adv::AdventureGame::kViewWidth, adv::AdventureGame::kViewHeight};
     void SetUp() override {
+        adv::Assets::Init(""); // the asset tree above the working folder, for the music
         adv::SetLanguage(adv::Language::German);
         game.SetContentBuilder(vorabend::BuildStory);
         ASSERT_TRUE(run.Create());
@@ -132,6 +136,20 @@ void Calm(StoryTest& t) {
     for (auto& [id, actor] : t.game.actors) actor.StopTalking();
     t.game.Narrate("", 0.0f);
     for (int i = 0; i < 20; ++i) t.run.Frame(0.05f);
+}
+
+TEST_F(StoryTest, TheEveningHasItsTuneAndItsSounds) {
+    EXPECT_EQ(adv::Music::Current(), "vorabend/music/vorabend.mp3");
+    Calm(*this);
+    // Sounds of the offline engine never end, so each one played is one more voice.
+    const uint32_t before = adv::Sound::ActiveVoices();
+    game.RunScript(game.current->Find("brot")->scripts.at(adv::Verb::Take));
+    for (int i = 0; i < 200 && game.runner.Running(); ++i) run.Frame(0.05f);
+    EXPECT_TRUE(game.inventory.Has("brot"));
+    EXPECT_EQ(adv::Sound::ActiveVoices(), before + 1);
+    game.Player().SetPath({{300, 165}});
+    for (int i = 0; i < 10; ++i) run.Frame(0.05f);
+    EXPECT_GT(adv::Sound::ActiveVoices(), before + 1); // steps
 }
 
 TEST_F(StoryTest, WalkingToAWayOutLeadsThroughItAndLookingAtItDoesNot) {
