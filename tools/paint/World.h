@@ -1,6 +1,6 @@
 #pragma once
 // The painted world: the five landscapes with and without their tower, the runner's
-// sheets, the title picture and the icon.
+// sheets, the title picture, the game's icon and the adventure's.
 #include "tools/paint/Paint.h"
 
 #include <string>
@@ -59,5 +59,7 @@ void PaintRunner(Picture& p, int firstInk, Pose pose, int frame, bool facingLeft
 
 void PaintTitle(Picture& out, Palette& palette);
 void PaintIcon(Picture& out, Palette& palette);
+// The icon of the adventure "Der Vorabend": the beacon burning on the tower at night.
+void PaintBeaconIcon(Picture& out, Palette& palette);
 
 } // namespace paint
