@@ -32,20 +32,10 @@ void PaintBeaconIcon(Picture& out, Palette& pal) {
     const int star = pal.Add(pge::Pixel(200, 204, 230));
 
     // A rounded tile of night sky, lighter towards the horizon, warm round the fire.
-    const float r = 5.0f * u;
-    adv::canvas::FillRoundRect(out.S(), 0.5f * u, 0.5f * u, s - u, s - u, r, Ink(outline));
-    const pge::vf2d fire{16.0f, 10.0f};
-    for (int y = 0; y < s; ++y)
-        for (int x = 0; x < s; ++x) {
-            if (out.At(x, y) != outline) continue;
-            const float fx = (x + 0.5f) / u, fy = (y + 0.5f) / u;
-            if (fx < 1.5f || fy < 1.5f || fx > 30.5f || fy > 30.5f) continue;
-            const float near = std::max(0.0f, 1.0f - std::hypot(fx - fire.x, (fy - fire.y) * 0.8f) / 12.0f);
-            const float tone = fy / 30.0f * 4.0f + near * 8.0f;
-            // Ordered dither where the tile is large enough to show it, plain bands below.
-            out.Set(x, y, u >= 3.0f ? Dither(sky, 10, tone, x, y) : sky + std::clamp(static_cast<int>(tone), 0, 9));
-        }
-    adv::canvas::StrokeRoundRect(out.S(), 0.5f * u, 0.5f * u, s - u, s - u, r, Ink(outline), std::max(u, 1.0f));
+    IconTile(out, outline, [&](int x, int y, float fx, float fy) {
+        const float near = std::max(0.0f, 1.0f - std::hypot(fx - 16.0f, (fy - 10.0f) * 0.8f) / 12.0f);
+        return IconShade(sky, 10, fy / 30.0f * 4.0f + near * 8.0f, x, y, u);
+    });
 
     // A few stars where the icon is large enough for them, and the moon's thin crescent.
     if (u >= 2.0f)
@@ -71,8 +61,7 @@ void PaintBeaconIcon(Picture& out, Palette& pal) {
                 const bool bed = u >= 2.0f && std::fmod(fy - wallTop + 12.0f, 3.0f) * u < 1.0f;
                 const bool head = u >= 4.0f && std::fmod(fx + static_cast<float>(course % 2) * 2.0f, 4.0f) * u < 1.0f;
                 const bool joint = bed || head;
-                out.Set(x, y, u >= 3.0f ? Dither(stone, 6, lit - (joint ? 1.5f : 0.0f), x, y)
-                                        : stone + std::clamp(static_cast<int>(lit - (joint ? 1.0f : 0.0f)), 0, 5));
+                out.Set(x, y, IconShade(stone, 6, lit - (joint ? (u >= 3.0f ? 1.5f : 1.0f) : 0.0f), x, y, u));
             }
     };
     wall(left, wallTop, right);
