@@ -43,6 +43,11 @@ key SPACE
 idle
 expect scene hof
 shot hof.png
+# The text speed on the main keyboard's keys.
+key EQUALS
+expect toast Texttempo 5 / 8
+key MINUS
+expect toast Texttempo 4 / 8
 verb Nimm
 hotspot brot
 idle
