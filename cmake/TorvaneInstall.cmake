@@ -25,6 +25,12 @@ function(torvane_install_program target)
     set(name ${target})
   endif()
   install(TARGETS ${target} RUNTIME DESTINATION ${TORVANE_INSTALL_PROGRAMDIR})
+  # A stripped program (cpack, cmake --install --strip) also loses the compilers' notes, as
+  # Debian's own stripping does.
+  install(CODE "if(CMAKE_INSTALL_DO_STRIP)
+    execute_process(COMMAND \"${CMAKE_OBJCOPY}\" --remove-section=.comment
+      \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${TORVANE_INSTALL_PROGRAMDIR}/${name}\" COMMAND_ERROR_IS_FATAL ANY)
+  endif()")
   file(RELATIVE_PATH to /${TORVANE_INSTALL_BINDIR} /${TORVANE_INSTALL_PROGRAMDIR}/${name})
   file(CREATE_LINK ${to} ${TORVANE_LINK_DIR}/bin/${name} SYMBOLIC)
   install(FILES ${TORVANE_LINK_DIR}/bin/${name} DESTINATION ${TORVANE_INSTALL_BINDIR})

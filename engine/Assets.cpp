@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <filesystem>
+#include <unistd.h>
 
 namespace adv {
 namespace {
@@ -44,6 +45,13 @@ void Assets::Init(const std::string& executable) {
         }
     }
     s_root = "assets";
+}
+
+std::string Assets::ProgramPath(const char* argv0) {
+    char buffer[4095];
+    const ssize_t n = readlink("/proc/self/exe", buffer, sizeof(buffer));
+    if (n > 0) return std::string(buffer, size_t(n));
+    return argv0 ? argv0 : "";
 }
 
 const std::string& Assets::Root() { return s_root; }

@@ -16,6 +16,8 @@ public:
     // executable: the program's path. Tries the bundle layout beside it, then up to four
     // levels above the working directory, then above the program; else "assets".
     static void Init(const std::string& executable);
+    // The program's real path, links resolved, from /proc/self/exe; else argv0 (may be null).
+    static std::string ProgramPath(const char* argv0);
     static const std::string& Root();
     // True unless root/key is a regular file.
     static bool Missing(const std::string& key);

@@ -3,15 +3,8 @@
 #include "engine/Assets.h"
 #include "game/TorvaneApp.h"
 
-#include <string>
-#include <unistd.h>
-
 int main(int argc, char** argv) {
-    std::string path = (argc > 0 && argv[0]) ? argv[0] : "";
-    char buffer[4095];
-    const ssize_t n = readlink("/proc/self/exe", buffer, sizeof(buffer));
-    if (n > 0) path.assign(buffer, size_t(n));
-    adv::Assets::Init(path);
+    adv::Assets::Init(adv::Assets::ProgramPath(argc > 0 ? argv[0] : nullptr));
 
     torvane::TorvaneApp app;
     const bool windowed = torvane::ApplyRunOptions(app, argc, argv);

@@ -136,6 +136,8 @@ void PixelEngine::pge_Frame(float fElapsedTime) {
 
     ScanButtons(pKeyboardState, pKeyNewState, pKeyOldState, 256);
     ScanButtons(pMouseState, pMouseNewState, pMouseOldState, kMouseButtons);
+    std::copy(std::begin(pMousePressCache), std::end(pMousePressCache), pMousePresses);
+    std::fill(std::begin(pMousePressCache), std::end(pMousePressCache), 0);
     vMousePos = vMousePosCache;
     nMouseWheelDelta = nMouseWheelDeltaCache;
     nMouseWheelDeltaCache = 0;
@@ -182,7 +184,9 @@ void PixelEngine::pge_UpdateMouse(int32_t x, int32_t y) {
 void PixelEngine::pge_UpdateMouseWheel(int32_t delta) { nMouseWheelDeltaCache += delta; }
 
 void PixelEngine::pge_UpdateMouseState(int32_t button, bool state) {
-    if (button >= 0 && uint32_t(button) < kMouseButtons) pMouseNewState[button] = state;
+    if (button < 0 || uint32_t(button) >= kMouseButtons) return;
+    if (state && !pMouseNewState[button]) ++pMousePressCache[button];
+    pMouseNewState[button] = state;
 }
 
 void PixelEngine::pge_UpdateKeyState(int32_t key, bool state) {

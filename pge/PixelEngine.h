@@ -71,6 +71,9 @@ public:
 
     HWButton GetKey(Key k) const { return pKeyboardState[k]; }
     HWButton GetMouse(uint32_t b) const { return b < kMouseButtons ? pMouseState[b] : HWButton(); }
+    // How often button b went down since the last frame, also when it came up again before
+    // this frame and so shows in no state of GetMouse: a click quicker than a frame.
+    int32_t GetMousePresses(uint32_t b) const { return b < kMouseButtons ? pMousePresses[b] : 0; }
     const vi2d& GetMousePos() const { return vMousePos; }
     int32_t GetMouseWheel() const { return nMouseWheelDelta; }
     float GetElapsedTime() const { return fLastElapsed; }
@@ -147,6 +150,8 @@ private:
     bool pMouseNewState[kMouseButtons] = {};
     bool pMouseOldState[kMouseButtons] = {};
     HWButton pMouseState[kMouseButtons] = {};
+    int32_t pMousePressCache[kMouseButtons] = {}; // written by the event handler
+    int32_t pMousePresses[kMouseButtons] = {};
     Renderable fontRenderable;
 };
 

@@ -57,6 +57,8 @@ void FillKeyTable() {
     mapKeys[XK_Control_R] = CTRL;
     mapKeys[XK_space] = SPACE;
     mapKeys[XK_period] = PERIOD;
+    mapKeys[XK_minus] = MINUS;
+    mapKeys[XK_equal] = EQUALS;
     mapKeys[XK_KP_Multiply] = NP_MUL;
     mapKeys[XK_KP_Add] = NP_ADD;
     mapKeys[XK_KP_Divide] = NP_DIV;

@@ -1,5 +1,5 @@
-// Composes the game's five music tracks as WAV files and draws the studio logo as a JPEG.
-// Usage: compose-music OUTDIR   (writes OUTDIR/<track>.wav and OUTDIR/logo.jpg)
+// Composes the game's five music tracks and the adventure's evening tune as WAV files and draws
+// the studio logo as a JPEG. Usage: compose-music OUTDIR   (writes OUTDIR/<track>.wav and OUTDIR/logo.jpg)
 // Everything is computed from the scores below with a fixed noise seed, so each run gives the
 // same files. Loops are rendered with a tail that is folded back into their start, so the end
 // runs on into the beginning without a seam.
@@ -331,6 +331,13 @@ std::vector<Piece> Pieces() {
                       "4:1 3:1 2:1 1:1  2:1 0:1 -1:1 -2:1  -2:1.5 -3:0.5 -4:2  -7:4",
                       "0...2...", "R-------", "x...............", "", "",
                       0.24, 0.26, 0.35, 0.05, 0.5});
+    // "Der Vorabend": B aeolian, slow and quiet, a lone tune over a soft heartbeat on the drum.
+    pieces.push_back({"vorabend", 47, kAeolian, 76, 10, true, {0, 3, 5, 2, 0, 5, 3, 4, 5, 4},
+                      "0:2 2:1 4:1  3:1.5 2:0.5 1:2  2:1 4:1 5:1 4:1  2:3 r:1 "
+                      "4:2 5:1 7:1  6:1.5 5:0.5 4:2  5:1 4:1 2:1 1:1  0:3 r:1 "
+                      "-1:1 0:1 2:1 4:1  3:2 1:1 -1:1",
+                      "0...1.2.", "R-------", "x.......x.......", "", "",
+                      0.20, 0.26, 0.32, 0.05, 0.35});
     return pieces;
 }
 

@@ -1,6 +1,7 @@
 // Paints the game's pictures: the five landscapes with and without their tower, their colour
 // cycles and tower frames (color-cycles.json), the runner's five sheets, the title picture and
-// the icon. Usage: paint-world OUTDIR   (writes OUTDIR/torvane/... and OUTDIR/icon/...)
+// the icon; and the icon of the adventure. Usage: paint-world OUTDIR   (writes OUTDIR/torvane/...
+// and OUTDIR/vorabend/icon/...)
 // Nothing is random and nothing is read, so each run gives the same bytes.
 #include "tools/paint/World.h"
 
@@ -49,6 +50,8 @@ int main(int argc, char** argv) {
     mkdir(out.c_str(), 0755);
     mkdir((out + "/torvane").c_str(), 0755);
     mkdir((out + "/torvane/icon").c_str(), 0755);
+    mkdir((out + "/vorabend").c_str(), 0755);
+    mkdir((out + "/vorabend/icon").c_str(), 0755);
     bool ok = true;
 
     std::ostringstream json;
@@ -79,6 +82,9 @@ int main(int argc, char** argv) {
         paint::Palette pal;
         paint::PaintIcon(icon, pal);
         ok &= Write(out + "/torvane/icon/torvane-" + std::to_string(size) + ".png", icon, pal, 0);
+        paint::Picture beacon(size, size);
+        paint::PaintBeaconIcon(beacon, pal);
+        ok &= Write(out + "/vorabend/icon/vorabend-" + std::to_string(size) + ".png", beacon, pal, 0);
     }
     return ok ? 0 : 1;
 }

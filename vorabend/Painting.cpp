@@ -2,6 +2,7 @@
 
 #include "engine/Canvas.h"
 #include "engine/Text.h"
+#include "engine/adventure/Lang.h"
 
 #include <cmath>
 #include <random>
@@ -383,13 +384,13 @@ void DrawTitle(pge::PixelEngine& engine, float elapsed) {
                             adv::text::Align::Centre);
     int y = 80;
     for (const std::string& line : adv::text::Wrap(engine,
-             "Eine Geschichte aus der Vellmark, am Abend vor der ersten Belagerung. "
-             "Im Osten brennen die Feuer des Feindes, und auf dem Turm wartet das Leuchtfeuer.", 230)) {
+             adv::Tr("Eine Geschichte aus der Vellmark, am Abend vor der ersten Belagerung. "
+                     "Im Osten brennen die Feuer des Feindes, und auf dem Turm wartet das Leuchtfeuer."), 230)) {
         adv::text::DrawOutlined(engine, cx, y, line, Pixel(240, 224, 200), Pixel(30, 20, 30), 1, adv::text::Align::Centre);
         y += 11;
     }
     if (std::fmod(elapsed, 1.2f) < 0.8f)
-        adv::text::DrawOutlined(engine, cx, 218, "Klick oder Leertaste: Beginnen", Pixel(255, 226, 150),
+        adv::text::DrawOutlined(engine, cx, 218, adv::Tr("Klick oder Leertaste: Beginnen"), Pixel(255, 226, 150),
                                 Pixel(30, 20, 30), 1, adv::text::Align::Centre);
 }
 

@@ -1,6 +1,8 @@
 #include "vorabend/PlayScript.h"
 
 #include "engine/Screenshot.h"
+#include "engine/adventure/Lang.h"
+#include "engine/adventure/PanelLayout.h"
 #include "pge/Platform.h"
 
 #include <cmath>
@@ -30,7 +32,7 @@ bool Quiet(adv::AdventureGame& game) {
 const std::map<std::string, pge::Key> kKeys = {
     {"F1", pge::F1}, {"F5", pge::F5}, {"F8", pge::F8}, {"ESCAPE", pge::ESCAPE}, {"SPACE", pge::SPACE},
     {"RETURN", pge::RETURN}, {"MINUS", pge::MINUS}, {"EQUALS", pge::EQUALS}, {"CTRL", pge::CTRL},
-    {"C", pge::C}, {"D", pge::D},
+    {"C", pge::C}, {"D", pge::D}, {"L", pge::L},
 };
 
 } // namespace
@@ -117,7 +119,8 @@ bool PlayScript::Run(adv::AdventureGame& game, const std::string& line, float dt
             const auto& items = game.inventory.items;
             const int i = int(std::find(items.begin(), items.end(), id) - items.begin()) - game.inventory.scroll;
             if (i < 0 || i >= adv::Inventory::kCells || !game.inventory.Has(id)) return Fail("nicht im sichtbaren Inventar");
-            at = {float(246 + 33 * (i % 4) + 16), float(192 + 24 * (i / 4) + 12)};
+            using namespace adv::panel;
+            at = {float(kInvX + kInvW * (i % 4) + kInvW / 2), float(kInvY + kInvH * (i / 4) + kInvH / 2)};
         } else if (kind == "point") {
             std::istringstream xy(id);
             float x = 0, y = 0;
@@ -162,16 +165,17 @@ bool PlayScript::Run(adv::AdventureGame& game, const std::string& line, float dt
         return true;
     }
     if (command == "verb") {
+        using namespace adv::panel;
         for (int i = 0; i < 9; ++i)
-            if (adv::VerbName(adv::kVerbGrid[i]) == rest)
-                return Click(game, {float(8 + 72 * (i % 3) + 36), float(16 * (12 + i / 3) + 8)}, false);
+            if (adv::Tr(adv::VerbName(adv::kVerbGrid[i])) == rest)
+                return Click(game, {float(kVerbX + kVerbW * (i % 3) + kVerbW / 2), float(kVerbY + kVerbH * (i / 3) + kVerbH / 2)}, false);
         return Fail("kein solches Verb");
     }
     if (command == "option") {
         if (game.runner.Running()) return false; // the options show once the line is spoken
         for (const pge::vi2d& row : game.DialogueRows()) {
             const auto& options = game.dialogues.at(game.dialogue).nodes.at(game.dialogueNode);
-            if (StartsWith(options[size_t(row.x)].text, rest)) return Click(game, {40.0f, float(row.y + 5)}, false);
+            if (StartsWith(adv::Tr(options[size_t(row.x)].text), rest)) return Click(game, {40.0f, float(row.y + 5)}, false);
         }
         return Fail("keine solche Antwort zu sehen");
     }
@@ -230,7 +234,7 @@ bool PlayScript::Run(adv::AdventureGame& game, const std::string& line, float dt
         } else if (what == "option" || what == "nooption") {
             bool seen = false;
             for (const pge::vi2d& row : game.DialogueRows())
-                seen = seen || StartsWith(game.dialogues.at(game.dialogue).nodes.at(game.dialogueNode)[size_t(row.x)].text, value);
+                seen = seen || StartsWith(adv::Tr(game.dialogues.at(game.dialogue).nodes.at(game.dialogueNode)[size_t(row.x)].text), value);
             ok = seen == (what == "option");
         } else if (what == "sentence") {
             ok = game.sentence == value;

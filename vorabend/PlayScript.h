@@ -1,6 +1,7 @@
 #pragma once
 // Plays the game from a text file of commands through the real mouse and keyboard state,
-// one frame after another, for end-to-end tests and demonstrations. Each line is one command:
+// one frame after another, for end-to-end tests and demonstrations. Verbs, options, menu rows and
+// expected texts are written as the game shows them, in its present language. Each line is one command:
 //
 //   verb Benutze            click a verb cell by its name
 //   hotspot brot [right]    click the middle of a hotspot of the current scene
@@ -12,7 +13,7 @@
 //   menu Spiel laden        click the menu row that begins so
 //   slot 3                  click the row of a save slot, counted from 1
 //   key F5                  press and release a key (F1, F5, F8, ESCAPE, SPACE, RETURN, MINUS, EQUALS,
-//                           C, D), or several at once: key CTRL+D
+//                           C, D, L), or several at once: key CTRL+D
 //   idle                    wait until nothing runs, walks or speaks
 //   wait 1.5                wait so many seconds of game time
 //   shot FILE               write the screen as a PNG file

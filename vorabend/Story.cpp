@@ -1,6 +1,9 @@
 #include "vorabend/Story.h"
 
+#include "engine/Music.h"
 #include "vorabend/Painting.h"
+#include "vorabend/Sounds.h"
+#include "vorabend/StoryEnglish.h"
 
 #include <map>
 #include <string>
@@ -15,6 +18,15 @@ using adv::Script;
 using adv::Verb;
 
 namespace {
+
+// One tune through the whole evening, from the title card on.
+constexpr const char* kMusic = "vorabend/music/vorabend.mp3";
+constexpr float kMusicFade = 1.2f;
+
+// Picking a thing up: it goes into the inventory and out of the scene.
+Script PickUp(const std::string& id) {
+    return Script().PlaySound(sounds::kPickUp).GiveItem(id).SetHotspotEnabled(id, false);
+}
 
 // Places an object with its picture and a hotspot of the same id, so that taking it
 // (switching the hotspot off) also takes it out of the picture.
@@ -49,7 +61,7 @@ public:
             return;
         }
         // A click that started no script was a walk: towards a way out, or elsewhere.
-        const bool clicked = game.GetMouse(0).bPressed || game.GetMouse(1).bPressed;
+        const bool clicked = game.Clicked(0) || game.Clicked(1);
         if (clicked && game.GetMousePos().y < adv::AdventureGame::kPlayHeight)
             chosen = exits.count(game.hoveredHotspot) ? game.hoveredHotspot : std::string();
         if (chosen.empty()) return;
@@ -59,7 +71,9 @@ public:
         const adv::vf2d there = game.current->walkArea.ClampToArea(h->approach);
         const Way way = exits[chosen];
         chosen.clear();
-        if (adv::Distance(player.position, there) <= kArrived) game.ChangeScene(way.scene, way.entry);
+        if (adv::Distance(player.position, there) > kArrived) return;
+        game.PlaySound(sounds::kDoor);
+        game.ChangeScene(way.scene, way.entry);
     }
 
 private:
@@ -79,6 +93,7 @@ public:
     std::string DisplayName() const override { return "Burghof"; }
     void Build(adv::AdventureGame&, Scene& s) override {
         s.painted = painting::Courtyard();
+        s.music = kMusic;
         s.walkArea.outer = {{{4, 124}, {436, 124}, {450, 150}, {560, 150}, {572, 174}, {4, 174}}};
         s.walkArea.holes = {
             {{{124, 124}, {186, 124}, {188, 152}, {122, 152}}}, // the well
@@ -103,7 +118,7 @@ public:
         s.AddRectHotspot("bank", "Bank", 226, 128, 68, 20).scripts[Verb::Look] = Says("Hier essen die Wachen.");
         Hotspot& bread = Thing(s, "brot", "Brot", {252, 121}, painting::Bread(), {262, 156});
         bread.scripts[Verb::Look] = Says("Ein Laib Brot, noch warm.");
-        bread.scripts[Verb::Take] = Script().Say("player", "Das nehme ich mit.").GiveItem("brot").SetHotspotEnabled("brot", false);
+        bread.scripts[Verb::Take] = Script().Say("player", "Das nehme ich mit.").Append(PickUp("brot"));
 
         Hotspot& door = s.AddRectHotspot("tuer", "Turmtür", 472, 96, 34, 54);
         door.hasApproach = true;
@@ -112,6 +127,7 @@ public:
         door.scripts[Verb::Open] = Script().Say("player", "Verschlossen.").SetFlag("tuer_probiert", 1);
         door.useScripts["schluessel"] = Script()
                                             .Say("player", "Der Schlüssel dreht sich schwer, aber er dreht sich.")
+                                            .PlaySound(sounds::kDoor)
                                             .TakeItem("schluessel")
                                             .SetHotspotEnabled("tuer", false)
                                             .SetHotspotEnabled("tuer_offen", true)
@@ -129,6 +145,7 @@ public:
     std::string DisplayName() const override { return "Schmiede"; }
     void Build(adv::AdventureGame&, Scene& s) override {
         s.painted = painting::Smithy();
+        s.music = kMusic;
         s.walkArea.outer = {{{8, 116}, {352, 116}, {372, 128}, {380, 174}, {4, 174}}};
         s.walkArea.holes = {
             {{{14, 116}, {104, 116}, {104, 128}, {14, 128}}},   // the forge
@@ -150,7 +167,7 @@ public:
         s.AddRectHotspot("amboss", "Amboss", 144, 118, 54, 34).scripts[Verb::Look] = Says("Der Amboss, kalt und schwer.");
         Hotspot& steel = Thing(s, "feuerstahl", "Feuerstahl", {162, 114}, painting::FireSteel(), {170, 160});
         steel.scripts[Verb::Look] = Says("Feuerstahl und Stein.");
-        steel.scripts[Verb::Take] = Script().GiveItem("feuerstahl").SetHotspotEnabled("feuerstahl", false);
+        steel.scripts[Verb::Take] = PickUp("feuerstahl");
         s.AddRectHotspot("werkbank", "Werkbank", 244, 100, 100, 34).scripts[Verb::Look] = Says("Die Werkbank, voller Späne.");
         Hotspot& barrel = s.AddRectHotspot("oelfass", "Ölfass", 286, 116, 30, 36);
         barrel.hasApproach = true;
@@ -159,10 +176,10 @@ public:
         barrel.scripts[Verb::Take] = Says("Viel zu schwer.");
         barrel.scripts[Verb::Open] = Says("Es ist schon offen. Es riecht nach Lampenöl.");
         barrel.useScripts["lappen"] =
-            Script().Say("player", "Ich tränke den Lappen im Öl.").TakeItem("lappen").GiveItem("oellappen");
+            Script().Say("player", "Ich tränke den Lappen im Öl.").TakeItem("lappen").PlaySound(sounds::kPickUp).GiveItem("oellappen");
         Hotspot& rag = Thing(s, "lappen", "Lappen", {300, 96}, painting::Rag(), {272, 142});
         rag.scripts[Verb::Look] = Says("Ein alter Lappen.");
-        rag.scripts[Verb::Take] = Script().GiveItem("lappen").SetHotspotEnabled("lappen", false);
+        rag.scripts[Verb::Take] = PickUp("lappen");
         Exit(s, "tuer", "Tür zum Hof", Polygon::Rect(356, 54, 28, 74), {366, 140}, Facing::Right, "hof", "werkstatt");
     }
 };
@@ -172,6 +189,7 @@ public:
     std::string DisplayName() const override { return "Turmspitze"; }
     void Build(adv::AdventureGame&, Scene& s) override {
         s.painted = painting::Battlement();
+        s.music = kMusic;
         s.walkArea.outer = {{{6, 126}, {378, 126}, {380, 174}, {4, 174}}};
         s.walkArea.holes = {
             {{{246, 124}, {318, 124}, {318, 146}, {246, 146}}}, // the beacon's plinth
@@ -198,6 +216,7 @@ public:
             "lappen_drin",
             Script()
                 .Say("player", "Funken... der Lappen fängt Feuer!")
+                .PlaySound(sounds::kFire)
                 .SetHotspotEnabled("flammen", true)
                 .Wait(1.0f)
                 .Say("player", "Brenn, Feuer. Weck die Vellmark.")
@@ -217,6 +236,7 @@ public:
 // The title card, until a click or a key.
 class Title : public adv::ScreenDefinition {
 public:
+    void OnEnter(adv::AdventureGame&) override { adv::Music::Play(kMusic, true, kMusicFade); }
     void Draw(adv::AdventureGame& game, float elapsed) override { painting::DrawTitle(game, elapsed); }
 };
 
@@ -237,6 +257,7 @@ adv::Actor Guard() {
                                .Say("hella", "Brot! Du bist ein Schatz, Torvane.")
                                .TakeItem("brot")
                                .Say("hella", "Hier, der Turmschlüssel. Zünde das Feuer an, bevor es zu spät ist.")
+                               .PlaySound(sounds::kPickUp)
                                .GiveItem("schluessel")
                                .SetFlag("schluessel_erhalten", 1);
     return a;
@@ -287,10 +308,13 @@ void AddItem(adv::AdventureGame& game, const std::string& id, const std::string&
 } // namespace
 
 void BuildStory(adv::AdventureGame& game) {
+    adv::AddEnglish(StoryEnglish());
+    sounds::AddTo(game);
     adv::Actor hero;
     hero.id = "player";
     hero.name = "Torvane";
     hero.look.coat = {58, 96, 110};
+    hero.stepSound = sounds::kStep;
     game.AddActor(hero);
     game.SetPlayer("player");
     game.AddActor(Guard());

@@ -1,7 +1,10 @@
 // "Der Vorabend", a short point-and-click adventure of the Vellmark.
-//   vorabend [--fullscreen] [--skip-intro] [--play=FILE] [--exit-after=SECONDS]
+//   vorabend [--fullscreen] [--skip-intro] [--no-sound] [--play=FILE] [--exit-after=SECONDS]
+#include "engine/Assets.h"
+#include "engine/Music.h"
 #include "engine/adventure/AdventureGame.h"
 #include "engine/adventure/SaveGame.h"
+#include "vorabend/GameLanguage.h"
 #include "vorabend/PlayScript.h"
 #include "vorabend/Story.h"
 
@@ -39,6 +42,9 @@ public:
 } // namespace
 
 int main(int argc, char** argv) {
+    // The music lies in the asset tree beside the program's real path, as the game's does.
+    adv::Assets::Init(adv::Assets::ProgramPath(argc > 0 ? argv[0] : nullptr));
+
     VorabendApp app;
     app.sAppName = "Der Vorabend";
     vorabend::PlayScript play;
@@ -49,6 +55,8 @@ int main(int argc, char** argv) {
             fullScreen = true;
         } else if (arg == "--skip-intro") {
             app.skipIntro = true;
+        } else if (arg == "--no-sound") {
+            adv::Music::Disable();
         } else if (arg.rfind("--exit-after=", 0) == 0) {
             char* end = nullptr;
             const float seconds = std::strtof(arg.c_str() + 13, &end);
@@ -64,6 +72,8 @@ int main(int argc, char** argv) {
         }
     }
     adv::savegame::SetFolderName("Vorabend");
+    vorabend::FollowGameLanguage();
+    app.SetLanguageKeeper([](adv::Language language) { vorabend::KeepLanguage(language); });
     app.SetContentBuilder(vorabend::BuildStory);
     if (app.Construct(adv::AdventureGame::kViewWidth, adv::AdventureGame::kViewHeight, 3, 3, fullScreen) && !app.Start())
         return 1;

@@ -17,6 +17,12 @@ float Actor::SpeechDuration(const std::string& text) {
     return std::max(0.9f + 0.055f * float(text.size()), 1.2f) * kSpeedFactors[g_textSpeed];
 }
 
+int Actor::Footfalls(float from, float to) {
+    // Foot k lands at (pi / 2 + k pi) / kStrideRate seconds.
+    const auto landed = [](float t) { return int(std::floor((t * kStrideRate - 1.5707964f) / 3.1415927f)); };
+    return std::max(0, landed(to) - landed(from));
+}
+
 void Actor::SetTextSpeed(int speed) { g_textSpeed = std::clamp(speed, 0, kTopTextSpeed); }
 
 int Actor::TextSpeed() { return g_textSpeed; }

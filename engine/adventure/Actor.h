@@ -41,6 +41,7 @@ struct Actor {
     std::string speech;
     float speechTime = 0.0f;
     float walkClock = 0.0f; // drives the stride
+    std::string stepSound;  // played at each footfall while the figure walks in view; empty for none
 
     // seconds not positive: SpeechDuration(text).
     void Say(const std::string& text, float seconds);
@@ -57,6 +58,10 @@ struct Actor {
     vf2d ApproachPoint(vf2d from) const;
 
     static float SpeechDuration(const std::string& text);
+    // The legs swing as sin(walkClock * kStrideRate); a foot lands at each end of the swing.
+    static constexpr float kStrideRate = 11.0f;
+    // The footfalls after walking `from` seconds up to `to` seconds.
+    static int Footfalls(float from, float to);
     // Process-wide, 0..8, 4 at first.
     static void SetTextSpeed(int speed);
     static int TextSpeed();

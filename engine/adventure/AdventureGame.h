@@ -5,6 +5,7 @@
 #include "engine/adventure/Actor.h"
 #include "engine/adventure/GameMenu.h"
 #include "engine/adventure/Inventory.h"
+#include "engine/adventure/Lang.h"
 #include "engine/adventure/SaveGame.h"
 #include "engine/adventure/SceneManager.h"
 #include "engine/adventure/Script.h"
@@ -48,6 +49,8 @@ public:
 
     // Building; the builder runs at the start and at every new game.
     void SetContentBuilder(std::function<void(AdventureGame&)> builder);
+    // Called with the new language whenever the player switches it, so that it can be kept.
+    void SetLanguageKeeper(std::function<void(Language)> keeper) { languageKeeper = std::move(keeper); }
     void SetStartScene(const std::string& id) { startScene = id; }
     void RegisterScene(const std::string& id, std::unique_ptr<SceneDefinition> definition);
     Actor& AddActor(const Actor& actor);
@@ -55,10 +58,14 @@ public:
     Item& AddItem(const Item& item);
     Dialogue& AddDialogue(const Dialogue& dialogue);
     void AddIntroScreen(std::unique_ptr<ScreenDefinition> screen);
+    // A sound by name, mono samples at 44100 a second; a name keeps its first sound, also
+    // through a new game.
+    void AddSound(const std::string& id, std::vector<float> samples);
 
     // Running.
     bool OnUserCreate() override;
     bool OnUserUpdate(float elapsed) override;
+    bool OnUserDestroy() override;
     void BeginPlay();
     void RestartGame();
     void FinishGame(const std::string& text);
@@ -68,6 +75,8 @@ public:
     void WalkPlayerTo(vf2d point);
     void Narrate(const std::string& text, float seconds);
     void ShowToast(const std::string& text, float seconds = kToastSeconds);
+    // Silence for a name without a sound, or without an audio device.
+    void PlaySound(const std::string& id, float volume = 1.0f);
     void BeginDialogue(const std::string& id);
     void EndDialogue();
     void SetDialogueNode(const std::string& name);
@@ -80,6 +89,9 @@ public:
     void QuitAfter(float seconds) { quitTimer = seconds; }
 
     // Interaction, reachable for tests and scripted play.
+    // Whether mouse button b (0 left, 1 right) was clicked since the last frame, however
+    // quickly it came up again.
+    bool Clicked(uint32_t b) const { return GetMousePresses(b) > 0; }
     void HandlePlayAreaClick(vf2d point, bool secondary);
     void HandleUiClick(pge::vi2d point, bool secondary);
     void InteractWithHotspot(Hotspot& hotspot, Verb v, vf2d point);
@@ -168,6 +180,8 @@ private:
     void DrawDebug();
     void DrawEnd();
     std::function<void(AdventureGame&)> contentBuilder;
+    std::function<void(Language)> languageKeeper;
+    std::map<std::string, int> soundClips; // by name, the clips of adv::Sound
     float quitTimer = 0.0f; // of a timed quit, counting down
 };
 

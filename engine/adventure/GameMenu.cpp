@@ -3,15 +3,19 @@
 #include "engine/Canvas.h"
 #include "engine/Text.h"
 #include "engine/adventure/Actor.h"
+#include "engine/adventure/Lang.h"
 
 namespace adv {
 
 namespace {
 
-constexpr int kPanelX = 82, kPanelY = 22, kPanelW = 220, kPanelH = 196;
+constexpr int kPanelX = 62, kPanelY = 22, kPanelW = 260, kPanelH = 196;
 constexpr int kRowH = 16;
 constexpr int kFirstRowY = kPanelY + 30;
 constexpr int kSlotTextX = kPanelX + 26; // right of the slot's number
+
+// A used slot's row: its label and the time of saving.
+std::string SlotLine(const savegame::SlotInfo& slot, const std::string& label) { return label + "  " + slot.saved; }
 
 } // namespace
 
@@ -64,11 +68,12 @@ GameMenu::Request GameMenu::Activate(int32_t action) {
         GoTo(Load);
         break;
     case kNewGame:
-        AskConfirm("Neues Spiel starten? Der aktuelle Fortschritt geht verloren.", Request::NewGame);
+        AskConfirm(Tr("Neues Spiel starten? Der aktuelle Fortschritt geht verloren."), Request::NewGame);
         break;
-    case kQuit: AskConfirm("Das Spiel wirklich beenden?", Request::Quit); break;
+    case kQuit: AskConfirm(Tr("Das Spiel wirklich beenden?"), Request::Quit); break;
     case kSpeedLeft: r.kind = Request::SpeedDown; break;
     case kSpeedRight: r.kind = Request::SpeedUp; break;
+    case kLanguage: r.kind = Request::SwitchLanguage; break;
     case kBack: GoTo(Main); break;
     case kYes:
         r.kind = pendingKind;
@@ -95,7 +100,7 @@ GameMenu::Request GameMenu::Activate(int32_t action) {
             } else if (page == Save && !slots[slot].exists) {
                 r = {Request::SaveSlot, slot};
             } else if (page == Save) {
-                AskConfirm("Feld " + std::to_string(slot + 1) + " ueberschreiben?", Request::SaveSlot, slot);
+                AskConfirm(Trf("Feld {0} ueberschreiben?", {std::to_string(slot + 1)}), Request::SaveSlot, slot);
             }
         }
     }
@@ -111,29 +116,30 @@ void GameMenu::BuildRows(pge::vi2d mouse) {
     int y = kFirstRowY;
     switch (page) {
     case Main:
-        add(kResume, "Spiel fortsetzen", y);
-        add(kSaveGame, "Spiel speichern", y += kRowH);
-        add(kLoadGame, "Spiel laden", y += kRowH);
-        add(kNewGame, "Neues Spiel", y += kRowH);
+        add(kResume, Tr("Spiel fortsetzen"), y);
+        add(kSaveGame, Tr("Spiel speichern"), y += kRowH);
+        add(kLoadGame, Tr("Spiel laden"), y += kRowH);
+        add(kNewGame, Tr("Neues Spiel"), y += kRowH);
         y += kRowH;
         // The speed row: its two ends are the buttons.
         add(kSpeedLeft, "<", y, x, 24);
         add(kSpeedRight, ">", y, x + w - 24, 24);
-        add(kQuit, "Spiel beenden", y += kRowH);
+        add(kLanguage, "L  " + Tr("Sprache / Language:") + " " + Tr("Deutsch"), y += kRowH);
+        add(kQuit, Tr("Spiel beenden"), y += kRowH);
         break;
     case Save:
     case Load:
         for (int i = 0; i < savegame::kSlots; ++i) {
             const savegame::SlotInfo& s = slots[i];
             // The slot's number stands before the row, drawn on its own.
-            add(kSlotRow + i, s.exists ? s.label + "  " + s.saved : "  - leer -", y, kSlotTextX, kPanelX + kPanelW - 12 - kSlotTextX);
+            add(kSlotRow + i, s.exists ? SlotLine(s, s.label) : Tr("  - leer -"), y, kSlotTextX, kPanelX + kPanelW - 12 - kSlotTextX);
             y += kRowH;
         }
-        add(kBack, "Zurueck", y + kRowH / 2);
+        add(kBack, Tr("Zurueck"), y + kRowH / 2);
         break;
     case Confirm:
-        add(kYes, "Ja", kPanelY + 110, x, w / 2 - 4);
-        add(kNo, "Nein", kPanelY + 110, x + w / 2 + 4, w / 2 - 4);
+        add(kYes, Tr("Ja"), kPanelY + 110, x, w / 2 - 4);
+        add(kNo, Tr("Nein"), kPanelY + 110, x + w / 2 + 4, w / 2 - 4);
         break;
     case Closed: break;
     }
@@ -148,6 +154,7 @@ GameMenu::Request GameMenu::Update(pge::PixelEngine& engine, float dt, bool clic
         if (messageTime <= 0.0f) message.clear();
     }
     BuildRows(engine.GetMousePos());
+    if (page == Main && engine.GetKey(pge::L).bPressed) return Activate(kLanguage);
     if (escape) {
         if (page == Main) return Activate(kResume);
         return Activate(page == Confirm ? kNo : kBack);
@@ -167,7 +174,7 @@ void GameMenu::Draw(pge::PixelEngine& engine, int textSpeed) {
     canvas::FillRoundRect(target, kPanelX, kPanelY, kPanelW, kPanelH, 5, ui::kPanel);
     canvas::StrokeRoundRect(target, kPanelX + 0.5f, kPanelY + 0.5f, kPanelW - 1, kPanelH - 1, 5, ui::kFrame, 1);
     const int cx = kPanelX + kPanelW / 2;
-    const char* heading = page == Save ? "SPIEL SPEICHERN" : page == Load ? "SPIEL LADEN" : "SPIELMENUE";
+    const std::string heading = Tr(page == Save ? "SPIEL SPEICHERN" : page == Load ? "SPIEL LADEN" : "SPIELMENUE");
     text::Draw(engine, cx, kPanelY + 10, heading, ui::kHighlight, 1, text::Align::Centre);
     canvas::FillRect(target, kPanelX + 12, kPanelY + 22, kPanelW - 24, 1, ui::kFrame);
     if (page == Confirm) {
@@ -178,7 +185,7 @@ void GameMenu::Draw(pge::PixelEngine& engine, int textSpeed) {
         }
     }
     if (page == Main) {
-        const std::string speed = "Texttempo " + std::to_string(textSpeed) + " / " + std::to_string(Actor::kTopTextSpeed);
+        const std::string speed = Trf("Texttempo {0} / {1}", {std::to_string(textSpeed), std::to_string(Actor::kTopTextSpeed)});
         text::Draw(engine, cx, kFirstRowY + 4 * kRowH + 3, speed, ui::kText, 1, text::Align::Centre);
     }
     for (size_t i = 0; i < rows.size(); ++i) {
@@ -190,9 +197,15 @@ void GameMenu::Draw(pge::PixelEngine& engine, int textSpeed) {
         if (centred) {
             text::Draw(engine, r.x + r.w / 2, r.y + 3, r.text, colour, 1, text::Align::Centre);
         } else {
-            if (r.action >= kSlotRow)
-                text::Draw(engine, kPanelX + 16, r.y + 3, std::to_string(r.action - kSlotRow + 1) + ".", ui::kMuted);
-            text::Draw(engine, r.x + 4, r.y + 3, r.text, colour);
+            std::string shown = r.text;
+            if (r.action >= kSlotRow) {
+                const int slot = r.action - kSlotRow;
+                text::Draw(engine, kPanelX + 16, r.y + 3, std::to_string(slot + 1) + ".", ui::kMuted);
+                // A label too long for the row is cut short; the time of saving stays whole.
+                const savegame::SlotInfo& s = slots[slot];
+                if (s.exists) shown = SlotLine(s, text::Fit(engine, s.label, r.w - 8 - text::Width(engine, SlotLine(s, ""))));
+            }
+            text::Draw(engine, r.x + 4, r.y + 3, shown, colour);
         }
     }
     if (!message.empty())

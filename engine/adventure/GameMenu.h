@@ -28,6 +28,7 @@ public:
     struct Request {
         enum Kind : int32_t {
             None = 0, Resume = 1, SaveSlot = 2, LoadSlot = 3, NewGame = 4, Quit = 5, SpeedUp = 6, SpeedDown = 7,
+            SwitchLanguage = 8,
         };
         int32_t kind = None;
         int32_t slot = -1;
@@ -36,7 +37,7 @@ public:
     // Row actions; slot n is kSlotRow + n.
     enum RowAction : int32_t {
         kResume = 1, kSaveGame = 2, kLoadGame = 3, kNewGame = 4, kQuit = 5, kSpeedLeft = 6, kSpeedRight = 7,
-        kBack = 8, kYes = 9, kNo = 10, kSlotRow = 100,
+        kBack = 8, kYes = 9, kNo = 10, kLanguage = 11, kSlotRow = 100,
     };
 
     struct Row {
@@ -54,6 +55,7 @@ public:
     // Shown for kMessageSeconds.
     void ShowMessage(const std::string& text);
     void RefreshSlots();
+    // On the main page the key L switches the language, as its row does.
     Request Update(pge::PixelEngine& engine, float dt, bool clicked, bool escape);
     Request Activate(int32_t action);
     void Draw(pge::PixelEngine& engine, int textSpeed);

@@ -45,6 +45,13 @@ std::vector<std::string> Words(const std::string& line) {
     return words;
 }
 
+// Text that runs to the end of its line, with a line break in it written as a blank.
+std::string OneLine(std::string text) {
+    for (char& c : text)
+        if (c == '\n' || c == '\r') c = ' ';
+    return text;
+}
+
 // The text after the first word, with one leading blank cut off.
 std::string Rest(const std::string& line) {
     const size_t blank = line.find(' ');
@@ -127,9 +134,9 @@ std::string Timestamp() {
 std::string Serialise(const SaveData& d) {
     std::ostringstream out;
     out << kMagic << ' ' << kVersion << '\n';
-    out << "saved " << d.saved << '\n';
+    out << "saved " << OneLine(d.saved) << '\n';
     out << "scene " << d.scene << '\n';
-    out << "label " << d.label << '\n';
+    out << "label " << OneLine(d.label) << '\n';
     out << "textspeed " << d.textSpeed << '\n';
     out << "invscroll " << d.inventoryScroll << '\n';
     for (const auto& [name, value] : d.flags) out << "flag " << name << ' ' << value << '\n';

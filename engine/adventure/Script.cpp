@@ -1,6 +1,7 @@
 #include "engine/adventure/Script.h"
 
 #include "engine/adventure/AdventureGame.h"
+#include "engine/adventure/Lang.h"
 
 namespace adv {
 
@@ -10,7 +11,7 @@ class SayAction : public Action {
 public:
     SayAction(std::string actor, std::string text) : actor(std::move(actor)), text(std::move(text)) {}
     void OnStart(AdventureGame& game) override {
-        if (Actor* a = game.FindActor(actor)) a->Say(text, -1.0f);
+        if (Actor* a = game.FindActor(actor)) a->Say(Tr(text), -1.0f);
     }
     bool OnUpdate(AdventureGame& game, float) override {
         const Actor* a = game.FindActor(actor);
@@ -30,8 +31,9 @@ class NarrateAction : public Action {
 public:
     explicit NarrateAction(std::string text) : text(std::move(text)) {}
     void OnStart(AdventureGame& game) override {
-        left = Actor::SpeechDuration(text);
-        game.Narrate(text, left);
+        const std::string shown = Tr(text);
+        left = Actor::SpeechDuration(shown);
+        game.Narrate(shown, left);
     }
     bool OnUpdate(AdventureGame&, float dt) override {
         left -= dt;
@@ -158,6 +160,10 @@ Script& Script::If(Condition condition, const Script& thenScript, const Script& 
 
 Script& Script::IfFlag(const std::string& name, const Script& thenScript, const Script& elseScript) {
     return If([name](AdventureGame& g) { return g.Flag(name) != 0; }, thenScript, elseScript);
+}
+
+Script& Script::PlaySound(const std::string& id) {
+    return Do([id](AdventureGame& g) { g.PlaySound(id); });
 }
 
 Script& Script::GiveItem(const std::string& id) {

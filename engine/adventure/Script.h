@@ -41,6 +41,8 @@ public:
     Script& If(Condition condition, const Script& thenScript, const Script& elseScript = {});
     // The branch is taken when the flag exists and is not 0.
     Script& IfFlag(const std::string& name, const Script& thenScript, const Script& elseScript = {});
+    // A sound the game has by that name; an unknown name is silence.
+    Script& PlaySound(const std::string& id);
     Script& GiveItem(const std::string& id);
     Script& TakeItem(const std::string& id);
     Script& SetFlag(const std::string& name, int32_t value);

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# `cpack -G DEB` makes a package whose dependencies dpkg-shlibdeps found, and which holds the
-# installed layout below /usr; the unpacked simulator runs from there.
+# `cpack -G DEB` makes a package whose dependencies dpkg-shlibdeps found, which holds the
+# installed layout below /usr, and in which lintian finds no error and no warning; the unpacked
+# simulator runs from there.
 set -euo pipefail
 BUILD=$1
 HERE=$(cd "$(dirname "$0")" && pwd)
@@ -24,6 +25,9 @@ echo "Depends: $depends"
 for lib in 'libc6 (>= ' libx11-6 'libsdl2-2.0-0 (>= ' 'libmpg123-0 (>= ' 'libstdc++6 (>= '; do
     case "$depends" in *"$lib"*) ;; *) fail "no $lib in the dependencies" ;; esac
 done
+
+# Lintian knows Debian's rules; a tag that is only information or pedantic is shown, not failed.
+lintian --fail-on error,warning --tag-display-limit 0 "$deb" >lintian.log 2>&1 || fail "lintian: $(cat lintian.log)"
 
 dpkg-deb -x "$deb" root
 check_layout "$WORK/root/usr" "$HERE/../.."

@@ -2,6 +2,7 @@
 # "Der Vorabend" played through its whole solution by scripted mouse and keys: half of it,
 # saved to a slot and quit; then a new start that loads the slot and plays to the end.
 # Broken save files and an unwritable data folder are reported in the menu, never fatal.
+# The adventure speaks the tower game's language, and its menu's L switches it for both.
 set -euo pipefail
 BUILD=$1
 HERE=$(cd "$(dirname "$0")" && pwd)
@@ -9,6 +10,9 @@ source "$HERE/lib/xvfb.bash"
 start_xvfb_in_workdir
 export XDG_DATA_HOME="$WORK/data"
 SAVES="$XDG_DATA_HOME/Vorabend/saves"
+SETTINGS="$XDG_DATA_HOME/Torvane/settings.txt"
+mkdir -p "$XDG_DATA_HOME/Torvane"
+printf 'settings_version=2\ndifficulty=hard\nlanguage=de\n' > "$SETTINGS"
 
 # Every picture decodes and has the adventure's size.
 check_png() {
@@ -39,6 +43,11 @@ key SPACE
 idle
 expect scene hof
 shot hof.png
+# The text speed on the main keyboard's keys.
+key EQUALS
+expect toast Texttempo 5 / 8
+key MINUS
+expect toast Texttempo 4 / 8
 verb Nimm
 hotspot brot
 idle
@@ -188,21 +197,42 @@ play second --skip-intro
 for f in battlement end; do check_png "$f.png"; done
 head -c 20 "$SAVES/slot1.sav" | grep -q "^other-save" || fail "a broken slot was overwritten"
 
-# A data folder that cannot be made: saving fails with a message and the game goes on.
+# L in the menu switches to English, at once and in the game's settings, which keep the rest.
+cat > language.txt <<EOF
+idle
+hover point 10 20
+key F5
+key L
+wait 0.2
+shot menu_en.png
+key ESCAPE
+wait 0.2
+expect sentence Walk to
+key F5
+menu Quit game
+menu Yes
+EOF
+play language --skip-intro
+check_png menu_en.png
+grep -qx 'language=en' "$SETTINGS" || fail "the switch was not kept: $(cat "$SETTINGS")"
+grep -qx 'difficulty=hard' "$SETTINGS" || fail "the game's other settings were lost: $(cat "$SETTINGS")"
+
+# A data folder that cannot be made: saving fails with a message and the game goes on, in
+# English, as there are no settings of the game either.
 : > "$WORK/afile"
 cat > nosave.txt <<EOF
 key F5
-menu Spiel speichern
+menu Save game
 slot 1
 wait 0.2
-expect message Speichern fehlgeschlagen
-menu Zurueck
-menu Spiel fortsetzen
+expect message Saving failed
+menu Back
+menu Resume game
 wait 0.2
 expect scene hof
 key CTRL+C
 wait 0.2
-menu Ja
+menu Yes
 EOF
 XDG_DATA_HOME="$WORK/afile" play nosave --skip-intro
 

@@ -15,7 +15,7 @@ namespace {
 constexpr uint32_t kRate = 44100;
 
 struct Track {
-    const char* name;
+    const char* name; // below the asset tree, without ".mp3"
     bool loops;
     double minSeconds, maxSeconds;
 };
@@ -23,8 +23,9 @@ struct Track {
 // Loops last long enough not to tire at once and short enough to stay small; the phrases for a
 // won or lost level are over within a few seconds.
 const Track kTracks[] = {
-    {"title", true, 20, 40},    {"build", true, 20, 40},     {"defend", true, 20, 40},
-    {"levelwon", false, 2, 12}, {"defeated", false, 2, 15},
+    {"torvane/music/title", true, 20, 40},      {"torvane/music/build", true, 20, 40},
+    {"torvane/music/defend", true, 20, 40},     {"torvane/music/levelwon", false, 2, 12},
+    {"torvane/music/defeated", false, 2, 15},   {"vorabend/music/vorabend", true, 20, 40},
 };
 
 // Decodes a whole file through the mixer, played once at full volume; the left channel.
@@ -62,7 +63,7 @@ TEST(MusicAssets, EachTrackDecodesWithItsLengthAndWithoutClipping) {
     for (const Track& t : kTracks) {
         SCOPED_TRACE(t.name);
         const std::vector<float> s =
-            Decode(std::string(TORVANE_SOURCE_DIR) + "/assets/torvane/music/" + t.name + ".mp3");
+            Decode(std::string(TORVANE_SOURCE_DIR) + "/assets/" + t.name + ".mp3");
         ASSERT_FALSE(s.empty());
         const double seconds = double(s.size()) / kRate;
         EXPECT_GE(seconds, t.minSeconds);
@@ -82,7 +83,7 @@ TEST(MusicAssets, LoopsRunThroughTheirSeamWithoutGapOrClick) {
         if (!t.loops) continue;
         SCOPED_TRACE(t.name);
         const std::vector<float> s =
-            Decode(std::string(TORVANE_SOURCE_DIR) + "/assets/torvane/music/" + t.name + ".mp3");
+            Decode(std::string(TORVANE_SOURCE_DIR) + "/assets/" + t.name + ".mp3");
         ASSERT_GT(s.size(), 2 * window);
         // Music sounds on both sides of the seam: no silence (below -46 dB) at the end or the start.
         EXPECT_GT(Rms(s, 0, window), 0.005);

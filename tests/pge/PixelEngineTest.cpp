@@ -151,6 +151,7 @@ TEST(PixelEngineKeys, XKeyTableFollowsTheKeysymNotTheKey) {
         {XK_KP_7, pge::NP7},       {XK_9, pge::K9},              {XK_F12, pge::F12},
         {XK_z, pge::Z},            {XK_semicolon, pge::OEM_1},   {XK_asciitilde, pge::OEM_3},
         {XK_Control_R, pge::CTRL}, {XK_Shift_L, pge::SHIFT},     {XK_KP_Subtract, pge::NP_SUB},
+        {XK_minus, pge::MINUS},    {XK_equal, pge::EQUALS},
     };
     for (const auto& [sym, key] : same) {
         app.pge_UpdateKeyState(int32_t(sym), true);
@@ -172,12 +173,26 @@ TEST(PixelEngineMouse, ButtonsAndWheelPerFrame) {
     EXPECT_TRUE(app.GetMouse(1).bPressed);
     EXPECT_FALSE(app.GetMouse(0).bHeld);
     EXPECT_EQ(app.GetMouseWheel(), 240);
+    EXPECT_EQ(app.GetMousePresses(1), 1);
     run.Frame(0.01f);
     EXPECT_EQ(app.GetMouseWheel(), 0);
+    EXPECT_EQ(app.GetMousePresses(1), 0); // held, not pressed again
     EXPECT_TRUE(app.GetMouse(1).bHeld);
     EXPECT_FALSE(app.GetMouse(3).bHeld);
     EXPECT_FALSE(app.GetMouse(4).bPressed);
     EXPECT_FALSE(app.GetMouse(99).bHeld);
+    // A click that went down and up between two frames shows in no state, but is counted.
+    run.SetMouseButton(1, false);
+    run.SetMouseButton(0, true);
+    run.SetMouseButton(0, false);
+    run.SetMouseButton(0, true);
+    run.SetMouseButton(0, false);
+    run.Frame(0.01f);
+    EXPECT_FALSE(app.GetMouse(0).bPressed || app.GetMouse(0).bHeld);
+    EXPECT_EQ(app.GetMousePresses(0), 2);
+    EXPECT_EQ(app.GetMousePresses(99), 0);
+    run.Frame(0.01f);
+    EXPECT_EQ(app.GetMousePresses(0), 0);
 }
 
 TEST(PixelEngineViewport, KeepsEightToFiveWithCentredBars) {

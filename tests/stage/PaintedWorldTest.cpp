@@ -199,13 +199,15 @@ TEST_F(PaintedWorld, TitleAndIconsLoadAtTheirSizes) {
         return static_cast<double>(sum) / ((y1 - y0) * 639.0);
     };
     EXPECT_LT(roughness(320, 400), roughness(0, 400));
-    for (int size : {256, 128, 64, 48, 32}) {
-        SCOPED_TRACE(size);
-        const pge::Sprite icon(kAssets + "/torvane/icon/torvane-" + std::to_string(size) + ".png");
-        ASSERT_EQ(icon.width, size);
-        ASSERT_EQ(icon.height, size);
-        EXPECT_EQ(icon.GetPixel(0, 0).a, 0) << "rounded corner";
-        EXPECT_EQ(icon.GetPixel(size / 2, size / 2).a, 255);
+    for (const char* name : {"torvane", "vorabend"}) {
+        for (int size : {256, 128, 64, 48, 32}) {
+            SCOPED_TRACE(std::string(name) + " " + std::to_string(size));
+            const pge::Sprite icon(kAssets + "/" + name + "/icon/" + name + "-" + std::to_string(size) + ".png");
+            ASSERT_EQ(icon.width, size);
+            ASSERT_EQ(icon.height, size);
+            EXPECT_EQ(icon.GetPixel(0, 0).a, 0) << "rounded corner";
+            EXPECT_EQ(icon.GetPixel(size / 2, size / 2).a, 255);
+        }
     }
 }
 
@@ -227,7 +229,7 @@ TEST(PaintedWorldPainter, MakesExactlyTheCommittedFiles) {
         EXPECT_TRUE(Bytes(entry.path()) == Bytes(std::filesystem::path(kAssets) / rel)) << rel << " differs from assets/";
         ++files;
     }
-    EXPECT_EQ(files, 10 + 1 + 5 + 1 + 5) << "landscapes, cycles, sheets, title, icons";
+    EXPECT_EQ(files, 10 + 1 + 5 + 1 + 5 + 5) << "landscapes, cycles, sheets, title, the game's icons, the adventure's";
 }
 
 } // namespace

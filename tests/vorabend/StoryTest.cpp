@@ -1,14 +1,22 @@
-// "Der Vorabend": every place the story sends the player to can be reached, and each scene
-// looks as its checked-in picture.
+// "Der Vorabend": every place the story sends the player to can be reached, each scene looks as
+// its checked-in picture in both languages, every text is in English too, and the language is
+// the tower game's.
+#include "engine/Assets.h"
+#include "engine/Music.h"
+#include "engine/Sound.h"
 #include "engine/adventure/AdventureGame.h"
 #include "pge/Headless.h"
+#include "tests/engine/adventure/OfflineAudio.h"
 #include "tests/stage/ReferencePicture.h"
+#include "vorabend/GameLanguage.h"
 #include "vorabend/Story.h"
 
 #include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
+#include <sstream>
 
 namespace {
 
@@ -19,6 +27,8 @@ struct StoryTest : ::testing::Test {
     adv::AdventureGame game;
     pge::Headless run{game, adv::AdventureGame::kViewWidth, adv::AdventureGame::kViewHeight};
     void SetUp() override {
+        adv::Assets::Init(""); // the asset tree above the working folder, for the music
+        adv::SetLanguage(adv::Language::German);
         game.SetContentBuilder(vorabend::BuildStory);
         ASSERT_TRUE(run.Create());
         game.BeginPlay();
@@ -52,13 +62,72 @@ TEST_F(StoryTest, EveryEntryAndApproachPointIsOnTheFloorAndReachable) {
     for (float side : {0.0f, 1000.0f}) EXPECT_TRUE(yard.IsWalkable(guard.ApproachPoint({side, guard.position.y})));
 }
 
-TEST_F(StoryTest, EachSceneLooksAsItsPicture) {
-    for (const char* id : kScenes) {
-        game.ChangeScene(id, "default");
-        game.runner.Clear();
-        for (int i = 0; i < 20; ++i) run.Frame(0.05f); // the fade from black is over
-        torvane::testing_support::ExpectMatchesReference(*game.GetDrawTarget(), std::string("vorabend_") + id);
+TEST_F(StoryTest, EachSceneLooksAsItsPictureInBothLanguages) {
+    for (const auto& [language, name] : {std::pair{adv::Language::German, "de"}, {adv::Language::English, "en"}}) {
+        adv::SetLanguage(language);
+        for (const char* id : kScenes) {
+            game.ChangeScene(id, "default");
+            game.runner.Clear();
+            for (int i = 0; i < 20; ++i) run.Frame(0.05f); // the fade from black is over
+            torvane::testing_support::ExpectMatchesReference(*game.GetDrawTarget(),
+                                                             std::string("vorabend_") + id + "_" + name);
+        }
     }
+}
+
+// Runs the script in progress to its end, each line skipped as soon as it is said.
+void Finish(StoryTest& t) {
+    t.game.state = adv::AdventureGame::Playing;
+    for (int i = 0; i < 400 && t.game.runner.Running(); ++i) {
+        t.run.Frame(0.05f);
+        t.game.runner.Skip(t.game);
+    }
+}
+
+void PlayThrough(StoryTest& t, const adv::Script& script) {
+    t.game.RunScript(script);
+    Finish(t);
+}
+
+TEST_F(StoryTest, InEnglishEveryTextOfTheStoryIsEnglish) {
+    adv::SetLanguage(adv::Language::English);
+    // The title card, then every script of every scene, with the beacon cold and laid.
+    game.state = adv::AdventureGame::Intro;
+    run.Frame(0.05f);
+    for (int laid : {0, 1}) {
+        for (const char* id : kScenes) {
+            game.SetFlag(std::string("__visited_") + id, 0);
+            game.ChangeScene(id, "default");
+            Finish(*this); // the first visit's lines
+            game.SetFlag("lappen_drin", laid);
+            adv::Scene& scene = *game.scenes.Load(game, id);
+            adv::Tr(game.scenes.Definition(id)->DisplayName());
+            for (const adv::Hotspot& h : scene.hotspots) {
+                adv::Tr(h.name);
+                for (const auto& [verb, script] : h.scripts) PlayThrough(*this, script);
+                for (const auto& [item, script] : h.useScripts) PlayThrough(*this, script);
+            }
+        }
+    }
+    run.Frame(0.05f); // the end, once the beacon burns
+    for (auto& [id, actor] : game.actors) {
+        adv::Tr(actor.name);
+        for (const auto& [verb, script] : actor.scripts) PlayThrough(*this, script);
+        for (const auto& [item, script] : actor.useScripts) PlayThrough(*this, script);
+    }
+    for (const auto& [id, item] : game.items) {
+        adv::Tr(item.name);
+        adv::Tr(item.lookText);
+    }
+    for (auto& [id, dialogue] : game.dialogues)
+        for (auto& [node, options] : dialogue.nodes)
+            for (size_t i = 0; i < options.size(); ++i) {
+                game.BeginDialogue(id);
+                game.SetDialogueNode(node);
+                game.SelectDialogueOption(int(i));
+                Finish(*this);
+            }
+    EXPECT_EQ(adv::MissingTranslations(), std::set<std::string>{});
 }
 
 // Frames until the fade from black is over and nothing is said.
@@ -67,6 +136,20 @@ void Calm(StoryTest& t) {
     for (auto& [id, actor] : t.game.actors) actor.StopTalking();
     t.game.Narrate("", 0.0f);
     for (int i = 0; i < 20; ++i) t.run.Frame(0.05f);
+}
+
+TEST_F(StoryTest, TheEveningHasItsTuneAndItsSounds) {
+    EXPECT_EQ(adv::Music::Current(), "vorabend/music/vorabend.mp3");
+    Calm(*this);
+    // Sounds of the offline engine never end, so each one played is one more voice.
+    const uint32_t before = adv::Sound::ActiveVoices();
+    game.RunScript(game.current->Find("brot")->scripts.at(adv::Verb::Take));
+    for (int i = 0; i < 200 && game.runner.Running(); ++i) run.Frame(0.05f);
+    EXPECT_TRUE(game.inventory.Has("brot"));
+    EXPECT_EQ(adv::Sound::ActiveVoices(), before + 1);
+    game.Player().SetPath({{300, 165}});
+    for (int i = 0; i < 10; ++i) run.Frame(0.05f);
+    EXPECT_GT(adv::Sound::ActiveVoices(), before + 1); // steps
 }
 
 TEST_F(StoryTest, WalkingToAWayOutLeadsThroughItAndLookingAtItDoesNot) {
@@ -113,6 +196,40 @@ TEST_F(StoryTest, MenuDialogueAndEndingLookAsTheirPictures) {
     run.Frame(0.05f);
     torvane::testing_support::ExpectMatchesReference(*game.GetDrawTarget(), "vorabend_end");
     std::filesystem::remove_all(folder);
+    if (before.empty())
+        unsetenv("XDG_DATA_HOME");
+    else
+        setenv("XDG_DATA_HOME", before.c_str(), 1);
+}
+
+TEST(GameLanguage, TheAdventureSpeaksTheGamesLanguageAndKeepsItThere) {
+    const std::filesystem::path data = std::filesystem::path(TORVANE_BINARY_DIR) / "vorabend_language_test";
+    std::filesystem::remove_all(data);
+    std::filesystem::create_directories(data / "Torvane");
+    const char* old = std::getenv("XDG_DATA_HOME");
+    const std::string before = old ? old : "";
+    setenv("XDG_DATA_HOME", data.c_str(), 1);
+    const std::filesystem::path settings = data / "Torvane" / "settings.txt";
+    auto text = [&] {
+        std::ifstream in(settings);
+        std::stringstream all;
+        all << in.rdbuf();
+        return all.str();
+    };
+    adv::SetLanguage(adv::Language::German);
+    vorabend::FollowGameLanguage(); // no settings: English
+    EXPECT_EQ(adv::CurrentLanguage(), adv::Language::English);
+    std::ofstream(settings) << "settings_version=2\ndifficulty=hard\nlanguage=de\nlevel_pack=burg.tpack\n";
+    vorabend::FollowGameLanguage();
+    EXPECT_EQ(adv::CurrentLanguage(), adv::Language::German);
+    // The game changes its settings while the adventure runs; a switch keeps what it wrote.
+    std::ofstream(settings) << "settings_version=2\ndifficulty=medium\nlanguage=de\nlevel_pack=burg.tpack\n";
+    ASSERT_TRUE(vorabend::KeepLanguage(adv::Language::English));
+    const std::string kept = text();
+    EXPECT_NE(kept.find("\nlanguage=en\n"), std::string::npos) << kept;
+    EXPECT_NE(kept.find("\ndifficulty=medium\n"), std::string::npos) << kept;
+    EXPECT_NE(kept.find("\nlevel_pack=burg.tpack\n"), std::string::npos) << kept;
+    std::filesystem::remove_all(data);
     if (before.empty())
         unsetenv("XDG_DATA_HOME");
     else

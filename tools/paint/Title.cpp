@@ -106,21 +106,11 @@ void PaintIcon(Picture& out, Palette& pal) {
     const int inner = pal.Add(pge::Pixel(36, 26, 20));
 
     // A rounded tile of dusk sky with a green hill, the tower standing in it.
-    const float r = 5.0f * u;
-    adv::canvas::FillRoundRect(out.S(), 0.5f * u, 0.5f * u, s - u, s - u, r, Ink(outline));
-    for (int y = 0; y < s; ++y)
-        for (int x = 0; x < s; ++x) {
-            if (out.At(x, y) != outline) continue;
-            const float fx = (x + 0.5f) / u, fy = (y + 0.5f) / u;
-            const bool edge = fx < 1.5f || fy < 1.5f || fx > 30.5f || fy > 30.5f;
-            if (edge) continue;
-            const float hillY = 24.0f + std::sin(fx * 0.25f) * 1.5f;
-            // Ordered dither where the tile is large enough to show it, plain bands below.
-            const float tone = fy > hillY ? 2.0f - (fy - hillY) * 0.3f : fy / 24.0f * 5.0f;
-            const int first = fy > hillY ? hill : sky, n = fy > hillY ? 3 : 6;
-            out.Set(x, y, u >= 3.0f ? Dither(first, n, tone, x, y) : first + std::clamp(static_cast<int>(tone), 0, n - 1));
-        }
-    adv::canvas::StrokeRoundRect(out.S(), 0.5f * u, 0.5f * u, s - u, s - u, r, Ink(outline), std::max(u, 1.0f));
+    IconTile(out, outline, [&](int x, int y, float fx, float fy) {
+        const float hillY = 24.0f + std::sin(fx * 0.25f) * 1.5f;
+        return fy > hillY ? IconShade(hill, 3, 2.0f - (fy - hillY) * 0.3f, x, y, u)
+                          : IconShade(sky, 6, fy / 24.0f * 5.0f, x, y, u);
+    });
 
     // The tower: a cylinder lit from the left, courses of stone where there is room for
     // them, the red line across, and the open top with the dark inside.

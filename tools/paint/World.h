@@ -1,8 +1,9 @@
 #pragma once
 // The painted world: the five landscapes with and without their tower, the runner's
-// sheets, the title picture and the icon.
+// sheets, the title picture, the game's icon and the adventure's.
 #include "tools/paint/Paint.h"
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -59,5 +60,29 @@ void PaintRunner(Picture& p, int firstInk, Pose pose, int frame, bool facingLeft
 
 void PaintTitle(Picture& out, Palette& palette);
 void PaintIcon(Picture& out, Palette& palette);
+
+// A tone of an icon's ramp of n colours: dithered where the icon is large enough to show it
+// (u, picture pixels to a pixel of the 32-pixel design, of 3 or more), plain bands below.
+inline int IconShade(int first, int n, float tone, int x, int y, float u) {
+    return u >= 3.0f ? Dither(first, n, tone, x, y) : first + std::clamp(static_cast<int>(tone), 0, n - 1);
+}
+
+// An icon's rounded tile, on a design 32 pixels wide: every pixel inside its one-pixel frame
+// takes paint(x, y, fx, fy), fx and fy in design pixels; the frame takes the outline.
+template <typename Paint> void IconTile(Picture& out, int outline, Paint paint) {
+    const int s = out.W();
+    const float u = static_cast<float>(s) / 32.0f, r = 5.0f * u;
+    adv::canvas::FillRoundRect(out.S(), 0.5f * u, 0.5f * u, s - u, s - u, r, Ink(outline));
+    for (int y = 0; y < s; ++y)
+        for (int x = 0; x < s; ++x) {
+            if (out.At(x, y) != outline) continue;
+            const float fx = (x + 0.5f) / u, fy = (y + 0.5f) / u;
+            if (fx < 1.5f || fy < 1.5f || fx > 30.5f || fy > 30.5f) continue;
+            out.Set(x, y, paint(x, y, fx, fy));
+        }
+    adv::canvas::StrokeRoundRect(out.S(), 0.5f * u, 0.5f * u, s - u, s - u, r, Ink(outline), std::max(u, 1.0f));
+}
+// The icon of the adventure "Der Vorabend": the beacon burning on the tower at night.
+void PaintBeaconIcon(Picture& out, Palette& palette);
 
 } // namespace paint

@@ -1,6 +1,10 @@
 // Interaction: verbs, fallback texts, hover, the sentence line, camera, dialogues, inventory.
 #include "tests/engine/adventure/TestGame.h"
 
+#include "engine/Music.h"
+#include "engine/Sound.h"
+
+#include <X11/keysym.h>
 #include <gtest/gtest.h>
 
 namespace adv {
@@ -162,6 +166,24 @@ TEST_F(GameTest, OnceOnlyOptionsGoAfterUseAndFlagsShowOrHideOthers) {
     EXPECT_EQ(game.dialogue, "");
 }
 
+TEST_F(GameTest, TheDialogueLeavesTheSceneAndItsFiguresUncovered) {
+    t.run.MoveMouse(300, 20);
+    for (int i = 0; i < 20; ++i) t.run.Frame(0.05f); // the fade from black is over
+    const std::vector<pge::Pixel> scene(game.GetDrawTarget()->pColData.begin(),
+                                        game.GetDrawTarget()->pColData.begin() + 384 * AdventureGame::kPlayHeight);
+    game.BeginDialogue("talk");
+    t.run.Frame(0.016f);
+    const std::vector<pge::Pixel> during(game.GetDrawTarget()->pColData.begin(),
+                                         game.GetDrawTarget()->pColData.begin() + 384 * AdventureGame::kPlayHeight);
+    EXPECT_TRUE(during == scene);
+    // The options are still there to click.
+    const std::vector<pge::vi2d> rows = game.DialogueRows();
+    ASSERT_EQ(rows.size(), 2u);
+    t.Click(40, rows.back().y + 5);
+    t.Settle();
+    EXPECT_EQ(game.dialogue, "");
+}
+
 TEST(Inventory, ScrollsByRowsAndKeepsTheLastRowInView) {
     Inventory inv;
     for (int i = 0; i < 10; ++i) inv.Add("item" + std::to_string(i));
@@ -193,6 +215,77 @@ TEST_F(GameTest, TheScrollArrowsAndVerbCellsAnswerClicks) {
     EXPECT_EQ(game.inventory.scroll, 0);
     t.Click(8 + 72 + 10, 16 * 13 + 4); // second row, middle: "Schau an"
     EXPECT_EQ(game.verb, Verb::Look);
+    t.QuickClick(8 + 10, 16 * 12 + 4); // first row, left: "Oeffne", quicker than a frame
+    EXPECT_EQ(game.verb, Verb::Open);
+}
+
+TEST_F(GameTest, InEnglishEveryTextOfTheFrameworkIsEnglish) {
+    AddEnglish({{"Truhe", "Chest"}, {"Leer.", "Empty."}, {"Brot", "Bread"}});
+    SetLanguage(Language::English);
+    t.run.MoveMouse(90, 90);
+    game.SelectVerb(Verb::Look);
+    t.run.Frame(0.016f);
+    EXPECT_EQ(game.sentence, "Look at Chest");
+    game.SelectVerb(Verb::Open);
+    t.Click(90, 90);
+    EXPECT_EQ(Said(), "Empty.");
+    // Every verb's line, the items' lines, the menu's pages and questions, pause and end.
+    for (Verb v : kVerbGrid) {
+        game.RunScript(game.FallbackScript(v, ""));
+        t.Settle();
+    }
+    game.inventory.Add("bread");
+    game.inventory.Add("key");
+    game.InteractWithItem("key", Verb::Look);
+    t.Settle();
+    game.SelectVerb(Verb::Use);
+    game.InteractWithItem("bread", Verb::Use);
+    t.run.Frame(0.016f);
+    EXPECT_EQ(game.sentence, "Use Bread with Chest");
+    game.InteractWithItem("key", Verb::Use);
+    t.Settle();
+    game.OpenMenu();
+    for (int32_t action : {GameMenu::kSaveGame, GameMenu::kBack, GameMenu::kLoadGame, GameMenu::kBack,
+                           GameMenu::kNewGame, GameMenu::kNo, GameMenu::kQuit}) {
+        t.run.Frame(0.016f);
+        game.ApplyMenuRequest(game.menu.Activate(action));
+    }
+    EXPECT_EQ(game.menu.question, "Really quit the game?");
+    game.ApplyMenuRequest({GameMenu::Request::SaveSlot, 9});
+    game.ApplyMenuRequest({GameMenu::Request::LoadSlot, 9});
+    game.ApplyMenuRequest({GameMenu::Request::SpeedUp, -1});
+    t.run.Frame(0.016f);
+    game.menu.Close();
+    game.SetPaused(true);
+    t.run.Frame(0.016f);
+    game.SetPaused(false);
+    game.FinishGame("Leer.");
+    t.run.Frame(0.016f);
+    EXPECT_EQ(MissingTranslations(), std::set<std::string>{"key"}); // an item without a name
+    SetLanguage(Language::German);
+    Actor::SetTextSpeed(4);
+}
+
+TEST_F(GameTest, SoundsPlayByNameAndAWalkingFigureAtEachFootfall) {
+    ASSERT_NE(Music::Engine(), nullptr);
+    // A second of sound, so that every voice still sounds when counted.
+    game.AddSound("step", std::vector<float>(44100, 0.1f));
+    game.AddSound("step", {}); // a name keeps its first sound
+    game.RunScript(Script().PlaySound("step").PlaySound("no such sound"));
+    t.run.Frame(0.016f);
+    EXPECT_EQ(Sound::ActiveVoices(), 1u);
+    t.Player().stepSound = "step";
+    t.Player().SetPath({{300, 150}});
+    // A stride is pi / 11 seconds; the first foot lands half a stride after setting off.
+    for (int i = 0; i < 18; ++i) t.run.Frame(0.05f);
+    EXPECT_EQ(Sound::ActiveVoices(), 1u + 3u);
+    EXPECT_EQ(Actor::Footfalls(0.0f, 0.9f), 3);
+    EXPECT_EQ(Actor::Footfalls(0.2f, 0.2f), 0);
+}
+
+TEST_F(GameTest, TheWindowIsTitledWithTheAdventuresNameAlone) {
+    for (int i = 0; i < 30; ++i) t.run.Frame(0.05f); // past the window's once-a-second status
+    EXPECT_EQ(t.run.Title(), game.sAppName);
 }
 
 TEST_F(GameTest, ATimedQuitEndsTheRunAfterItsTimeInFrameSteps) {
@@ -238,14 +331,16 @@ TEST(Intro, TheMenuOpensOverTheTitleAndTheClickThatEndsItIsNoOrder) {
 }
 
 TEST_F(GameTest, TextSpeedKeysAndPause) {
-    const int before = Actor::TextSpeed();
-    t.run.SetKey(pge::EQUALS, true);
-    t.run.Frame(0.016f);
-    t.run.SetKey(pge::EQUALS, false);
-    t.run.Frame(0.016f);
-    EXPECT_EQ(Actor::TextSpeed(), std::min(before + 1, 8));
-    EXPECT_EQ(game.toast, "Texttempo " + std::to_string(Actor::TextSpeed()) + " / 8");
-    Actor::SetTextSpeed(before);
+    Actor::SetTextSpeed(4);
+    // The keys of the main keyboard, as the window reports them.
+    t.PressKeysym(XK_equal);
+    EXPECT_EQ(Actor::TextSpeed(), 5);
+    EXPECT_EQ(game.toast, "Texttempo 5 / 8");
+    t.PressKeysym(XK_minus);
+    t.PressKeysym(XK_minus);
+    EXPECT_EQ(Actor::TextSpeed(), 3);
+    t.PressKeysym(XK_KP_Add);
+    EXPECT_EQ(Actor::TextSpeed(), 4);
     t.run.SetKey(pge::SPACE, true);
     t.run.Frame(0.016f);
     t.run.SetKey(pge::SPACE, false);

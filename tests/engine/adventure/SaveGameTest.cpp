@@ -81,6 +81,17 @@ TEST_F(SaveTest, ARoundTripKeepsEverythingLabelsWithBlanksIncluded) {
     // Windows line ends are read too.
     ASSERT_TRUE(savegame::Parse("quillmere-adventure-save 1\r\nlabel x y\r\n", back));
     EXPECT_EQ(back.label, "x y");
+    // Blanks at either end stay; a line break in a label is no line of the file.
+    const std::pair<std::string, std::string> labels[] = {
+        {" vorn", " vorn"}, {"  ", "  "}, {"hinten ", "hinten "}, {"a\nscene hall", "a scene hall"}, {"b\r", "b "},
+    };
+    for (const auto& [label, read] : labels) {
+        SaveData d = Sample();
+        d.label = label;
+        ASSERT_TRUE(savegame::Parse(savegame::Serialise(d), back));
+        EXPECT_EQ(back.label, read);
+        EXPECT_EQ(back.scene, "room");
+    }
 }
 
 TEST_F(SaveTest, BadFilesAreRefusedWholeOrLineByLine) {
@@ -158,6 +169,27 @@ TEST_F(SaveTest, AnUnwritableDataFolderFailsTheSaveAndTellsTheMenu) {
     EXPECT_EQ(t.game.menu.message, "Speichern fehlgeschlagen");
     EXPECT_TRUE(t.game.ApplyMenuRequest({GameMenu::Request::SaveSlot, 9}));
     EXPECT_EQ(t.game.menu.message, "Speichern fehlgeschlagen");
+}
+
+TEST_F(SaveTest, ALongLabelStaysInsideTheMenuPanel) {
+    testing::TestGame t;
+    GameMenu& menu = t.game.menu;
+    const auto page = [&] {
+        menu.Open();
+        menu.Activate(GameMenu::kLoadGame);
+        t.run.MoveMouse(0, 0);
+        t.run.Frame(0.016f);
+        return t.game.GetDrawTarget()->pColData;
+    };
+    const std::vector<pge::Pixel> empty = page();
+    SaveData d = Sample();
+    d.label = std::string(3000, 'W');
+    ASSERT_TRUE(savegame::Write(0, d));
+    const std::vector<pge::Pixel> full = page();
+    // Left and right of the panel nothing changes; the time of saving is still shown.
+    for (int y = 0; y < AdventureGame::kViewHeight; ++y)
+        for (int x : {0, 40, 61, 322, 340, 383}) EXPECT_EQ(full[size_t(y * 384 + x)], empty[size_t(y * 384 + x)]) << x << "," << y;
+    EXPECT_EQ(menu.rows[0].text.substr(menu.rows[0].text.size() - 16), d.saved);
 }
 
 TEST_F(SaveTest, SaveAndLoadRestoreTheGameWithoutEntryScripts) {

@@ -2,7 +2,9 @@
 // A small adventure for the tests: a room of one screen and a hall that scrolls, run
 // headless at the adventure's logical size.
 #include "engine/adventure/AdventureGame.h"
+#include "tests/engine/adventure/OfflineAudio.h"
 #include "pge/Headless.h"
+#include "pge/PlatformLinux.h"
 
 #include <memory>
 
@@ -73,7 +75,9 @@ struct TestGame {
     AdventureGame game;
     pge::Headless run{game, AdventureGame::kViewWidth, AdventureGame::kViewHeight};
 
+    // In German, the language the tests are written in.
     TestGame() {
+        SetLanguage(Language::German);
         game.SetContentBuilder(BuildTestContent);
         run.Create();
         game.BeginPlay();
@@ -86,6 +90,22 @@ struct TestGame {
         run.SetMouseButton(button, true);
         run.Frame(0.016f);
         run.SetMouseButton(button, false);
+        run.Frame(0.016f);
+    }
+    // A click that goes down and up between two frames, as a quick finger does.
+    void QuickClick(int x, int y, int button = 0) {
+        run.MoveMouse(x, y);
+        run.Frame(0.016f);
+        run.SetMouseButton(button, true);
+        run.SetMouseButton(button, false);
+        run.Frame(0.016f);
+    }
+    // A key as the window reports it, by its X keysym, through the window's key table.
+    void PressKeysym(long keysym) {
+        pge::FillKeyTable();
+        game.pge_UpdateKeyState(int32_t(keysym), true);
+        run.Frame(0.016f);
+        game.pge_UpdateKeyState(int32_t(keysym), false);
         run.Frame(0.016f);
     }
     // Runs frames until no script runs, at most ten seconds.
