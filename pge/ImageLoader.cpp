@@ -13,9 +13,6 @@ namespace pge {
 
 namespace {
 
-// More pixels than any picture of the game by far; the decoder is not asked to try.
-constexpr int64_t kMaxImagePixels = int64_t(kMaxImageSide) * 2048;
-
 // The decoder trusts a JPEG's Huffman table counts and writes past its table when
 // they add up to more than 256 codes. Such a file is refused before decoding. Like
 // the decoder, this looks at every marker "FF C4" after the start marker.
@@ -93,7 +90,7 @@ rcode ImageLoader_STB::LoadImageResource(Sprite* spr, const std::string& path, v
     std::error_code ec;
     if (!std::filesystem::exists(std::filesystem::status(path, ec))) return NO_FILE;
     std::string bytes;
-    if (!files::ReadAll(path, bytes)) return FAIL;
+    if (!files::ReadAll(path, bytes, kMaxImageFileBytes)) return FAIL;
     return DecodeImage(spr, reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size());
 }
 
