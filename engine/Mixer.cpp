@@ -1,5 +1,7 @@
 #include "engine/Mixer.h"
 
+#include "pge/Files.h"
+
 #include <SDL.h>
 #include <mpg123.h>
 
@@ -10,6 +12,8 @@
 #include <mutex>
 #include <thread>
 #include <vector>
+
+#include <unistd.h>
 
 namespace adv::mixer {
 namespace {
@@ -47,6 +51,7 @@ struct Sound {
     // Only the decoder touches the handle; frames below `written` are never rewritten
     // while the mixer may still read them.
     mpg123_handle* decoder = nullptr;
+    int file = -1; // the decoder's, read only by it
     std::vector<float> ring;
     int64_t ringFrames = 0;
     std::vector<float> scratch;
@@ -68,6 +73,7 @@ struct Sound {
 
     ~Sound() {
         if (decoder) mpg123_delete(decoder);
+        if (file >= 0) ::close(file);
     }
 };
 
@@ -326,7 +332,9 @@ SoundPtr InitFromFile(Engine& engine, const std::string& path) {
         mpg123_format(sound->decoder, rates[i], MPG123_MONO | MPG123_STEREO, MPG123_ENC_FLOAT_32);
     long rate = 0;
     int channels = 0, encoding = 0;
-    if (mpg123_open(sound->decoder, path.c_str()) != MPG123_OK ||
+    // A regular file only: a FIFO in a track's place would wait for a writer for ever.
+    sound->file = pge::files::OpenRegular(path);
+    if (sound->file < 0 || mpg123_open_fd(sound->decoder, sound->file) != MPG123_OK ||
         mpg123_getformat(sound->decoder, &rate, &channels, &encoding) != MPG123_OK || rate <= 0 ||
         channels != int(kChannels) || encoding != MPG123_ENC_FLOAT_32)
         return nullptr;
