@@ -86,7 +86,7 @@ bool ApplyRunOptions(TorvaneApp& app, int argc, const char* const* argv) {
             app.autoplay = true;
             app.autoPlayer.repairs = false;
         } else if (TakePrefix(arg, "--level=", rest)) {
-            app.startLevel = std::stoi(rest);
+            app.startLevel = std::min(std::stoi(rest), kMaxLevel);
         } else if (TakePrefix(arg, "--seed=", rest)) {
             app.game = Game(unsigned(std::stoul(rest)));
         } else if (TakePrefix(arg, "--exit-after=", rest)) {
