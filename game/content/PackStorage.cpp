@@ -34,12 +34,15 @@ PackStorage FolderPackStorage(const std::string& folder) {
     return storage;
 }
 
-void CopyPacks(const PackStorage& from, const PackStorage& to) {
-    if (!from.list || !from.read || !to.write) return;
+bool CopyPacks(const PackStorage& from, const PackStorage& to, bool all) {
+    if (!from.list || !from.read || !to.read || !to.write) return true;
+    bool written = true;
     for (const std::string& name : from.list()) {
-        std::string text;
-        if (from.read(name, text)) to.write(name, text);
+        std::string text, copy;
+        const bool held = to.read(name, copy);
+        if ((held ? copy.empty() : all) && from.read(name, text)) written = to.write(name, text) && written;
     }
+    return written;
 }
 
 std::vector<LevelPack> LoadPacks(const PackStorage& storage) {
