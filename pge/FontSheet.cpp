@@ -1,6 +1,7 @@
 #include "pge/FontSheet.h"
 
 #include <cstdint>
+#include <vector>
 
 namespace pge {
 namespace {
@@ -29,20 +30,26 @@ const char* const kFontData =
 } // namespace
 
 Sprite BuildFontSheet() {
-    Sprite sheet(kFontSheetWidth, kFontSheetHeight);
-    int px = 0;
-    int py = 0;
-    for (int i = 0; i < 1024; i += 4) {
-        uint32_t group = 0;
-        for (int k = 0; k < 4; ++k) group = group << 6 | uint32_t(kFontData[i + k] - 48);
-        for (int bit = 0; bit < 24; ++bit) {
-            sheet.SetPixel(px, py, (group >> bit & 1) ? Pixel(255, 255, 255, 255) : Pixel(0, 0, 0, 0));
-            if (++py == kFontSheetHeight) {
-                py = 0;
-                ++px;
+    // The same for every engine of the process: decoded once.
+    static const std::vector<Pixel> s_pixels = [] {
+        Sprite sheet(kFontSheetWidth, kFontSheetHeight);
+        int px = 0;
+        int py = 0;
+        for (int i = 0; i < 1024; i += 4) {
+            uint32_t group = 0;
+            for (int k = 0; k < 4; ++k) group = group << 6 | uint32_t(kFontData[i + k] - 48);
+            for (int bit = 0; bit < 24; ++bit) {
+                sheet.SetPixel(px, py, (group >> bit & 1) ? Pixel(255, 255, 255, 255) : Pixel(0, 0, 0, 0));
+                if (++py == kFontSheetHeight) {
+                    py = 0;
+                    ++px;
+                }
             }
         }
-    }
+        return sheet.pColData;
+    }();
+    Sprite sheet(kFontSheetWidth, kFontSheetHeight);
+    sheet.pColData = s_pixels;
     return sheet;
 }
 
