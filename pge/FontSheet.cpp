@@ -29,8 +29,7 @@ const char* const kFontData =
 
 } // namespace
 
-Sprite BuildFontSheet() {
-    // The same for every engine of the process: decoded once.
+const std::vector<Pixel>& FontSheetPixels() {
     static const std::vector<Pixel> s_pixels = [] {
         Sprite sheet(kFontSheetWidth, kFontSheetHeight);
         int px = 0;
@@ -48,8 +47,12 @@ Sprite BuildFontSheet() {
         }
         return sheet.pColData;
     }();
+    return s_pixels;
+}
+
+Sprite BuildFontSheet() {
     Sprite sheet(kFontSheetWidth, kFontSheetHeight);
-    sheet.pColData = s_pixels;
+    sheet.pColData = FontSheetPixels();
     return sheet;
 }
 

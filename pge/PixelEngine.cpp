@@ -141,7 +141,7 @@ void PixelEngine::pge_PrepareEngine() {
 
 void PixelEngine::pge_ConstructFontSheet() {
     fontRenderable.Create(kFontSheetWidth, kFontSheetHeight, false, true);
-    *fontRenderable.Sprite() = BuildFontSheet();
+    fontRenderable.Sprite()->pColData = FontSheetPixels();
     fontRenderable.Decal()->Update();
 }
 
