@@ -188,11 +188,10 @@ bool DecodePiece(Engine& engine, Sound& s) {
     size_t bytes = 0;
     const int result = mpg123_read(s.decoder, s.scratch.data(), room * kChannels * sizeof(float), &bytes);
     const size_t got = bytes / (kChannels * sizeof(float));
-    for (size_t i = 0; i < got; ++i) {
-        const size_t at = size_t((from + int64_t(i)) % s.ringFrames) * kChannels;
-        s.ring[at] = s.scratch[i * kChannels];
-        s.ring[at + 1] = s.scratch[i * kChannels + 1];
-    }
+    // At most the ring's length, so the piece wraps round its end once at most.
+    const size_t at = size_t(from % s.ringFrames), first = std::min(got, size_t(s.ringFrames) - at);
+    std::copy_n(s.scratch.begin(), first * kChannels, s.ring.begin() + std::ptrdiff_t(at * kChannels));
+    std::copy_n(s.scratch.begin() + std::ptrdiff_t(first * kChannels), (got - first) * kChannels, s.ring.begin());
     bool ended = result != MPG123_OK && result != MPG123_NEW_FORMAT;
     std::lock_guard<std::mutex> guard(engine.lock);
     s.written += int64_t(got);
