@@ -9,15 +9,18 @@
 #include <chrono>
 #include <cmath>
 #include <condition_variable>
+#include <cstdio>
+#include <cstring>
 #include <mutex>
+#include <string>
 #include <thread>
 #include <vector>
-
-#include <unistd.h>
 
 namespace adv::mixer {
 namespace {
 
+// An hour of music at 128 kbit/s; a track file beyond it is no track.
+constexpr size_t kMaxTrackBytes = size_t(64) << 20;
 // 512 frames is about 12 ms at 44100 Hz: short enough that an effect follows its key press.
 constexpr Uint16 kDeviceFrames = 512;
 constexpr int kDeviceRate = 44100;
@@ -51,7 +54,9 @@ struct Sound {
     // Only the decoder touches the handle; frames below `written` are never rewritten
     // while the mixer may still read them.
     mpg123_handle* decoder = nullptr;
-    int file = -1; // the decoder's, read only by it
+    // The file's bytes, which the decoder reads as it would read the file.
+    std::string file;
+    size_t filePosition = 0;
     std::vector<float> ring;
     int64_t ringFrames = 0;
     std::vector<float> scratch;
@@ -73,7 +78,6 @@ struct Sound {
 
     ~Sound() {
         if (decoder) mpg123_delete(decoder);
-        if (file >= 0) ::close(file);
     }
 };
 
@@ -224,6 +228,26 @@ void Callback(void* userdata, Uint8* stream, int len) {
            size_t(len) / (kChannels * sizeof(float)));
 }
 
+// The decoder's reading and seeking in a stream's bytes, as it would in the file.
+ssize_t ReadTrack(void* handle, void* buffer, size_t count) {
+    Sound& s = *static_cast<Sound*>(handle);
+    const size_t n = std::min(count, s.file.size() - s.filePosition);
+    std::memcpy(buffer, s.file.data() + s.filePosition, n);
+    s.filePosition += n;
+    return ssize_t(n);
+}
+
+off_t SeekTrack(void* handle, off_t offset, int whence) {
+    Sound& s = *static_cast<Sound*>(handle);
+    const int64_t base = whence == SEEK_SET   ? 0
+                         : whence == SEEK_CUR ? int64_t(s.filePosition)
+                         : whence == SEEK_END ? int64_t(s.file.size())
+                                              : -1;
+    if (base < 0 || offset < -base || offset > int64_t(s.file.size()) - base) return -1;
+    s.filePosition = size_t(base + offset);
+    return off_t(s.filePosition);
+}
+
 void Register(Engine& engine, Sound* s) {
     std::lock_guard<std::mutex> guard(engine.lock);
     engine.sounds.push_back(s);
@@ -334,9 +358,11 @@ SoundPtr InitFromFile(Engine& engine, const std::string& path) {
         mpg123_format(sound->decoder, rates[i], MPG123_MONO | MPG123_STEREO, MPG123_ENC_FLOAT_32);
     long rate = 0;
     int channels = 0, encoding = 0;
-    // A regular file only: a FIFO in a track's place would wait for a writer for ever.
-    sound->file = pge::files::OpenRegular(path);
-    if (sound->file < 0 || mpg123_open_fd(sound->decoder, sound->file) != MPG123_OK ||
+    // The whole file, read at once: only a regular file of a track's size, nothing that
+    // would make the decoder wait, and no reading from the disk while it plays.
+    if (!pge::files::ReadAll(path, sound->file, kMaxTrackBytes) ||
+        mpg123_replace_reader_handle(sound->decoder, ReadTrack, SeekTrack, nullptr) != MPG123_OK ||
+        mpg123_open_handle(sound->decoder, sound.get()) != MPG123_OK ||
         mpg123_getformat(sound->decoder, &rate, &channels, &encoding) != MPG123_OK || rate <= 0 ||
         channels != int(kChannels) || encoding != MPG123_ENC_FLOAT_32)
         return nullptr;

@@ -68,24 +68,13 @@ void IgnoreFileSizeSignal() {
 
 } // namespace
 
-int OpenRegular(const std::string& path) {
-    // Without O_NONBLOCK, opening a FIFO would wait for a writer.
-    const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK);
-    if (fd < 0) return -1;
-    struct stat st {};
-    if (::fstat(fd, &st) != 0 || !S_ISREG(st.st_mode)) {
-        ::close(fd);
-        return -1;
-    }
-    return fd;
-}
-
 bool ReadAll(const std::string& path, std::string& out, size_t maxBytes) {
     out.clear();
-    Descriptor file{OpenRegular(path)};
-    if (file.fd < 0) return false;
+    // Without O_NONBLOCK, opening a FIFO would wait for a writer.
+    Descriptor file{::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK)};
     struct stat st {};
-    if (::fstat(file.fd, &st) != 0 || uint64_t(st.st_size) > maxBytes) return false;
+    if (file.fd < 0 || ::fstat(file.fd, &st) != 0 || !S_ISREG(st.st_mode) || uint64_t(st.st_size) > maxBytes)
+        return false;
     std::string data(size_t(st.st_size), '\0');
     size_t have = 0;
     // One byte more than the limit tells a file that grew beyond it while being read.

@@ -18,9 +18,6 @@ inline constexpr size_t kMaxDataBytes = size_t(4) << 20;
 // The file's bytes into out; false (out empty) when it is no regular file, holds more
 // than maxBytes or cannot be read to the end.
 bool ReadAll(const std::string& path, std::string& out, size_t maxBytes);
-// A regular file opened for reading, or -1: a FIFO or a device is refused without
-// waiting for a writer. The caller closes it.
-int OpenRegular(const std::string& path);
 // The bytes as the file's whole new content, through a new file in the same folder. A
 // symbolic link is followed and the file it names replaced, with that file's
 // permissions. Anything but a regular file in the place (a folder, a FIFO, a device) is
