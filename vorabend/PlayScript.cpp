@@ -5,6 +5,7 @@
 
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <fstream>
 #include <sstream>
 
@@ -130,8 +131,11 @@ bool PlayScript::Run(adv::AdventureGame& game, const std::string& line, float dt
     };
 
     if (command == "wait") {
+        char* end = nullptr;
+        const float seconds = rest.empty() ? 0.0f : std::strtof(rest.c_str(), &end);
+        if (end == rest.c_str()) return Fail("Sekunden erwartet");
         waited += dt;
-        if (waited < std::stof(rest.empty() ? "0" : rest)) return false;
+        if (waited < seconds) return false;
         waited = 0.0f;
         return true;
     }

@@ -3,12 +3,16 @@
 #include "engine/adventure/AdventureGame.h"
 #include "pge/Headless.h"
 #include "tests/stage/ReferencePicture.h"
+#include "tests/ScratchPath.h"
+#include "vorabend/PlayScript.h"
 #include "vorabend/Story.h"
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 
 namespace {
 
@@ -117,6 +121,20 @@ TEST_F(StoryTest, MenuDialogueAndEndingLookAsTheirPictures) {
         unsetenv("XDG_DATA_HOME");
     else
         setenv("XDG_DATA_HOME", before.c_str(), 1);
+}
+
+TEST_F(StoryTest, APlayScriptLineWithoutItsNumberFailsTheRunAndNamesTheLine) {
+    const std::string path = scratch::Path("bad_play.txt");
+    for (const char* line : {"wait soon", "wait ."}) {
+        std::ofstream(path) << line << "\n";
+        vorabend::PlayScript play;
+        ASSERT_TRUE(play.Load(path));
+        testing::internal::CaptureStderr();
+        play.Step(game, 0.05f);
+        EXPECT_NE(testing::internal::GetCapturedStderr().find(line), std::string::npos);
+        EXPECT_TRUE(play.Failed()) << line;
+    }
+    std::remove(path.c_str());
 }
 
 } // namespace
