@@ -15,6 +15,7 @@
 #include "game/rules/Level.h"
 #include "pge/Files.h"
 #include "pge/Headless.h"
+#include "tests/content/MemoryStore.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -58,29 +59,6 @@ struct Game : torvane::TorvaneApp {
 
 // The smallest pack that comes with the game, by file name.
 std::map<std::string, std::string> s_shipped;
-
-// The player's packs in memory, the shipped one to begin with: the pack cycle and the
-// editor work on it as on a folder, and nothing of one input is kept for the next.
-torvane::PackStorage MemoryPacks() {
-    const auto files = std::make_shared<std::map<std::string, std::string>>(s_shipped);
-    torvane::PackStorage storage;
-    storage.list = [files] {
-        std::vector<std::string> names;
-        for (const auto& [name, text] : *files) names.push_back(name);
-        return names;
-    };
-    storage.read = [files](const std::string& name, std::string& text) {
-        const auto it = files->find(name);
-        if (it == files->end()) return false;
-        text = it->second;
-        return true;
-    };
-    storage.write = [files](const std::string& name, const std::string& text) {
-        (*files)[name] = text;
-        return true;
-    };
-    return storage;
-}
 
 } // namespace
 
@@ -126,7 +104,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     torvane::SetLanguage(torvane::Language::English);
     Game app;
     app.picture = at == size || data[at] == 0xFF;
-    app.packStorage = MemoryPacks();
+    // The player's packs in memory, the shipped one to begin with: the pack cycle and the
+    // editor work on them as on a folder, and nothing of one input is kept for the next.
+    torvane::testing_support::MemoryStore packs;
+    *packs.files = s_shipped;
+    app.packStorage = packs.Storage();
     try {
         torvane::ApplyRunOptions(app, int(argv.size()), argv.data());
     } catch (const std::invalid_argument&) {
