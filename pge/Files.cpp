@@ -107,11 +107,9 @@ bool WriteAll(const std::string& path, std::string_view bytes) {
     // A name of its own in the same folder (rename works only within one file system),
     // hidden, and with no extension that a folder listing would take for the file's.
     static std::atomic<unsigned> s_serial{0};
-    const size_t slash = target.rfind('/');
-    const std::string folder = slash == std::string::npos ? "" : target.substr(0, slash + 1);
-    const std::string name = slash == std::string::npos ? target : target.substr(slash + 1);
-    const std::string temporary = folder + "." + name + ".neu-" + std::to_string(::getpid()) + "-" +
-                                  std::to_string(s_serial.fetch_add(1));
+    const std::string folder = FolderOf(target);
+    const std::string temporary = folder + "/." + target.substr(target.rfind('/') + 1) + ".neu-" +
+                                  std::to_string(::getpid()) + "-" + std::to_string(s_serial.fetch_add(1));
     Descriptor file{::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOCTTY, 0666)};
     if (file.fd < 0) return false;
     const bool written = (!replacing || ::fchmod(file.fd, old.st_mode & 07777) == 0) && WriteFully(file.fd, bytes) &&
@@ -123,7 +121,7 @@ bool WriteAll(const std::string& path, std::string_view bytes) {
         return false;
     }
     // The new name on the disk as well; the content is already in place if this fails.
-    Descriptor dir{::open(FolderOf(target).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)};
+    Descriptor dir{::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)};
     if (dir.fd >= 0) ::fsync(dir.fd);
     return true;
 }
