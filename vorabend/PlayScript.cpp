@@ -59,17 +59,18 @@ bool PlayScript::Fail(const std::string& why) {
     return false;
 }
 
-void PlayScript::MoveMouse(adv::AdventureGame& game, pge::vf2d screen) {
+bool PlayScript::MoveMouse(adv::AdventureGame& game, pge::vf2d screen) {
+    if (!(screen.x >= 0 && screen.y >= 0 && screen.x < game.ScreenWidth() && screen.y < game.ScreenHeight()))
+        return Fail("liegt außerhalb des Bildes");
     const pge::vi2d pos = game.GetViewPos(), size = game.GetViewSize();
     const float wx = float(pos.x) + (screen.x + 0.5f) * float(size.x) / float(game.ScreenWidth());
     const float wy = float(pos.y) + (screen.y + 0.5f) * float(size.y) / float(game.ScreenHeight());
     game.pge_UpdateMouse(int32_t(wx), int32_t(wy));
+    return true;
 }
 
 bool PlayScript::Click(adv::AdventureGame& game, pge::vf2d screen, bool right) {
-    if (screen.x < 0 || screen.y < 0 || screen.x >= game.ScreenWidth() || screen.y >= game.ScreenHeight())
-        return Fail("liegt außerhalb des Bildes");
-    MoveMouse(game, screen);
+    if (!MoveMouse(game, screen)) return false;
     button = right ? 1 : 0;
     nativeKeys.clear();
     game.pge_UpdateMouseState(button, true);
@@ -161,9 +162,7 @@ bool PlayScript::Run(adv::AdventureGame& game, const std::string& line, float dt
         std::string id;
         std::getline(args >> std::ws, id);
         pge::vf2d at;
-        if (!locate(kind, id, at)) return false;
-        MoveMouse(game, at);
-        return true;
+        return locate(kind, id, at) && MoveMouse(game, at);
     }
     if (command == "verb") {
         for (int i = 0; i < 9; ++i)

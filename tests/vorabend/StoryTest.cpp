@@ -123,9 +123,9 @@ TEST_F(StoryTest, MenuDialogueAndEndingLookAsTheirPictures) {
         setenv("XDG_DATA_HOME", before.c_str(), 1);
 }
 
-TEST_F(StoryTest, APlayScriptLineWithoutItsNumberFailsTheRunAndNamesTheLine) {
+TEST_F(StoryTest, APlayScriptLineWithoutItsNumberOrOffTheScreenFailsTheRunAndNamesTheLine) {
     const std::string path = scratch::Path("bad_play.txt");
-    for (const char* line : {"wait soon", "wait ."}) {
+    for (const char* line : {"wait soon", "wait .", "hover point 3e35 10", "hover point -1 10"}) {
         std::ofstream(path) << line << "\n";
         vorabend::PlayScript play;
         ASSERT_TRUE(play.Load(path));
