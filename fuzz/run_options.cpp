@@ -36,8 +36,8 @@ constexpr pge::Key kKeys[32] = {
     pge::R,    pge::T,     pge::Q,    pge::K1,   pge::K0,    pge::N,     pge::Z,      pge::F1,
     pge::SHIFT, pge::CTRL, pge::HOME, pge::END,  pge::PGUP,  pge::NP_ADD, pge::PERIOD, pge::MINUS};
 constexpr float kFrames[4] = {0.016f, 0.05f, 0.2f, 1.0f};
-// Two dozen keys pressed and let go: enough to reach every card and answer it.
-constexpr size_t kMaxFrames = 48;
+// Sixteen keys pressed and let go: enough to reach a card and answer it.
+constexpr size_t kMaxFrames = 32;
 
 // The game's frames without their pictures, and the assets kept from one input to the
 // next. The title picture is never drawn here: where the input wants one, a pixel stands
