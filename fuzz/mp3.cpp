@@ -24,13 +24,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const mixer::SoundPtr track = mixer::InitFromFile(*s_engine, s_path);
     if (!track) return 0;
     mixer::SetLooping(*track, true);
-    mixer::FadeIn(*track, 50);
+    mixer::FadeIn(*track, 5);
     mixer::Start(*track);
-    // Two device buffers, the decoder's turn, and the fade out over a third.
-    std::vector<float> out(1024 * mixer::kChannels);
-    for (int i = 0; i < 2; ++i) mixer::Render(*s_engine, out.data(), 1024);
+    // Two short device buffers, the decoder's turn, and the fade out over a third.
+    std::vector<float> out(256 * mixer::kChannels);
+    for (int i = 0; i < 2; ++i) mixer::Render(*s_engine, out.data(), 256);
     mixer::Pump(*s_engine);
-    mixer::StopWithFade(*track, 20);
-    mixer::Render(*s_engine, out.data(), 1024);
+    mixer::StopWithFade(*track, 5);
+    mixer::Render(*s_engine, out.data(), 256);
     return 0;
 }
