@@ -11,6 +11,7 @@
 #include <condition_variable>
 #include <cstdio>
 #include <cstring>
+#include <memory>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -57,9 +58,10 @@ struct Sound {
     // The file's bytes, which the decoder reads as it would read the file.
     std::string file;
     size_t filePosition = 0;
-    std::vector<float> ring;
+    // Never cleared: the mixer reads only the frames that the decoder has written.
+    std::unique_ptr<float[]> ring;
     int64_t ringFrames = 0;
-    std::vector<float> scratch;
+    std::unique_ptr<float[]> scratch;
 
     // Guarded by the engine's lock.
     int64_t written = 0;
@@ -190,12 +192,12 @@ bool DecodePiece(Engine& engine, Sound& s) {
     if (room == 0) return false;
 
     size_t bytes = 0;
-    const int result = mpg123_read(s.decoder, s.scratch.data(), room * kChannels * sizeof(float), &bytes);
+    const int result = mpg123_read(s.decoder, s.scratch.get(), room * kChannels * sizeof(float), &bytes);
     const size_t got = bytes / (kChannels * sizeof(float));
     // At most the ring's length, so the piece wraps round its end once at most.
     const size_t at = size_t(from % s.ringFrames), first = std::min(got, size_t(s.ringFrames) - at);
-    std::copy_n(s.scratch.begin(), first * kChannels, s.ring.begin() + std::ptrdiff_t(at * kChannels));
-    std::copy_n(s.scratch.begin() + std::ptrdiff_t(first * kChannels), (got - first) * kChannels, s.ring.begin());
+    std::copy_n(s.scratch.get(), first * kChannels, s.ring.get() + at * kChannels);
+    std::copy_n(s.scratch.get() + first * kChannels, (got - first) * kChannels, s.ring.get());
     bool ended = result != MPG123_OK && result != MPG123_NEW_FORMAT;
     std::lock_guard<std::mutex> guard(engine.lock);
     s.written += int64_t(got);
@@ -368,8 +370,8 @@ SoundPtr InitFromFile(Engine& engine, const std::string& path) {
         return nullptr;
     sound->step = double(rate) / double(engine.rate);
     sound->ringFrames = int64_t(std::ceil(double(rate) * kStreamSeconds));
-    sound->ring.assign(size_t(sound->ringFrames) * kChannels, 0.0f);
-    sound->scratch.assign(kDecodeFrames * kChannels, 0.0f);
+    sound->ring.reset(new float[size_t(sound->ringFrames) * kChannels]);
+    sound->scratch.reset(new float[kDecodeFrames * kChannels]);
     // The first half second is decoded here, so that a file that cannot be decoded is
     // found at once and the music starts without waiting for the decoder thread.
     DecodeAhead(engine, *sound);
