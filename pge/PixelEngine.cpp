@@ -53,12 +53,7 @@ private:
 
 } // namespace
 
-PixelEngine::PixelEngine() {
-    pge_ConfigureSystem();
-    // Text can be measured and drawn before the window exists (tools, tests); the
-    // sheet gets its texture when the engine thread prepares the graphics.
-    pge_ConstructFontSheet();
-}
+PixelEngine::PixelEngine() { pge_ConfigureSystem(); }
 
 PixelEngine::~PixelEngine() {
     // Textures of this run die with their context; the decals only forget them.
@@ -137,6 +132,11 @@ void PixelEngine::pge_PrepareEngine() {
     layer.bUpdate = true;
     pDrawTarget = layer.pDrawTarget.Sprite();
     m_tp1 = m_tp2 = std::chrono::system_clock::now();
+}
+
+Sprite* PixelEngine::GetFontSprite() {
+    if (!fontRenderable.Sprite()) pge_ConstructFontSheet();
+    return fontRenderable.Sprite();
 }
 
 void PixelEngine::pge_ConstructFontSheet() {

@@ -82,7 +82,9 @@ public:
     bool IsFocused() const { return bHasInputFocus; }
     Sprite* GetDrawTarget() const { return pDrawTarget; }
     // The 128 by 48 font sheet; there from construction on.
-    Sprite* GetFontSprite() const { return fontRenderable.Sprite(); }
+    // The font sheet, made on first use: text can be measured and drawn before the window
+    // exists (tools, tests); the engine thread makes it again, with its texture.
+    Sprite* GetFontSprite();
     const vi2d& GetWindowSize() const { return vWindowSize; }
     const vi2d& GetViewPos() const { return vViewPos; }
     const vi2d& GetViewSize() const { return vViewSize; }
