@@ -13,7 +13,6 @@
 #include "fuzz/ScratchFolder.h"
 #include "game/rules/Lang.h"
 #include "game/rules/Level.h"
-#include "pge/Files.h"
 #include "pge/Headless.h"
 #include "tests/content/MemoryStore.h"
 
@@ -57,18 +56,14 @@ struct Game : torvane::TorvaneApp {
     bool OnUserDestroy() override { return true; }
 };
 
-// The smallest pack that comes with the game, by file name.
-std::map<std::string, std::string> s_shipped;
+// The player's one pack to begin with: two levels, all else at the format's defaults.
+const std::map<std::string, std::string> kPacks = {
+    {"Burg.tpack", "torvane-levelpack 1\nname=Burg\n\n[level]\nname=Tor\n\n[level]\nshots=9\ndirections=NO\n"}};
 
 } // namespace
 
-extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
+extern "C" int LLVMFuzzerInitialize(int*, char***) {
     namespace fs = std::filesystem;
-    adv::Assets::Init(*argc > 0 ? (*argv)[0] : "");
-    std::string text;
-    if (pge::files::ReadAll(adv::Assets::Root() + "/torvane/levelpacks/Erste_Schritte.tpack", text,
-                            pge::files::kMaxDataBytes))
-        s_shipped["Erste_Schritte.tpack"] = text;
     // An empty asset tree, so that no picture is decoded for any input, and no data
     // folder: settings and scores are not kept, as without XDG_DATA_HOME and HOME.
     const std::string tree = fuzzing::ScratchFolder("torvane_fuzz_options");
@@ -104,10 +99,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     torvane::SetLanguage(torvane::Language::English);
     Game app;
     app.picture = at == size || data[at] == 0xFF;
-    // The player's packs in memory, the shipped one to begin with: the pack cycle and the
-    // editor work on them as on a folder, and nothing of one input is kept for the next.
+    // The player's packs in memory: the pack cycle and the editor work on them as on a
+    // folder, and nothing of one input is kept for the next.
     torvane::testing_support::MemoryStore packs;
-    *packs.files = s_shipped;
+    *packs.files = kPacks;
     app.packStorage = packs.Storage();
     try {
         torvane::ApplyRunOptions(app, int(argv.size()), argv.data());
