@@ -289,7 +289,7 @@ LevelEditor::View LevelEditor::GetView() const {
         view.title = Tr("Leveleditor");
         view.subtitle = Tr("Levelpacks");
         addRow("+ " + Tr("Neues Levelpack"), "");
-        for (const LevelPack& p : packs) addRow(p.name, Trf("{0} Level", {std::to_string(p.levels.size())}));
+        for (const LevelPack& p : packs) addRow(p.name, Trn("{0} Level", static_cast<long long>(p.levels.size())));
         view.hints = {{"↑↓", Tr("wählen")}, {"Enter", Tr("öffnen")}, {"T", Tr("spielen")}, {"Esc", Tr("zurück")}};
     } else if (page == 1) {
         view.title = Tr("Neues Levelpack");
@@ -305,7 +305,7 @@ LevelEditor::View LevelEditor::GetView() const {
             const PackLevel& l = pack.levels[i];
             addRow(Trf("Level {0}", {std::to_string(i + 1)}),
                    (l.name.empty() ? BackgroundName(l.background) : l.name) + " · " + ShowDirections(l.directions) +
-                       " · " + Trf("{0} Schüsse", {std::to_string(l.shots)}));
+                       " · " + Trn("{0} Schuss|{0} Schüsse", l.shots));
         }
         if (pack.levels.size() < kMaxLevels) addRow("+ " + Tr("Level anhängen"), "");
         if (row >= 1 && row <= static_cast<int>(pack.levels.size()))

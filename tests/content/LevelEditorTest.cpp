@@ -323,6 +323,15 @@ TEST_F(LevelEditorTest, ViewsOfThePages) {
     editor.pack.levels[1].interval = 35;
     EXPECT_EQ(editor.GetView().rows[7].value, "3.5 s"); // a point in both languages
     EXPECT_EQ(level.hints.size(), 5u);
+    // One shot, one level: the singular.
+    editor.pack.levels[1].shots = 1;
+    editor.Handle(Key::Esc);
+    EXPECT_EQ(editor.GetView().rows[2].value, "Sturm · N · 1 shot");
+    editor.row = 1;
+    editor.Handle(Key::Del);
+    editor.Handle(Key::Del);
+    editor.Handle(Key::Esc);
+    EXPECT_EQ(editor.GetView().rows[1].value, "1 level");
 }
 
 } // namespace
