@@ -121,7 +121,8 @@ void TorvaneApp::DrawEditorCard(Card& card) {
     }
     if (lines.back().empty()) lines.pop_back();
     card.y = std::max(card.y, card.top + kFoot - kRowHeight * static_cast<int>(lines.size()));
-    if (card.draw && !view.message.empty()) adv::text::Draw(*this, x + 14, card.y, view.message, kOk);
+    if (card.draw && !view.message.empty())
+        adv::text::Draw(*this, x + 14, card.y, view.message, view.warning ? kDanger : kOk);
     card.y += 16;
     for (const std::vector<Hint>& line : lines) {
         int hx = x + 14;

@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 #include <utility>
 #include <vector>
@@ -88,6 +89,31 @@ TEST_F(EditorCardTest, NewPackPage) {
     Start({"--editor=enter,type:Neue Burg,down"});
     Frames(5);
     ExpectMatchesReference(*app.GetDrawTarget(), "editor_new");
+}
+
+TEST_F(EditorCardTest, ErrorsInTheDangerColourSuccessesInTheOkColour) {
+    const auto count = [this](pge::Pixel colour) {
+        const std::vector<pge::Pixel>& pixels = app.GetDrawTarget()->pColData;
+        return std::count(pixels.begin(), pixels.end(), colour);
+    };
+    const auto expect = [&](const std::string& message, pge::Pixel shown, pge::Pixel absent) {
+        ASSERT_EQ(app.editor.message, message);
+        EXPECT_GT(count(shown), 20) << message;
+        EXPECT_EQ(count(absent), 0) << message;
+    };
+    Start({"--editor=enter,enter"}); // a new pack without a name
+    Frames(4);
+    expect("Bitte einen Namen eingeben", kDanger, kOk);
+    app.editorScript = "type:Burg,enter";
+    Frames(3);
+    expect("Gespeichert", kOk, kDanger);
+    SetLanguage(Language::English);
+    app.editorScript = "esc";
+    Frames(2);
+    expect("Saved", kOk, kDanger);
+    app.editorScript = "up,enter,enter";
+    Frames(4);
+    expect("Please enter a name", kDanger, kOk);
 }
 
 TEST_F(EditorCardTest, PackPageAndLevelPageOverTheirLandscape) {
