@@ -178,6 +178,9 @@ public:
     void DrawBanner();
     // " Stand je Richtung: N 60 %, ..." or " Stand je Turm: ...", or empty.
     static std::string PartList(const RoundStats& stats, const LevelConfig& config);
+    // The held card's account: the share reached, the parts, and what comes next, a
+    // harder attack or, after a pack's last level, nothing more.
+    static std::string HeldText(const Game& game);
     // The dimmed picture and the one card that stands over it, if any.
     void DrawOverlay();
     void DrawPauseCard(Card& card);

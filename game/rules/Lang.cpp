@@ -244,6 +244,7 @@ const std::map<std::string, std::string>& English() {
         {"Gehalten", "Held"},
         {"Level {0} überstanden mit {1} % über der Linie (Ziel {2} %).", "Level {0} survived with {1} % above the line (goal {2} %)."},
         {" Der nächste Angriff wird härter: weniger Vorwarnung, mehr Schüsse.", " The next attack will be harder: less warning, more shots."},
+        {" Das war das letzte Level des Levelpacks.", " That was the last level of the level pack."},
         {"Baupunkte", "Build points"},
         {"Zeitbonus", "Time bonus"},
         {"Lücken bei der Bauabnahme", "Gaps at inspection"},

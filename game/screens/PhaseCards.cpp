@@ -107,11 +107,8 @@ void TorvaneApp::DrawAnnounceCard(Card& card) {
 }
 
 void TorvaneApp::DrawEvalCard(Card& card) {
-    const RoundStats& s = game.stats;
     card.Title(Tr("Gehalten"), kOk);
-    card.Para(Trf("Level {0} überstanden mit {1} % über der Linie (Ziel {2} %).",
-                  {std::to_string(game.level), std::to_string(s.overallPct), std::to_string(game.config.need)}) +
-              PartList(s, game.config) + Tr(" Der nächste Angriff wird härter: weniger Vorwarnung, mehr Schüsse."));
+    card.Para(HeldText(game));
     card.y += 2;
     StatsRows(card, game, true);
     if (game.LastLevel()) {
@@ -122,6 +119,15 @@ void TorvaneApp::DrawEvalCard(Card& card) {
     } else {
         card.Button(Trf("Weiter zu Level {0} (Space)", {std::to_string(game.level + 1)}), ButtonId::NextLevel);
     }
+}
+
+std::string TorvaneApp::HeldText(const Game& game) {
+    const RoundStats& s = game.stats;
+    return Trf("Level {0} überstanden mit {1} % über der Linie (Ziel {2} %).",
+               {std::to_string(game.level), std::to_string(s.overallPct), std::to_string(game.config.need)}) +
+           PartList(s, game.config) +
+           (game.LastLevel() ? Tr(" Das war das letzte Level des Levelpacks.")
+                             : Tr(" Der nächste Angriff wird härter: weniger Vorwarnung, mehr Schüsse."));
 }
 
 void TorvaneApp::DrawOverCard(Card& card) {

@@ -2,6 +2,7 @@
 // panel's placement, the buttons a frame registers, the HUD's end button, the banner's
 // fade, the sentence of parts and the help bar's hints.
 #include "engine/Canvas.h"
+#include "game/rules/LevelPack.h"
 #include "tests/screens/ScreensFixture.h"
 
 namespace torvane::testing_support {
@@ -150,6 +151,26 @@ TEST(PartList, ByDirectionByTowerOrNothing) {
     EXPECT_EQ(TorvaneApp::PartList(stats, config), " Stand je Richtung: Norden 60 %, Osten 30 %.");
     SetLanguage(Language::English);
     EXPECT_EQ(TorvaneApp::PartList(stats, config), " By direction: North 60 %, East 30 %.");
+}
+
+TEST(HeldText, AHarderAttackFollowsUnlessThePackIsDone) {
+    const Language language = CurrentLanguage();
+    SetLanguage(Language::German);
+    const LevelPack pack{"Burg", "Burg.tpack", {PackLevel{}, PackLevel{}}};
+    SetActivePack(&pack);
+    Game game(1);
+    game.NewGame();
+    const std::string next = " Der nächste Angriff wird härter: weniger Vorwarnung, mehr Schüsse.";
+    const std::string done = " Das war das letzte Level des Levelpacks.";
+    const auto endsWith = [](const std::string& text, const std::string& end) {
+        return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
+    };
+    EXPECT_TRUE(endsWith(TorvaneApp::HeldText(game), next));
+    game.StartLevel(2);
+    EXPECT_TRUE(endsWith(TorvaneApp::HeldText(game), done));
+    EXPECT_EQ(TorvaneApp::HeldText(game).find("nächste"), std::string::npos);
+    SetActivePack(nullptr);
+    SetLanguage(language);
 }
 
 TEST_F(CardTest, HelpBarFollowsThePhaseAndCountsTheUndoDown) {
