@@ -172,12 +172,12 @@ void TowerView::DrawStanding(pge::PixelEngine& engine, const Game& game, const L
         }
     }
 
-    // 4. Danger on another tower: the key that switches there, blinking.
+    // 4. Danger on another tower: the keys that switch there, blinking.
     const auto onThis = [tower](const auto& item) { return item.tower == tower; };
     if (tower != game.activeTower && std::sin(game.clock * 12.0f) > -0.3f &&
         (std::any_of(game.targets.begin(), game.targets.end(), onThis) ||
          std::any_of(game.holes.begin(), game.holes.end(), onThis)))
-        adv::text::DrawOutlined(engine, Round(g.cx), Round(g.baseY - cell * rows - g.ry - cell * 0.8f - 8.0f), "! Tab",
+        adv::text::DrawOutlined(engine, Round(g.cx), Round(g.baseY - cell * rows - g.ry - cell * 0.8f - 8.0f), "! ← →",
                                 kAlarm, stage::kTextDark, 2, Align::Centre);
 
 }
