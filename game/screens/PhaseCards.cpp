@@ -156,7 +156,8 @@ void TorvaneApp::DrawOverCard(Card& card) {
         const int x = card.x, y = card.y;
         adv::canvas::FillRect(target, x + 14, y, card.w - 28, 16, kBg);
         adv::canvas::StrokeRoundRect(target, float(x + 14), float(y), float(card.w - 28), 16.0f, 2.0f, kSlate, 1.0f);
-        if (playerName.empty()) adv::text::Draw(*this, x + 20, y + 4, Tr("Dein Name"), kMuted);
+        // The placeholder stands behind the cursor, which waits where the first letter goes.
+        if (playerName.empty()) adv::text::Draw(*this, x + 24, y + 4, Tr("Dein Name"), kMuted);
         adv::text::Draw(*this, x + 20, y + 4, playerName, kFg);
         if (std::fmod(clock, 1.0f) < 0.55f)
             adv::canvas::FillRect(target, x + 21 + adv::text::Width(*this, playerName), y + 3, 1, 10, kFg);
