@@ -5,6 +5,8 @@
 #include "game/rules/LevelPack.h"
 #include "tests/screens/ScreensFixture.h"
 
+#include <functional>
+
 namespace torvane::testing_support {
 namespace {
 
@@ -195,7 +197,13 @@ TEST_F(CardTest, HelpBarFollowsThePhaseAndCountsTheUndoDown) {
 
     app.paused = true;
     EXPECT_EQ(app.HelpPairs(), (Pairs{{"Esc", "weiter"}, {"Q", "zurück zum Titel"}}));
-    app.paused = false;
+    // The settings over the pause: their own keys.
+    app.settingsOpen = true;
+    EXPECT_EQ(app.HelpPairs(), (Pairs{{"D R A T", "ändern"}, {"Esc", "zurück"}}));
+    GetSettings().classic = 1;
+    EXPECT_EQ(app.HelpPairs()[0].first, "D R T");
+    GetSettings().classic = 0;
+    app.settingsOpen = app.paused = false;
     // The automatic repair on a ring: the turn by hand only with auto_rotate off.
     app.game.phase = Phase::Attack;
     GetSettings().difficulty = 0;
@@ -208,6 +216,61 @@ TEST_F(CardTest, HelpBarFollowsThePhaseAndCountsTheUndoDown) {
     for (Phase p : {Phase::Inspect, Phase::Announce, Phase::Eval, Phase::Over}) {
         app.game.phase = p;
         EXPECT_TRUE(app.HelpPairs().empty()) << int(p);
+    }
+}
+
+// Every case of the help bar, in both languages and beside each landscape's name: no hint
+// is left out for lack of room, and neither is the level's name, but for the seconds in
+// which the hint to take a piece back stands too.
+TEST_F(CardTest, HelpBarKeepsEveryHintAndTheLevelsNameInBothLanguages) {
+    Start({"--level=1"});
+    Game& game = app.game;
+    struct Case {
+        const char* name;
+        bool classic;
+        std::function<void(Settings&)> set;
+        size_t pairs;
+        bool takesBack; // the hint to take the last piece back can show
+    };
+    const std::vector<Case> cases = {
+        {"pause", false, [&](Settings&) { app.paused = true; }, 2, false},
+        {"settings over the pause", false, [&](Settings&) { app.paused = app.settingsOpen = true; }, 2, false},
+        {"settings over the pause, classic", true, [&](Settings&) { app.paused = app.settingsOpen = true; }, 2,
+         false},
+        {"build, choosing pieces", false, [&](Settings& s) { s.piece_choice = true; }, 5, true},
+        {"free repair", false, [&](Settings& s) { s.repair_mode = 0, game.phase = Phase::Attack; }, 4, true},
+        {"building in the attack", false, [&](Settings& s) { s.difficulty = 3, game.phase = Phase::Attack; }, 4,
+         true},
+        {"automatic repair, the ring turned by hand", false,
+         [&](Settings& s) { s.repair_mode = 1, s.auto_rotate = false, game.phase = Phase::Attack; }, 4, false},
+        {"automatic repair, classic", true, [&](Settings& s) { s.repair_mode = 1, game.phase = Phase::Attack; }, 4,
+         false},
+    };
+    for (Language language : {Language::German, Language::English}) {
+        SetLanguage(language);
+        for (const Case& c : cases) {
+            for (bool undo : {false, true}) {
+                GetSettings() = saved;
+                GetSettings().classic = c.classic;
+                app.paused = app.settingsOpen = false;
+                game.StartLevel(c.classic ? 3 : 1);
+                c.set(GetSettings());
+                game.undo.valid = undo;
+                game.undo.phase = game.phase;
+                game.undo.until = game.clock + 5.0f;
+                const bool takingBack = undo && c.takesBack;
+                const size_t pairs = c.pairs + (takingBack ? 1 : 0);
+                ASSERT_EQ(app.HelpPairs().size(), pairs) << c.name;
+                for (int level = 1; level <= 5; ++level) {
+                    game.level = level;
+                    const TorvaneApp::HelpLine line = app.LayOutHelp();
+                    EXPECT_EQ(line.pairs.size(), pairs) << c.name << (undo ? " with the undo" : "") << ", " << line.name;
+                    if (!takingBack) {
+                        EXPECT_TRUE(line.nameFits) << c.name << ", " << line.name;
+                    }
+                }
+            }
+        }
     }
 }
 
