@@ -155,6 +155,30 @@ TEST(PartList, ByDirectionByTowerOrNothing) {
     EXPECT_EQ(TorvaneApp::PartList(stats, config), " By direction: North 60 %, East 30 %.");
 }
 
+TEST_F(CardTest, AnEmptyNameFieldHasItsCursorBeforeThePlaceholder) {
+    Start({"--level=1"});
+    app.game.phase = Phase::Over;
+    Frame();
+    ASSERT_TRUE(app.nameEntry);
+    ASSERT_TRUE(app.playerName.empty());
+    app.clock = 20.25f; // the cursor is lit
+    Compose();
+    // The cursor: a column of ten lit pixels, 21 right of the card's edge.
+    const int cursorX = (640 - 420) / 2 + 21;
+    int top = -1;
+    for (int y = 30; y < 380 && top < 0; ++y)
+        if (Screen().GetPixel(cursorX, y) == kFg && Screen().GetPixel(cursorX, y + 9) == kFg &&
+            Screen().GetPixel(cursorX - 1, y) == kBg)
+            top = y;
+    ASSERT_GE(top, 0);
+    int before = 0, behind = 0;
+    for (int y = top; y < top + 10; ++y)
+        for (int x = cursorX - 8; x < cursorX + 60; ++x)
+            (x <= cursorX + 1 ? before : behind) += Screen().GetPixel(x, y) == kMuted ? 1 : 0;
+    EXPECT_EQ(before, 0);
+    EXPECT_GT(behind, 20);
+}
+
 TEST(HeldText, AHarderAttackFollowsUnlessThePackIsDone) {
     const Language language = CurrentLanguage();
     SetLanguage(Language::German);
