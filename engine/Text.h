@@ -18,8 +18,11 @@ void Draw(pge::PixelEngine& engine, int x, int y, const std::string& text, pge::
 // The text with a one-pixel outline at all eight neighbours, whatever the scale.
 void DrawOutlined(pge::PixelEngine& engine, int x, int y, const std::string& text, pge::Pixel colour,
                   pge::Pixel outline, int scale = 1, Align align = Align::Left);
+// Whether the text is at most maxWidth wide; looks no further into it than maxWidth reaches.
+bool Fits(pge::PixelEngine& engine, const std::string& text, int maxWidth, int scale = 1);
 // The text as it stands when it fits maxWidth; else as many whole characters as fit
-// together with "..." behind them, blanks before the dots dropped.
+// together with "..." behind them, blanks before the dots dropped. Looks no further into
+// the text than maxWidth reaches, so a text of any length costs only what can be shown.
 std::string Fit(pge::PixelEngine& engine, const std::string& text, int maxWidth, int scale = 1);
 // Splits at line feeds, then greedily at single spaces so that each line fits maxWidth;
 // a word wider than that stands alone. Always at least one line.

@@ -153,7 +153,8 @@ TorvaneApp::HelpLine TorvaneApp::LayOutHelp() {
     }
     const std::string packName = PackLevelName(game.level);
     line.name = packName.empty() ? Tr(ThemeFor(game.level).name) : packName;
-    line.nameFits = kHelpRight - adv::text::Width(*this, line.name) > end;
+    // Measured only as far as the room goes: a pack's level name may be of any length.
+    line.nameFits = adv::text::Fits(*this, line.name, kHelpRight - end - 1);
     return line;
 }
 

@@ -114,7 +114,9 @@ void TorvaneApp::DrawEvalCard(Card& card) {
     if (game.LastLevel()) {
         card.y += 4;
         const LevelPack* pack = ActivePack();
-        card.Para(Trf("Levelpack „{0}“ geschafft!", {pack ? pack->name : ""}), kOk);
+        // A name longer than a line is cut before the paragraph is laid out.
+        card.Para(Trf("Levelpack „{0}“ geschafft!", {adv::text::Fit(*this, pack ? pack->name : "", card.w - 28)}),
+                  kOk);
         card.Button(Tr("Zum Titelbild (Space)"), ButtonId::NextLevel);
     } else {
         card.Button(Trf("Weiter zu Level {0} (Space)", {std::to_string(game.level + 1)}), ButtonId::NextLevel);
@@ -176,11 +178,15 @@ void TorvaneApp::DrawScoreTable(Card& card, int highlight) {
             const highscores::Entry& e = scores[i];
             const pge::Pixel colour = int(i) == highlight ? kChestnut : kFg;
             const int x = card.x, y = card.y;
+            const std::string level = Trf("Level {0}", {std::to_string(e.level)}), score = std::to_string(e.score);
+            // A name too long for the row is cut where "Level" and the score still follow it.
+            const int scoreLeft = x + card.w - 14 - adv::text::Width(*this, score);
+            const std::string name =
+                adv::text::Fit(*this, e.name, scoreLeft - 8 - adv::text::Width(*this, level) - 8 - (x + 36));
             adv::text::Draw(*this, x + 28, y, std::to_string(i + 1) + ".", colour, 1, adv::text::Align::Right);
-            adv::text::Draw(*this, x + 36, y, e.name, colour);
-            adv::text::Draw(*this, x + 36 + adv::text::Width(*this, e.name) + 8, y,
-                            Trf("Level {0}", {std::to_string(e.level)}), kMuted);
-            adv::text::Draw(*this, x + card.w - 14, y, std::to_string(e.score), colour, 1, adv::text::Align::Right);
+            adv::text::Draw(*this, x + 36, y, name, colour);
+            adv::text::Draw(*this, x + 36 + adv::text::Width(*this, name) + 8, y, level, kMuted);
+            adv::text::Draw(*this, x + card.w - 14, y, score, colour, 1, adv::text::Align::Right);
         }
         card.y += 11;
     }

@@ -2,6 +2,7 @@
 // panel's placement, the buttons a frame registers, the HUD's end button, the banner's
 // fade, the sentence of parts and the help bar's hints.
 #include "engine/Canvas.h"
+#include "game/content/Highscores.h"
 #include "game/rules/LevelPack.h"
 #include "tests/screens/ScreensFixture.h"
 
@@ -177,6 +178,26 @@ TEST_F(CardTest, AnEmptyNameFieldHasItsCursorBeforeThePlaceholder) {
             (x <= cursorX + 1 ? before : behind) += Screen().GetPixel(x, y) == kMuted ? 1 : 0;
     EXPECT_EQ(before, 0);
     EXPECT_GT(behind, 20);
+}
+
+TEST_F(CardTest, ANameTooLongForTheScoreTableIsCutBeforeItsLevelAndScore) {
+    Start({"--level=1"});
+    app.game.phase = Phase::Over;
+    Frame();
+    app.nameEntry = false;
+    app.scoreSaved = true;
+    app.scores = highscores::Parse("9800\t5\t0\t" + std::string(300, 'W') + "\n4570\t2\t0\tAnna\n");
+    ASSERT_EQ(app.scores.size(), 2u);
+    Compose();
+    // The scores card is 380 wide; the scores end 14 inside its right edge.
+    const int right = (640 - 380) / 2 + 380 - 14;
+    int beyond = 0, level = 0;
+    for (int y = 30; y < 380; ++y) {
+        for (int x = right; x < 640; ++x) beyond += Screen().GetPixel(x, y) == kFg ? 1 : 0;
+        for (int x = right - 100; x < right; ++x) level += Screen().GetPixel(x, y) == kMuted ? 1 : 0;
+    }
+    EXPECT_EQ(beyond, 0);
+    EXPECT_GT(level, 20); // "Level 5" still stands before the score
 }
 
 TEST(HeldText, AHarderAttackFollowsUnlessThePackIsDone) {
