@@ -231,6 +231,8 @@ pge::Pixel Repeat(pge::Pixel d, pge::Pixel c, int times, const Repeated* table) 
 
 } // namespace
 
+bool Drawable(uint32_t codepoint) { return codepoint == '?' || Map(codepoint).ch != '?'; }
+
 int Width(pge::PixelEngine&, const std::string& text, int scale) {
     int width = 0;
     for (size_t pos = 0; pos < text.size();) width += Advance(Map(NextCodepoint(text, pos)));

@@ -5,6 +5,7 @@
 // cell and scale a whole factor of pixel size.
 #include "pge/PixelEngine.h"
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -13,6 +14,8 @@ namespace adv::text {
 enum class Align { Left = 0, Centre = 1, Right = 2 };
 
 int Width(pge::PixelEngine& engine, const std::string& text, int scale = 1);
+// Whether the font has a glyph of its own for the code point, rather than "?".
+bool Drawable(uint32_t codepoint);
 void Draw(pge::PixelEngine& engine, int x, int y, const std::string& text, pge::Pixel colour, int scale = 1,
           Align align = Align::Left);
 // The text with a one-pixel outline at all eight neighbours, whatever the scale.

@@ -135,6 +135,25 @@ TEST_F(ScoresTest, NameFieldTakesFourteenCodePointsAndNoLeadingBlank) {
     EXPECT_TRUE(HasButton(ButtonId::ToTitle));
 }
 
+TEST_F(ScoresTest, RawPressesTypeCapitalsAndUmlautsEachOnce) {
+    Start({"--level=1"});
+    app.game.phase = Phase::Over;
+    app.game.score = 500;
+    Frame();
+    ASSERT_TRUE(app.nameEntry);
+    TypeText("Jürgen Ö");
+    EXPECT_EQ(app.playerName, "Jürgen Ö");
+    // Characters the font can't draw, control characters and Ctrl with a letter type nothing.
+    for (uint32_t code : {0xE9u, 0x20ACu, 0x1F600u, 1u}) run->Type(code, code == 1u);
+    for (int i = 0; i < 4; ++i) Frame(); // one press a frame
+    EXPECT_EQ(app.playerName, "Jürgen Ö");
+    TypeText("\b");
+    EXPECT_EQ(app.playerName, "Jürgen ");
+    TypeText("Öß\r");
+    EXPECT_TRUE(app.scoreSaved);
+    EXPECT_NE(ReadData("highscores.txt").find("\tJürgen Öß\n"), std::string::npos) << ReadData("highscores.txt");
+}
+
 TEST_F(ScoresTest, EnterSavesToDiskAndTheNextTitleReadsIt) {
     // Another run wrote in the meantime: the entry adds to the disk, not to the old copy.
     Start({"--level=2"});
