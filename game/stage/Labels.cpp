@@ -102,12 +102,15 @@ bool FocusBox(const Game& game, const TowerView::Geo& g, float& left, float& top
     return true;
 }
 
-// The piece in hand fits nowhere at the focus, which "passt nicht" beside the box then says.
-bool Misfit(const Game& game) {
-    const char type = game.SelectedType();
-    return type != 0 && !game.FreeRepair() && !game.BuildsInAttack() && !game.FocusOpen(game.focus).empty() &&
-           game.RepairFit(type, game.focus).empty();
+// Whether the focus shows where the piece in hand would fit: in the automatic repair, with
+// something left to fill.
+bool FitShown(const Game& game) {
+    return game.SelectedType() != 0 && !game.FreeRepair() && !game.BuildsInAttack() &&
+           !game.FocusOpen(game.focus).empty();
 }
+
+// The piece in hand fits nowhere at the focus, which "passt nicht" beside the box then says.
+bool Misfit(const Game& game) { return FitShown(game) && game.RepairFit(game.SelectedType(), game.focus).empty(); }
 
 // White corners about the focus and, for the piece in hand, where it would fit.
 void DrawFocus(pge::PixelEngine& engine, const Game& game, const TowerView::Geo& g, float cell) {
@@ -121,14 +124,14 @@ void DrawFocus(pge::PixelEngine& engine, const Game& game, const TowerView::Geo&
             cv::Polyline(target, {{x + sx * a, y}, {x, y}, {x, y + sy * a}}, kWhite, 2.0f, false);
         }
 
-    const char type = game.SelectedType();
-    if (type == 0 || game.FreeRepair() || game.BuildsInAttack() || game.FocusOpen(game.focus).empty()) return;
-    if (Misfit(game)) {
+    if (!FitShown(game)) return;
+    const std::vector<Cell> fit = game.RepairFit(game.SelectedType(), game.focus);
+    if (fit.empty()) {
         adv::text::DrawOutlined(engine, Round(right + 5.0f), Round((top + bottom) * 0.5f - 4.0f), Tr("passt nicht"),
                                 kWhite, stage::kTextDark, 1, Align::Left);
         return;
     }
-    for (const Cell& c : game.RepairFit(type, game.focus)) {
+    for (const Cell& c : fit) {
         const std::vector<pge::vf2d> path = g.CellPath(static_cast<float>(c.x), static_cast<float>(c.y), 0.86f);
         cv::FillPolygon(target, path, pge::Pixel(255, 177, 59, 89));
         cv::Polyline(target, path, kAmber, 1.5f, true);
