@@ -5,6 +5,7 @@
 // and the picture read anew for each input.
 #include "engine/Assets.h"
 #include "fuzz/ScratchFolder.h"
+#include "engine/Mixer.h"
 #include "tests/engine/adventure/TestGame.h"
 
 #include <cstddef>
@@ -32,6 +33,7 @@ struct Running {
     adv::AdventureGame game;
     pge::Headless run{game, 48, 30};
     Running() {
+        adv::mixer::UseOffline(44100); // music and sounds mixed in memory, never on a device
         game.SetContentBuilder([](adv::AdventureGame& g) {
             adv::testing::BuildTestContent(g);
             g.RegisterScene("pictured", std::make_unique<Pictured>());

@@ -3,6 +3,7 @@
 // finding what a line names, pressing and letting go, checking what it expects; the
 // game's frames do not. Lines that would write a screenshot are left out, as they would
 // write files anywhere the input names.
+#include "engine/Mixer.h"
 #include "fuzz/ScratchFolder.h"
 #include "pge/Headless.h"
 #include "vorabend/PlayScript.h"
@@ -21,6 +22,7 @@ struct Running {
     adv::AdventureGame game;
     pge::Headless run{game, adv::AdventureGame::kViewWidth, adv::AdventureGame::kViewHeight};
     Running() {
+        adv::mixer::UseOffline(44100); // music and sounds mixed in memory, never on a device
         game.SetContentBuilder(vorabend::BuildStory);
         run.Create();
         game.BeginPlay();

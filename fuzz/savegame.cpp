@@ -2,6 +2,7 @@
 // and, when it reads, loaded into a running game, whose player then walks across the
 // scene for a few frames. The game is the tests' small adventure of a room and a hall,
 // made once; its frames are drawn on a small screen, which clips the same drawing.
+#include "engine/Mixer.h"
 #include "engine/adventure/SaveGame.h"
 #include "tests/engine/adventure/TestGame.h"
 
@@ -15,6 +16,7 @@ struct Running {
     adv::AdventureGame game;
     pge::Headless run{game, 48, 30};
     Running() {
+        adv::mixer::UseOffline(44100); // music and sounds mixed in memory, never on a device
         game.SetContentBuilder(adv::testing::BuildTestContent);
         run.Create();
         game.BeginPlay();

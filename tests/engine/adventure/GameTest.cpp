@@ -1,4 +1,5 @@
 // Interaction: verbs, fallback texts, hover, the sentence line, camera, dialogues, inventory.
+#include "tests/engine/adventure/OfflineAudio.h"
 #include "tests/engine/adventure/TestGame.h"
 
 #include "engine/Music.h"

@@ -1,5 +1,6 @@
 // Saved games: the text format, bad files and slots, restoring, and the menu around them.
 #include "engine/adventure/SaveGame.h"
+#include "tests/engine/adventure/OfflineAudio.h"
 #include "tests/engine/adventure/TestGame.h"
 
 #include <gtest/gtest.h>

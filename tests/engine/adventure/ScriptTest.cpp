@@ -1,4 +1,5 @@
 // The script runner: instantaneous chains, the step cap, timing, branches and skips.
+#include "tests/engine/adventure/OfflineAudio.h"
 #include "tests/engine/adventure/TestGame.h"
 
 #include <gtest/gtest.h>

@@ -2,7 +2,6 @@
 // A small adventure for the tests: a room of one screen and a hall that scrolls, run
 // headless at the adventure's logical size.
 #include "engine/adventure/AdventureGame.h"
-#include "tests/engine/adventure/OfflineAudio.h"
 #include "pge/Headless.h"
 #include "pge/PlatformLinux.h"
 
