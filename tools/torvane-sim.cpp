@@ -166,9 +166,8 @@ int PlayReplay(const std::string& path) {
     replay::Replay recording;
     replay::Error error;
     if (!replay::Load(path, recording, error)) {
-        SetLanguage(Language::German);
-        std::fprintf(stderr, "[torvane] Aufzeichnung beschädigt: %s (%s)\n", replay::Describe(error).c_str(),
-                     path.c_str());
+        std::fprintf(stderr, "[torvane] Aufzeichnung beschädigt: %s (%s)\n",
+                     replay::Describe(error, Language::German).c_str(), path.c_str());
         return 2;
     }
     Game game(0);

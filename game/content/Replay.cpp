@@ -473,9 +473,9 @@ struct Cursor {
 };
 
 // The frame as the application runs it: the rules, the camera if it follows, the bot, the
-// phase watch. The events stay queued.
+// phase watch. The events stay queued. A camera that does not follow is the owner's
+// affair, and must leave the rules alone.
 void RunFrame(const Session& s, float dt, frame::Hooks hooks, bool cameraFollows) {
-    hooks.camera = nullptr;
     if (cameraFollows) hooks.camera = [&s](float step) { s.camera.Follow(s.game, step); };
     frame::RunRules({s.game, s.autoPlayer, s.autoTimer, s.lastPhase, s.lastLevel, s.autoplay, s.paused}, dt, hooks);
 }
@@ -565,6 +565,14 @@ void CameraState::Apply(RingCamera& c) const {
 }
 
 std::string Describe(const Error& error) { return Trf(error.what, error.args); }
+
+std::string Describe(const Error& error, Language language) {
+    const Language current = CurrentLanguage();
+    SetLanguage(language);
+    std::string text = Describe(error);
+    SetLanguage(current);
+    return text;
+}
 
 bool Decode(const std::string& bytes, Replay& out, Error& error) {
     out = Replay{};
@@ -769,6 +777,7 @@ Player::Player(Replay replay) : replay_(std::move(replay)) {}
 
 void Player::Begin(const Session& s) {
     const Start& st = replay_.start;
+    const Language owners = CurrentLanguage();
     st.settings.Apply();
     SetActivePack(st.hasPack ? &st.pack : nullptr);
     Game game(0);
@@ -795,6 +804,8 @@ void Player::Begin(const Session& s) {
     played_ = 0.0;
     frames_ = 0;
     verdict_ = Verdict{};
+    language_ = CurrentLanguage();
+    SetLanguage(owners);
     lastDt_ = 0.0f;
     lastTicks_ = 0;
     lastExact_ = true;
@@ -802,6 +813,8 @@ void Player::Begin(const Session& s) {
 
 std::vector<Event> Player::Frame(const Session& s, const frame::Hooks& hooks) {
     if (done_) return {};
+    const Language owners = CurrentLanguage();
+    SetLanguage(language_);
     Cursor cursor{at_, lastDt_, lastTicks_, lastExact_};
     std::vector<Token> inputs;
     // Inputs wait for their frame's step, which a manual turn needs.
@@ -830,8 +843,10 @@ std::vector<Event> Player::Frame(const Session& s, const frame::Hooks& hooks) {
             done_ = true;
             Judge(s.game);
         } else if (t.kind == Token::Checkpoint) {
-            if (verdict_.firstDifference < 0 && Hash32(s.game) != t.hash)
+            if (verdict_.firstDifference < 0 && Hash32(s.game) != t.hash) {
                 verdict_.firstDifference = static_cast<int64_t>(frames_);
+                verdict_.differsAfter = played_;
+            }
         } else if (t.kind == Token::End) {
             apply(t.finish.pendingDt);
             done_ = true;
@@ -862,6 +877,8 @@ std::vector<Event> Player::Frame(const Session& s, const frame::Hooks& hooks) {
     lastDt_ = cursor.lastDt;
     lastTicks_ = cursor.lastTicks;
     lastExact_ = cursor.lastExact;
+    language_ = CurrentLanguage();
+    SetLanguage(owners);
     return s.game.TakeEvents();
 }
 

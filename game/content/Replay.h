@@ -150,8 +150,9 @@ struct Error {
     std::string what;               // a German key of the language table, with {0}, {1}...
     std::vector<std::string> args;  // filled into `what`
 };
-// The error in the current language.
+// The error in the current language, or in the one given.
 std::string Describe(const Error& error);
+std::string Describe(const Error& error, Language language);
 
 // A recording read and checked from end to end.
 struct Replay {
@@ -173,6 +174,7 @@ struct Verdict {
     int32_t level = 0;
     uint64_t hash = 0;
     int64_t firstDifference = -1; // frames played before the first checkpoint that differed
+    double differsAfter = 0.0;    // and the recorded seconds they took
     bool Matches() const { return scoreMatches && hashMatches && firstDifference < 0; }
 };
 
@@ -229,6 +231,8 @@ private:
 };
 
 // Plays a recording into a session; the owner takes its settings and pack back afterwards.
+// The language is the recording's only while the rules run (their texts are part of the
+// state): the owner keeps its own for everything it draws.
 class Player {
 public:
     explicit Player(Replay replay);
@@ -257,6 +261,7 @@ private:
     double played_ = 0.0;
     uint64_t frames_ = 0;
     Verdict verdict_;
+    Language language_ = Language::German;
     float lastDt_ = 0.0f;
     int64_t lastTicks_ = 0;
     bool lastExact_ = true;

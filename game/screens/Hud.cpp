@@ -118,7 +118,11 @@ std::string TorvaneApp::PartList(const RoundStats& stats, const LevelConfig& con
 std::vector<std::pair<std::string, std::string>> TorvaneApp::HelpPairs() {
     const Phase phase = game.phase;
     std::vector<std::pair<std::string, std::string>> pairs;
-    if (paused) {
+    if (watching && watching->player.Done()) {
+        pairs = {{"Esc", Tr("zurück")}};
+    } else if (watching) {
+        pairs = {{"Space", watching->held ? Tr("weiter") : Tr("anhalten")}, {"← →", Tr("Tempo")}, {"Esc", Tr("zurück")}};
+    } else if (paused) {
         pairs = {{"Esc", Tr("weiter")}, {"Q", Tr("zurück zum Titel")}};
     } else if (game.Building() || (phase == Phase::Attack && game.FreeRepair())) {
         pairs = {{"← →", Tr("bewegen")}, {"↓", game.Building() ? Tr("absetzen") : Tr("einsetzen")}, {"Space", Tr("drehen")}};
@@ -159,7 +163,7 @@ void TorvaneApp::DrawHelp() {
     }
 
     const std::string packName = PackLevelName(game.level);
-    const std::string name = packName.empty() ? Tr(ThemeFor(game.level).name) : packName;
+    const std::string name = watching ? WatchStatus() : packName.empty() ? Tr(ThemeFor(game.level).name) : packName;
     if (kHelpRight - adv::text::Width(*this, name) > end)
         adv::text::Draw(*this, kHelpRight, 389, name, kSlate, 1, adv::text::Align::Right);
 }
