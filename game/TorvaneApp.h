@@ -70,8 +70,12 @@ public:
     TorvaneApp();
 
     bool OnUserCreate() override;
+    // Step, then the picture of the frame.
     bool OnUserUpdate(float elapsed) override;
     bool OnUserDestroy() override;
+    // A frame's work without its picture: sound, the logo's time, input, the rules and
+    // their events. False once the player has quit.
+    bool Step(float elapsed);
 
     // Members in this order; the packs, the editor, the scores and the buttons take
     // their places as they arrive.
@@ -120,6 +124,7 @@ public:
     std::string exitOnPhase;
     bool skipIntro = false;
     float logoTime = -1.0f; // seconds of the logo; negative when none is running
+    bool logoFrame = false;  // the frame being made began with the logo
 
     // ---- replays ----
     // Every game's inputs reach the rules through the recorder.
@@ -274,9 +279,12 @@ private:
     void OnPhaseChanged(Phase from, Phase to);
     // Hands the rules' events on: messages, the banner, sounds and the view.
     void ProcessEvents(const std::vector<Event>& events);
+    // The picture of the frame that Step has just advanced.
+    void DrawFrame();
     // What OnUserUpdate returns: false once exitAt has come, after the screenshot.
     bool FinishFrame();
     void UpdateLogo(float dt);
+    void DrawLogo();
 
     // The player's pack folder, filled from the game's packs on the first start.
     void SetUpPacks();

@@ -1,6 +1,7 @@
 #include "game/content/ReplayFiles.h"
 
 #include "game/content/Preferences.h"
+#include "pge/Files.h"
 
 #include <stb_image.h>
 
@@ -9,7 +10,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <system_error>
 
 // From Debian's libstb: the deflate step of stb_image_write, declared in its implementation part only.
@@ -40,31 +40,20 @@ uint32_t GetU32(const std::string& bytes, size_t at) {
     return v;
 }
 
-// The file access of replays, in one place.
+// Reads a whole replay file: a regular one, of at most kMaxFileBytes.
 bool ReadBytes(const std::string& path, std::string& out, Error& error) {
     std::error_code failed;
-    const std::filesystem::path file(path);
-    if (!std::filesystem::is_regular_file(file, failed)) {
-        error = {"Datei nicht lesbar", {}};
-        return false;
-    }
-    const uintmax_t size = std::filesystem::file_size(file, failed);
-    if (failed) {
-        error = {"Datei nicht lesbar", {}};
-        return false;
-    }
-    if (size > kMaxFileBytes) {
+    const uintmax_t size = std::filesystem::file_size(path, failed);
+    if (!failed && size > kMaxFileBytes) {
         error = {"Datei zu groß: {0} Bytes", {std::to_string(size)}};
         return false;
     }
-    if (!preferences::ReadFile(path, out)) {
+    if (!pge::files::ReadAll(path, out, kMaxFileBytes)) {
         error = {"Datei nicht lesbar", {}};
         return false;
     }
     return true;
 }
-
-bool WriteBytes(const std::string& path, const std::string& bytes) { return preferences::WriteFile(path, bytes); }
 
 } // namespace
 
@@ -121,7 +110,7 @@ bool Unpack(const std::string& file, std::string& stream, Error& error) {
     return true;
 }
 
-bool Save(const std::string& path, const std::string& stream) { return WriteBytes(path, Pack(stream)); }
+bool Save(const std::string& path, const std::string& stream) { return pge::files::WriteAll(path, Pack(stream)); }
 
 bool Load(const std::string& path, Replay& out, Error& error) {
     std::string file, stream;
