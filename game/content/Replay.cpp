@@ -13,12 +13,11 @@
 namespace torvane::replay {
 namespace {
 
-// The entries of the stream. A byte below kFrameTicks is a frame whose step differs from
-// the one before by that many ticks, zigzag-coded; 0 repeats the step exactly.
+// The entries of the inputs. Frames come in runs between inputs; their steps are coded
+// apart (StepCoder), ahead of the inputs.
 enum Entry : uint8_t {
-    kFrameTicks = 0xC0, // a frame: its step in ticks
-    kFrameRaw,          // a frame: a step off the tick grid, as a float
-    kAct,               // to kAct + 7: an act
+    kFrames = 1, // a run of frames: their number
+    kAct,        // to kAct + 7: an act
     kBeginAttack = kAct + 8,
     kNextLevel,
     kEndBuild,
@@ -38,16 +37,10 @@ enum Entry : uint8_t {
     kEnd = 0xFF,
 };
 
-// Ticks of the frame clock per second: a step on this grid is a small whole number.
-constexpr double kTicksPerSecond = 100000.0;
-float TicksToStep(int64_t ticks) { return static_cast<float>(ticks) / 100000.0f; }
-
 // Bounds of what a sound recording holds; anything beyond is damage.
 constexpr int64_t kMaxLevel = 1000000;
 constexpr int64_t kMaxId = 1000000000;
 constexpr float kMaxTime = 1.0e7f;
-constexpr float kMaxStep = 60.0f;
-constexpr int64_t kMaxStepTicks = 6000000;
 constexpr size_t kMaxText = 4096;
 constexpr size_t kMaxUndoCells = 16;
 constexpr int kEngineWords = 624;
@@ -386,44 +379,43 @@ struct Token {
     Finish finish;
 };
 
-// Walks the inputs and frames, keeping the step of the frame before.
+// Walks the inputs and frames: the runs of frames take their steps from the steps' coder.
 struct Cursor {
     size_t at = 0;
-    float lastDt = 0.0f;
-    int64_t lastTicks = 0;
-    bool lastExact = true;
+    uint64_t runLeft = 0;
+    StepDecoder steps;
 
     bool Next(const std::string& bytes, Token& t, Error& error) {
         Reader r(bytes, at);
-        const size_t from = r.At();
-        const uint8_t e = r.U8();
-        t.kind = Token::Input;
-        if (e <= kFrameTicks) {
-            int64_t ticks = 0;
-            if (e == 0) {
-                t.dt = lastDt;
-            } else if (e < kFrameTicks) {
-                if (!lastExact) r.Fail("Byte {0}: unbekannter Eintrag {1}", from, {std::to_string(e)});
-                const int64_t delta = static_cast<int64_t>(e >> 1) ^ -static_cast<int64_t>(e & 1);
-                ticks = lastTicks + delta;
-                if (ticks < -kMaxStepTicks || ticks > kMaxStepTicks) r.OutOfBounds(from);
-                t.dt = TicksToStep(ticks);
+        if (runLeft == 0) {
+            const size_t from = r.At();
+            const uint8_t e = r.U8();
+            if (r.Ok() && e == kFrames) {
+                runLeft = r.Var();
+                if (runLeft == 0) r.OutOfBounds(from);
+            } else if (r.Ok()) {
+                ReadEntry(r, e, from, t);
+            }
+        }
+        if (r.Ok() && runLeft > 0) {
+            t.kind = Token::Frame;
+            const size_t stepAt = steps.At();
+            if (steps.Next(bytes, t.dt)) {
+                --runLeft;
             } else {
-                const size_t valueAt = r.At();
-                ticks = r.Zig();
-                if (ticks < -kMaxStepTicks || ticks > kMaxStepTicks) r.OutOfBounds(valueAt);
-                t.dt = TicksToStep(ticks);
+                r.OutOfBounds(stepAt);
             }
-            t.kind = Token::Frame;
-            if (e != 0) {
-                lastTicks = ticks;
-                lastExact = true;
-            }
-        } else if (e == kFrameRaw) {
-            t.kind = Token::Frame;
-            t.dt = r.Real(kMaxStep);
-            lastExact = false;
-        } else if (e >= kAct && e < kAct + 8) {
+        }
+        at = r.At();
+        if (r.Ok()) return true;
+        error = r.Failure();
+        return false;
+    }
+
+    // Any entry but a run of frames.
+    static void ReadEntry(Reader& r, uint8_t e, size_t from, Token& t) {
+        t.kind = Token::Input;
+        if (e >= kAct && e < kAct + 8) {
             t.op = {Op::Act, e - kAct};
         } else if (e >= kBeginAttack && e <= kAimAtFocus) {
             static constexpr Op::Kind kOps[] = {Op::BeginAttack, Op::NextLevel, Op::EndBuild, Op::NewGame,
@@ -464,11 +456,6 @@ struct Cursor {
         } else {
             r.Fail("Byte {0}: unbekannter Eintrag {1}", from, {std::to_string(e)});
         }
-        if (t.kind == Token::Frame && r.Ok()) lastDt = t.dt;
-        at = r.At();
-        if (r.Ok()) return true;
-        error = r.Failure();
-        return false;
     }
 };
 
@@ -582,9 +569,18 @@ bool Decode(const std::string& bytes, Replay& out, Error& error) {
         error = r.Failure();
         return false;
     }
+    const size_t countAt = r.At();
+    const uint64_t stepBytes = r.Var();
+    if (r.Ok() && stepBytes > bytes.size() - r.At()) r.Fail("Byte {0}: Aufzeichnung endet mitten in einem Eintrag", countAt);
+    if (!r.Ok()) {
+        error = r.Failure();
+        return false;
+    }
+    out.stepsAt = r.At();
+    out.inputsAt = out.stepsAt + stepBytes;
     Cursor cursor;
-    cursor.at = r.At();
-    out.inputsAt = cursor.at;
+    cursor.at = out.inputsAt;
+    cursor.steps = StepDecoder(bytes, out.stepsAt, out.inputsAt);
     uint64_t frames = 0;
     for (Token t;;) {
         if (!cursor.Next(bytes, t, error)) return false;
@@ -615,7 +611,7 @@ void Recorder::Do(const Session& s, Op op, float dt) {
     if (op.kind == Op::NewGame) Begin(s, false);
     if (take_) {
         Sync(s);
-        std::string& out = take_->inputs;
+        std::string& out = Inputs();
         switch (op.kind) {
         case Op::Act: PutU8(out, kAct + (static_cast<uint32_t>(op.arg) & 7)); break;
         case Op::StartLevel:
@@ -634,29 +630,8 @@ std::vector<Event> Recorder::Frame(const Session& s, float dt, frame::Hooks hook
     if (take_) {
         Sync(s);
         Take& t = *take_;
-        std::string& out = t.inputs;
-        const double scaled = static_cast<double>(dt) * kTicksPerSecond;
-        const bool onGrid = std::fabs(scaled) <= static_cast<double>(kMaxStepTicks);
-        const int64_t ticks = onGrid ? std::llround(scaled) : 0;
-        if (Bits(dt) == Bits(t.lastDt)) {
-            PutU8(out, 0);
-        } else if (onGrid && Bits(TicksToStep(ticks)) == Bits(dt)) {
-            const int64_t delta = ticks - t.lastTicks;
-            const uint64_t zig = (static_cast<uint64_t>(delta) << 1) ^ static_cast<uint64_t>(delta >> 63);
-            if (t.lastExact && zig < kFrameTicks) {
-                PutU8(out, zig);
-            } else {
-                PutU8(out, kFrameTicks);
-                PutZig(out, ticks);
-            }
-            t.lastTicks = ticks;
-            t.lastExact = true;
-        } else {
-            PutU8(out, kFrameRaw);
-            PutF32(out, dt);
-            t.lastExact = false;
-        }
-        t.lastDt = dt;
+        t.steps.Put(dt);
+        ++t.run;
         t.pendingDt = 0.0f;
         ++t.frames;
     }
@@ -671,8 +646,8 @@ std::vector<Event> Recorder::Frame(const Session& s, float dt, frame::Hooks hook
     if (take_) {
         Take& t = *take_;
         if (t.frames % kCheckpointFrames == 0) {
-            PutU8(t.inputs, kCheckpoint);
-            PutU32(t.inputs, Hash32(s.game));
+            PutU8(Inputs(), kCheckpoint);
+            PutU32(Inputs(), Hash32(s.game));
         }
         Look(s);
         // A game decided from outside, that the bot follows with a new one.
@@ -711,7 +686,10 @@ void Recorder::Finish(const Session& s, bool decided) {
     Take& t = *take_;
     std::string out = std::move(t.start);
     out += t.owner;
-    out += t.inputs;
+    const std::string steps = t.steps.Finish();
+    PutVar(out, steps.size());
+    out += steps;
+    out += Inputs();
     PutU8(out, kEnd);
     PutU8(out, decided);
     PutZig(out, s.game.score);
@@ -724,40 +702,50 @@ void Recorder::Finish(const Session& s, bool decided) {
 }
 
 void Recorder::Sync(const Session& s) {
-    Take& t = *take_;
-    Seen& was = t.seen;
-    std::string& out = t.inputs;
+    Seen& was = take_->seen;
+    // The run of frames before is written only when something follows it.
+    const auto out = [this]() -> std::string& { return Inputs(); };
     const Game& g = s.game;
     if (Bits(g.viewCentre) != Bits(was.viewCentre) || g.viewKnown != was.viewKnown) {
-        PutU8(out, kView);
-        PutF32(out, g.viewCentre);
-        PutU8(out, g.viewKnown);
+        PutU8(out(), kView);
+        PutF32(out(), g.viewCentre);
+        PutU8(out(), g.viewKnown);
     }
     if (g.phase != was.phase) {
-        PutU8(out, kPhase);
-        PutU8(out, static_cast<uint8_t>(g.phase));
+        PutU8(out(), kPhase);
+        PutU8(out(), static_cast<uint8_t>(g.phase));
     }
     const CameraState camera = CameraState::Of(s.camera);
     const CameraState& c = was.camera;
     if (Bits(camera.angle) != Bits(c.angle) || Bits(camera.target) != Bits(c.target) || camera.level != c.level ||
         camera.width != c.width || camera.lastPhase != c.lastPhase) {
-        PutU8(out, kCamera);
-        PutCamera(out, camera);
+        PutU8(out(), kCamera);
+        PutCamera(out(), camera);
     }
     if (!(RulesSettings::Current() == was.settings)) {
-        PutU8(out, kSettings);
-        PutSettings(out, RulesSettings::Current());
+        PutU8(out(), kSettings);
+        PutSettings(out(), RulesSettings::Current());
     }
     if (ActivePackStamp() != was.packStamp) {
-        PutU8(out, kPack);
-        PutPack(out, ActivePack());
+        PutU8(out(), kPack);
+        PutPack(out(), ActivePack());
     }
     const OwnerState owner = OwnerState::Of(s);
     if (!owner.Same(was.owner)) {
-        PutU8(out, kOwner);
-        PutOwnerState(out, owner);
+        PutU8(out(), kOwner);
+        PutOwnerState(out(), owner);
     }
     Look(s);
+}
+
+std::string& Recorder::Inputs() {
+    Take& t = *take_;
+    if (t.run > 0) {
+        PutU8(t.inputs, kFrames);
+        PutVar(t.inputs, t.run);
+        t.run = 0;
+    }
+    return t.inputs;
 }
 
 void Recorder::Look(const Session& s) {
@@ -800,22 +788,21 @@ void Player::Begin(const Session& s) {
     st.owner.Apply(s);
 
     at_ = replay_.inputsAt;
+    runLeft_ = 0;
+    steps_ = StepDecoder(replay_.bytes, replay_.stepsAt, replay_.inputsAt);
     done_ = false;
     played_ = 0.0;
     frames_ = 0;
     verdict_ = Verdict{};
     language_ = CurrentLanguage();
     SetLanguage(owners);
-    lastDt_ = 0.0f;
-    lastTicks_ = 0;
-    lastExact_ = true;
 }
 
 std::vector<Event> Player::Frame(const Session& s, const frame::Hooks& hooks) {
     if (done_) return {};
     const Language owners = CurrentLanguage();
     SetLanguage(language_);
-    Cursor cursor{at_, lastDt_, lastTicks_, lastExact_};
+    Cursor cursor{at_, runLeft_, steps_};
     std::vector<Token> inputs;
     // Inputs wait for their frame's step, which a manual turn needs.
     const auto apply = [&](float dt) {
@@ -874,9 +861,8 @@ std::vector<Event> Player::Frame(const Session& s, const frame::Hooks& hooks) {
         }
     }
     at_ = cursor.at;
-    lastDt_ = cursor.lastDt;
-    lastTicks_ = cursor.lastTicks;
-    lastExact_ = cursor.lastExact;
+    runLeft_ = cursor.runLeft;
+    steps_ = cursor.steps;
     language_ = CurrentLanguage();
     SetLanguage(owners);
     return s.game.TakeEvents();

@@ -16,6 +16,7 @@
 // The Recorder is the owner's one way into the rules during a game; the Player feeds a
 // recording into a Game through the same code. The bytes here are the plain stream;
 // ReplayFiles deflates them into a file.
+#include "game/content/StepCoder.h"
 #include "game/rules/AutoPlayer.h"
 #include "game/rules/FrameSteps.h"
 #include "game/rules/Lang.h"
@@ -158,7 +159,8 @@ std::string Describe(const Error& error, Language language);
 struct Replay {
     Start start;
     std::string bytes;     // the whole stream
-    size_t inputsAt = 0;   // where the inputs and frames begin
+    size_t stepsAt = 0;    // where the frames' steps begin
+    size_t inputsAt = 0;   // where the inputs and runs of frames begin
     Finish finish;
     double seconds = 0.0;  // the frames' steps added up
 };
@@ -211,14 +213,15 @@ private:
     struct Take {
         std::string start;   // up to the revision counter
         std::string owner;   // the owner's side of the start
-        std::string inputs;  // inputs and frames
+        std::string inputs;  // inputs and runs of frames
+        StepEncoder steps;   // the frames' steps
+        uint64_t run = 0;    // frames since the last entry of the inputs
         uint64_t frames = 0;
         Seen seen;
-        float lastDt = 0.0f;
-        int64_t lastTicks = 0;
-        bool lastExact = true;
         float pendingDt = 0.0f;
     };
+    // The inputs of the recording, the run of frames before them written.
+    std::string& Inputs();
 
     void Begin(const Session& s, bool byBot);
     void Finish(const Session& s, bool decided);
@@ -257,14 +260,13 @@ private:
 
     Replay replay_;
     size_t at_ = 0;
+    uint64_t runLeft_ = 0;
+    StepDecoder steps_;
     bool done_ = false;
     double played_ = 0.0;
     uint64_t frames_ = 0;
     Verdict verdict_;
     Language language_ = Language::German;
-    float lastDt_ = 0.0f;
-    int64_t lastTicks_ = 0;
-    bool lastExact_ = true;
 };
 
 } // namespace torvane::replay

@@ -2,6 +2,7 @@
 
 #include "engine/Assets.h"
 #include "engine/Mixer.h"
+#include "game/content/ReplayFiles.h"
 #include "game/rules/Level.h"
 #include "pge/Headless.h"
 #include "tests/ScratchPath.h"
@@ -13,7 +14,9 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <cmath>
 #include <filesystem>
+#include <random>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -218,6 +221,32 @@ TEST(TorvaneAppFrame, RulesGetTheCutStepAndTheClockTheRawTime) {
     run.Frame(0.03f);
     EXPECT_NEAR(app.game.clock - gameBefore, 0.05f, 1e-6);
     EXPECT_NEAR(app.clock, 0.23f, 1e-6);
+}
+
+TEST(TorvaneAppFrame, AMinuteAtAThousandFramesASecondKeepsItsReplayUnderAThirtiethOfAMegabyte) {
+    // The bot's game with the camera, at frame times of the frame clock around 1 ms with a
+    // jitter of 20 microseconds: half an hour of it is to fit into one megabyte.
+    torvane::Game game(4);
+    torvane::RingCamera camera;
+    torvane::AutoPlayer bot;
+    float autoTimer = 0.0f;
+    torvane::Phase lastPhase = torvane::Phase::Title;
+    int32_t lastLevel = 0;
+    bool autoplay = true, paused = false;
+    const torvane::replay::Session s{game, camera, bot, autoTimer, lastPhase, lastLevel, autoplay, paused};
+    torvane::replay::Recorder recorder;
+    std::string stream;
+    recorder.finished = [&stream](std::string done) { stream = std::move(done); };
+    recorder.Do(s, {torvane::replay::Op::NewGame}, 0.0f);
+    std::mt19937 engine(1);
+    std::normal_distribution<double> jitter(100.0, 2.0); // ticks of 10 microseconds
+    for (int frame = 0; frame < 60000; ++frame)
+        recorder.Frame(s, pge::FrameSeconds(std::llround(jitter(engine))), {});
+    recorder.End(s);
+    ASSERT_FALSE(stream.empty());
+    EXPECT_LT(torvane::replay::Pack(stream).size(), (size_t(1) << 20) / 30);
+    // Steps on the frame clock's grid cost a byte each: the stream is hardly more than its frames.
+    EXPECT_LT(stream.size(), 60000u + 8000u);
 }
 
 TEST(TorvaneAppFrame, ExitOnFiresOnAChangeNotAtStart) {
