@@ -40,6 +40,8 @@ enum Entry : uint8_t {
 // Bounds of what a sound recording holds; anything beyond is damage.
 constexpr int64_t kMaxLevel = 1000000;
 constexpr int64_t kMaxId = 1000000000;
+// Eleven days at a thousand frames a second.
+constexpr uint64_t kMaxFrames = 1000000000;
 constexpr float kMaxTime = 1.0e7f;
 constexpr size_t kMaxText = 4096;
 constexpr size_t kMaxUndoCells = 16;
@@ -585,7 +587,12 @@ bool Decode(const std::string& bytes, Replay& out, Error& error) {
     for (Token t;;) {
         if (!cursor.Next(bytes, t, error)) return false;
         if (t.kind == Token::Frame) {
-            ++frames;
+            // However well the steps are foreseen, a frame costs two learnt bits, each of
+            // them a 45th of a bit at least: no more than 181 frames a byte of steps.
+            if (++frames > 256 * (stepBytes + 1) || frames > kMaxFrames) {
+                error = {"Byte {0}: Wert außerhalb der Grenzen", {std::to_string(out.stepsAt)}};
+                return false;
+            }
             out.seconds += t.dt;
         }
         if (t.kind != Token::End) continue;
