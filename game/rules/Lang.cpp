@@ -279,6 +279,7 @@ const std::map<std::string, std::string>& English() {
         {"mehr", "left"},
         {"{0} Sp", "{0} col"},
         {"Aufzeichnung stimmt", "Replay matches"},
+        {"↑ ↓ und Enter: eine Aufzeichnung ansehen", "↑ ↓ and Enter: watch a replay"},
         {"Aufzeichnung weicht ab", "Replay differs"},
         {"Aufzeichnung beschädigt", "Replay damaged"},
         {"Das Spiel endet mit denselben Punkten und demselben Spielstand wie aufgezeichnet.", "The game ends with the same score and the same state as recorded."},

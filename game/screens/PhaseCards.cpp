@@ -6,6 +6,7 @@
 #include "game/rules/LevelPack.h"
 #include "game/TorvaneApp.h"
 
+#include <algorithm>
 #include <cmath>
 #include <string>
 
@@ -194,6 +195,8 @@ void TorvaneApp::DrawScoreTable(Card& card, int highlight) {
         card.y += 11;
     }
     card.y += 3;
+    if (std::find(scoreReplays.begin(), scoreReplays.end(), true) != scoreReplays.end())
+        card.Para(Tr("↑ ↓ und Enter: eine Aufzeichnung ansehen"), kMuted);
 }
 
 void TorvaneApp::DrawScoresCard(Card& card) {
