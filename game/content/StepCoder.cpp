@@ -12,7 +12,8 @@ constexpr uint32_t kTop = 1u << 24;
 // Odds are of 2048 and move a 32nd of the way at each bit.
 constexpr int kOddsBits = 11;
 constexpr int kAdapt = 5;
-// The zigzag code of a difference that the tree holds; 63 says the step follows whole.
+// The zigzag code of a difference that the tree holds; 63 says a far one follows: the
+// length of its code in bits, learnt as well, then the bits below its top one as they are.
 constexpr uint32_t kEscape = 63;
 
 uint32_t Bits(float f) {
@@ -38,6 +39,7 @@ float TicksToStep(int64_t ticks) { return static_cast<float>(ticks) / 100000.0f;
 
 StepModel::StepModel() {
     for (uint16_t& odds : tree) odds = 1024;
+    for (uint16_t& odds : length) odds = 1024;
 }
 
 int64_t StepModel::Expected() const { return FloorDiv16(expectQ + 8); }
@@ -95,7 +97,16 @@ void StepEncoder::Put(float dt) {
             Bit(model_.tree[node], bit);
             node = (node << 1) | static_cast<uint32_t>(bit);
         }
-        if (symbol == kEscape) Direct(Zig(ticks), 32);
+        if (symbol == kEscape) {
+            int bits = 0;
+            while (bits < 32 && (z >> bits) != 0) ++bits;
+            for (uint32_t node = 1, i = 5; i-- > 0;) {
+                const int bit = static_cast<int>((static_cast<uint32_t>(bits) >> i) & 1);
+                Bit(model_.length[node], bit);
+                node = (node << 1) | static_cast<uint32_t>(bit);
+            }
+            Direct(z, bits - 1);
+        }
         model_.Learn(ticks);
         return;
     }
@@ -154,7 +165,15 @@ bool StepDecoder::Next(const std::string& bytes, float& dt) {
         uint32_t symbol = 1;
         for (int i = 0; i < 6; ++i) symbol = (symbol << 1) | static_cast<uint32_t>(Bit(bytes, model_.tree[symbol]));
         symbol -= 64;
-        const int64_t ticks = symbol == kEscape ? Unzig(Direct(bytes, 32)) : model_.Expected() + Unzig(symbol);
+        if (symbol == kEscape) {
+            uint32_t bits = 1;
+            for (int i = 0; i < 5; ++i) bits = (bits << 1) | static_cast<uint32_t>(Bit(bytes, model_.length[bits]));
+            bits -= 32;
+            // The code's top bit stands above the bits that follow; a code that short is no far one.
+            if (bits < 6) return false;
+            symbol = (1u << (bits - 1)) | Direct(bytes, static_cast<int>(bits) - 1);
+        }
+        const int64_t ticks = model_.Expected() + Unzig(symbol);
         if (ticks < -kMaxTicks || ticks > kMaxTicks) return false;
         model_.Learn(ticks);
         dt = TicksToStep(ticks);

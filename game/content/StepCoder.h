@@ -16,6 +16,7 @@ struct StepModel {
     uint16_t grid = 1024;      // odds of a step on the grid, of 2048
     uint16_t sameRaw = 1024;   // odds of a step off the grid repeating the one before
     uint16_t tree[64] = {};    // odds of the bits of a difference's zigzag code
+    uint16_t length[32] = {};  // odds of the bits of a far difference's length in bits
     uint32_t lastRaw = 0;      // the bits of the last step off the grid
     int64_t expectQ = 0;       // 16 times the steps' running mean, in ticks
 
