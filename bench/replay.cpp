@@ -13,17 +13,9 @@ namespace {
 
 using namespace torvane;
 
-// The owner's members, as the application holds them.
-struct Owner {
-    Game game{3};
-    RingCamera camera;
-    AutoPlayer autoPlayer;
-    float autoTimer = 0.0f;
-    Phase lastPhase = Phase::Title;
-    int32_t lastLevel = 0;
-    bool autoplay = true;
-    bool paused = false;
-    replay::Session S() { return {game, camera, autoPlayer, autoTimer, lastPhase, lastLevel, autoplay, paused}; }
+// The bot's game from seed 3.
+struct Owner : replay::Members {
+    Owner() : Members(Game(3)) { autoplay = true; }
 };
 
 // Frame times around 1 ms on the frame clock's grid, with a jitter of `ticks` ticks.

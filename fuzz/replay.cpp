@@ -21,14 +21,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         return 0;
     }
     GetSettings() = Settings();
-    Game game(1);
-    RingCamera camera;
-    AutoPlayer autoPlayer;
-    float autoTimer = 0.0f;
-    Phase lastPhase = Phase::Title;
-    int32_t lastLevel = 0;
-    bool autoplay = false, paused = false;
-    const replay::Session session{game, camera, autoPlayer, autoTimer, lastPhase, lastLevel, autoplay, paused};
+    replay::Members members{Game(1)};
+    const replay::Session session = members.S();
     replay::Player player(std::move(recording));
     player.Begin(session);
     for (int frame = 0; frame < 200 && !player.Done(); ++frame) player.Frame(session, {});

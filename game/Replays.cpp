@@ -81,13 +81,13 @@ void TorvaneApp::StartWatching(const std::string& path) {
     recorder.End(Session());
     watching = std::make_unique<Watching>(replay::Player(std::move(recording)), game);
     Watching& w = *watching;
-    w.camera = camera;
-    w.autoPlayer = autoPlayer;
-    w.autoTimer = autoTimer;
-    w.lastPhase = lastPhase;
-    w.lastLevel = lastLevel;
-    w.autoplay = autoplay;
-    w.paused = paused;
+    w.saved.camera = camera;
+    w.saved.autoPlayer = autoPlayer;
+    w.saved.autoTimer = autoTimer;
+    w.saved.lastPhase = lastPhase;
+    w.saved.lastLevel = lastLevel;
+    w.saved.autoplay = autoplay;
+    w.saved.paused = paused;
     w.settings = GetSettings();
     w.language = CurrentLanguage();
     if (const LevelPack* pack = ActivePack()) w.pack = *pack;
@@ -102,7 +102,7 @@ void TorvaneApp::StartWatching(const std::string& path) {
 }
 
 void TorvaneApp::StopWatching() {
-    Watching& w = *watching;
+    const replay::Members& w = watching->saved;
     game = w.game;
     camera = w.camera;
     autoPlayer = w.autoPlayer;
@@ -111,10 +111,10 @@ void TorvaneApp::StopWatching() {
     lastLevel = w.lastLevel;
     autoplay = w.autoplay;
     paused = w.paused;
-    GetSettings() = w.settings;
-    SetLanguage(w.language);
-    SetActivePack(w.pack ? &*w.pack : nullptr);
-    Tower::SetNextRevision(w.revision);
+    GetSettings() = watching->settings;
+    SetLanguage(watching->language);
+    SetActivePack(watching->pack ? &*watching->pack : nullptr);
+    Tower::SetNextRevision(watching->revision);
     watching.reset();
     messageUntil = 0.0f;
     bannerUntil = -1.0f;

@@ -138,19 +138,12 @@ public:
 
     // A replay being watched, and what it put aside.
     struct Watching {
-        Watching(replay::Player p, const Game& g) : player(std::move(p)), game(g) {}
+        Watching(replay::Player p, const Game& g) : player(std::move(p)), saved(g) {}
         replay::Player player;
         float speed = 1.0f;
         bool held = false;   // stopped by Space
         double time = 0.0;   // recorded seconds that should have been played
-        Game game;
-        RingCamera camera;
-        AutoPlayer autoPlayer;
-        float autoTimer = 0.0f;
-        Phase lastPhase = Phase::Title;
-        int32_t lastLevel = 0;
-        bool autoplay = false;
-        bool paused = false;
+        replay::Members saved;
         Settings settings;
         Language language = Language::German;
         std::optional<LevelPack> pack;

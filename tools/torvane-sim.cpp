@@ -170,14 +170,8 @@ int PlayReplay(const std::string& path) {
                      replay::Describe(error, Language::German).c_str(), path.c_str());
         return 2;
     }
-    Game game(0);
-    RingCamera camera;
-    AutoPlayer autoPlayer;
-    float autoTimer = 0.0f;
-    Phase lastPhase = Phase::Title;
-    int32_t lastLevel = 0;
-    bool autoplay = false, paused = false;
-    const replay::Session session{game, camera, autoPlayer, autoTimer, lastPhase, lastLevel, autoplay, paused};
+    replay::Members members{Game(0)};
+    const replay::Session session = members.S();
     replay::Player player(std::move(recording));
     player.Begin(session);
     while (!player.Done()) player.Frame(session, {});
@@ -213,15 +207,11 @@ int main(int argc, char** argv) {
         if (!options.levelsGiven) options.levels = static_cast<int>(ActivePack()->levels.size());
     }
 
-    Game game(options.seed);
-    RingCamera camera;
-    AutoPlayer autoPlayer;
-    autoPlayer.repairs = !options.lazy;
-    float autoTimer = 0.0f;
-    Phase lastPhase = game.phase;
-    int32_t lastLevel = game.level;
-    bool autoplay = true, paused = false;
-    const replay::Session session{game, camera, autoPlayer, autoTimer, lastPhase, lastLevel, autoplay, paused};
+    replay::Members members{Game(options.seed)};
+    members.autoplay = true;
+    members.autoPlayer.repairs = !options.lazy;
+    Game& game = members.game;
+    const replay::Session session = members.S();
     // The run is one game; a new one that the bot begins in the last frame is not kept.
     replay::Recorder recorder;
     recorder.cameraFollows = false;
@@ -232,8 +222,8 @@ int main(int argc, char** argv) {
     recorder.Do(session, {replay::Op::NewGame}, 0.0f);
     if (options.level > 1) recorder.Do(session, {replay::Op::StartLevel, options.level}, 0.0f);
     recorder.Do(session, {replay::Op::DropEvents}, 0.0f);
-    lastPhase = game.phase;
-    lastLevel = game.level;
+    members.lastPhase = game.phase;
+    members.lastLevel = game.level;
     // A level ends when the rules' step leaves the attack. The bot may start the
     // next level within the same frame, so the figures are taken right there; what
     // that frame queues afterwards belongs to the next level.

@@ -47,12 +47,6 @@ constexpr size_t kMaxText = 4096;
 constexpr size_t kMaxUndoCells = 16;
 constexpr int kEngineWords = 624;
 
-uint32_t Bits(float f) {
-    uint32_t b = 0;
-    std::memcpy(&b, &f, sizeof b);
-    return b;
-}
-
 uint32_t Hash32(const Game& game) {
     const uint64_t h = StateHash(game);
     return static_cast<uint32_t>(h ^ (h >> 32));

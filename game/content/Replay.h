@@ -46,6 +46,22 @@ struct Session {
     bool& paused;
 };
 
+// The members a frame of the rules touches, held together: for owners without members of
+// their own (the simulator, tests, benchmarks) and for what watching a replay puts aside.
+struct Members {
+    explicit Members(Game g) : game(std::move(g)) {}
+    Game game;
+    RingCamera camera;
+    AutoPlayer autoPlayer;
+    float autoTimer = 0.0f;
+    Phase lastPhase = Phase::Title;
+    int32_t lastLevel = 0;
+    bool autoplay = false;
+    bool paused = false;
+
+    Session S() { return {game, camera, autoPlayer, autoTimer, lastPhase, lastLevel, autoplay, paused}; }
+};
+
 // An input from outside the rules.
 struct Op {
     enum Kind : uint8_t {

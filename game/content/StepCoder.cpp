@@ -16,12 +16,6 @@ constexpr int kAdapt = 5;
 // length of its code in bits, learnt as well, then the bits below its top one as they are.
 constexpr uint32_t kEscape = 63;
 
-uint32_t Bits(float f) {
-    uint32_t b = 0;
-    std::memcpy(&b, &f, sizeof b);
-    return b;
-}
-
 float FromBits(uint32_t b) {
     float f = 0.0f;
     std::memcpy(&f, &b, sizeof f);
@@ -34,6 +28,12 @@ int64_t Unzig(uint32_t z) { return static_cast<int64_t>(z >> 1) ^ -static_cast<i
 int64_t FloorDiv16(int64_t v) { return v >= 0 ? v / 16 : -((-v + 15) / 16); }
 
 } // namespace
+
+uint32_t Bits(float f) {
+    uint32_t b = 0;
+    std::memcpy(&b, &f, sizeof b);
+    return b;
+}
 
 float TicksToStep(int64_t ticks) { return static_cast<float>(ticks) / 100000.0f; }
 

@@ -67,6 +67,8 @@ private:
     uint32_t code_ = 0;
 };
 
+// The bits of a float, to compare to the bit.
+uint32_t Bits(float f);
 // The seconds of a step of whole ticks, as the frame clock gives them.
 float TicksToStep(int64_t ticks);
 // Steps are at most a minute either way; the rules cut them to 0.05 s anyway.

@@ -226,14 +226,9 @@ TEST(TorvaneAppFrame, RulesGetTheCutStepAndTheClockTheRawTime) {
 TEST(TorvaneAppFrame, AMinuteAtAThousandFramesASecondKeepsItsReplayUnderAThirtiethOfAMegabyte) {
     // The bot's game with the camera, at frame times of the frame clock around 1 ms with a
     // jitter of 20 microseconds: half an hour of it is to fit into one megabyte.
-    torvane::Game game(4);
-    torvane::RingCamera camera;
-    torvane::AutoPlayer bot;
-    float autoTimer = 0.0f;
-    torvane::Phase lastPhase = torvane::Phase::Title;
-    int32_t lastLevel = 0;
-    bool autoplay = true, paused = false;
-    const torvane::replay::Session s{game, camera, bot, autoTimer, lastPhase, lastLevel, autoplay, paused};
+    torvane::replay::Members members{torvane::Game(4)};
+    members.autoplay = true;
+    const torvane::replay::Session s = members.S();
     torvane::replay::Recorder recorder;
     std::string stream;
     recorder.finished = [&stream](std::string done) { stream = std::move(done); };

@@ -16,18 +16,9 @@
 namespace torvane::replay {
 namespace {
 
-// The members of an owner, as the application and the simulator hold them.
-struct Owner {
-    explicit Owner(unsigned seed) : game(seed) {}
-    Game game;
-    RingCamera camera;
-    AutoPlayer autoPlayer;
-    float autoTimer = 0.0f;
-    Phase lastPhase = Phase::Title;
-    int32_t lastLevel = 0;
-    bool autoplay = true;
-    bool paused = false;
-    Session S() { return {game, camera, autoPlayer, autoTimer, lastPhase, lastLevel, autoplay, paused}; }
+// An owner whose bot plays.
+struct Owner : Members {
+    explicit Owner(unsigned seed) : Members(Game(seed)) { autoplay = true; }
 };
 
 // A game played by the bot through a recorder, and its state after every frame.
