@@ -83,6 +83,8 @@ void Headless::Close() { closeRequested = true; }
 
 void Headless::SetKey(Key k, bool down) { engine.pKeyNewState[k] = down; }
 
+void Headless::Type(uint32_t code, bool ctrl) { engine.pge_KeyTyped(code, ctrl); }
+
 void Headless::SetMouseButton(int32_t button, bool down) { engine.pge_UpdateMouseState(button, down); }
 
 void Headless::MoveMouse(int32_t x, int32_t y) {

@@ -185,6 +185,10 @@ void PixelEngine::pge_Frame(float fElapsedTime) {
     vMousePos = vMousePosCache;
     nMouseWheelDelta = nMouseWheelDeltaCache;
     nMouseWheelDeltaCache = 0;
+    if (!typedCache.empty()) {
+        typedKey = {typedCache.front().code, typedCache.front().ctrl, typedKey.serial + 1};
+        typedCache.pop_front();
+    }
 
     if (!OnUserUpdate(fElapsedTime)) bAtomActive = false;
 
@@ -236,6 +240,11 @@ void PixelEngine::pge_UpdateMouseState(int32_t button, bool state) {
 void PixelEngine::pge_UpdateKeyState(int32_t key, bool state) {
     // A native code that is not in the table counts as NONE.
     pKeyNewState[mapKeys[size_t(key)]] = state;
+}
+
+void PixelEngine::pge_KeyTyped(uint32_t code, bool ctrl) {
+    // A stuck or flooded event source cannot make the queue grow without end.
+    if (typedCache.size() < kTypedKeysKept) typedCache.push_back({code, ctrl, 0});
 }
 
 void PixelEngine::pge_UpdateViewport() {
