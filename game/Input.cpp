@@ -2,6 +2,7 @@
 #include "game/content/PackFormat.h"
 #include "game/content/Highscores.h"
 #include "game/content/Preferences.h"
+#include "game/content/ReplayFiles.h"
 #include "game/rules/Lang.h"
 #include "game/rules/Level.h"
 #include "game/TorvaneApp.h"
@@ -48,12 +49,12 @@ void TorvaneApp::Press(ButtonId id, int arg) {
     Settings& settings = GetSettings();
     switch (id) {
     case ButtonId::NewGame: NewGame(); return;
-    case ButtonId::StartAttack: game.BeginAttack(); return;
+    case ButtonId::StartAttack: Do({replay::Op::BeginAttack}); return;
     case ButtonId::NextLevel:
         if (game.LastLevel()) {
             Press(ButtonId::ToTitle, 0);
         } else {
-            game.NextLevel();
+            Do({replay::Op::NextLevel});
         }
         return;
     case ButtonId::SaveScore: {
@@ -64,14 +65,23 @@ void TorvaneApp::Press(ButtonId id, int arg) {
         // Added to what is on disk now, not to the list read at the start of the card.
         scores = highscores::Load();
         highlightRow = highscores::Insert(scores, entry);
-        highscores::Save(scores);
+        // The entry keeps the game's replay, and a replay whose entry fell off goes.
+        if (highscores::Save(scores)) {
+            if (highlightRow >= 0 && !lastReplay.empty()) replay::Keep(entry, lastReplay);
+            replay::Prune(scores);
+        }
+        const int row = highlightRow;
+        LoadScores();
+        highlightRow = row;
         nameEntry = false;
         scoreSaved = true;
         return;
     }
-    case ButtonId::EndBuild: game.EndBuild(true); return;
+    case ButtonId::EndBuild: Do({replay::Op::EndBuild}); return;
     case ButtonId::Resume: paused = false; return;
     case ButtonId::ToTitle:
+        // Leaving the game ends its recording.
+        recorder.End(Session());
         paused = nameEntry = scoreSaved = attractScores = false;
         lastInputAt = clock;
         ApplyPack();
@@ -99,6 +109,14 @@ void TorvaneApp::Press(ButtonId id, int arg) {
     case ButtonId::CloseSettings: settingsOpen = false; return;
     case ButtonId::NextPack: CyclePack(); return;
     case ButtonId::OpenEditor: OpenEditor(); return;
+    case ButtonId::WatchReplay:
+        if (arg >= 0 && arg < int(scores.size()) && arg < int(scoreReplays.size()) && scoreReplays[size_t(arg)])
+            StartWatching(replay::Folder() + "/" + replay::FileOf(scores[size_t(arg)]));
+        return;
+    case ButtonId::EndWatch:
+        if (watching) StopWatching();
+        return;
+    case ButtonId::CloseReplayError: replayError = {}; return;
     }
     // Only the settings' changes get here; each is kept at once.
     preferences::Save();
@@ -117,6 +135,12 @@ void TorvaneApp::HandleInput(float dt) {
     const bool confirm =
         clock >= phaseStart + kConfirmLock && (GetKey(pge::SPACE).bPressed || GetKey(pge::ENTER).bPressed);
     auto pressed = [this](pge::Key k) { return GetKey(k).bPressed; };
+
+    // The card of a replay that could not be played stands until it is closed.
+    if (!replayError.what.empty()) {
+        if (pressed(pge::ESCAPE) || pressed(pge::ENTER) || pressed(pge::SPACE)) Press(ButtonId::CloseReplayError, 0);
+        return;
+    }
 
     if (editorOpen) {
         lastInputAt = clock;
@@ -168,7 +192,7 @@ void TorvaneApp::HandleInput(float dt) {
             Press(ButtonId::ToTitle, 0);
         } else if (nameEntry) {
             HandleNameEntry();
-        } else if (confirm) {
+        } else if (!HandleScoreTableKeys() && confirm) {
             Press(ButtonId::ToTitle, 0);
         }
         return;
@@ -192,7 +216,10 @@ void TorvaneApp::HandleTitleInput(bool confirm) {
     auto pressed = [this](pge::Key k) { return GetKey(k).bPressed; };
     const bool any = AnyInput();
     if (attractScores) {
-        if (confirm) {
+        if (HandleScoreTableKeys()) {
+            // Choosing a row keeps the list up.
+            attractSince = clock;
+        } else if (confirm) {
             Press(ButtonId::NewGame, 0);
         } else if (any || clock >= attractSince + kAttractFor) {
             attractScores = false;
@@ -239,10 +266,11 @@ void TorvaneApp::HandlePlayInput(float dt) {
     // The automatic repair on a ring with the turn by hand: the arrows drive the camera.
     const bool manualCamera = !handCursor && game.config.ring && !settings.auto_rotate;
 
+    const auto act = [&](Action action) { Do({replay::Op::Act, int32_t(action)}, dt); };
     if (handCursor) {
         for (pge::Key k : {pge::LEFT, pge::RIGHT}) {
             if (!pressed(k)) continue;
-            game.Act(sideways(k));
+            act(sideways(k));
             repeatKey = k;
             repeatTimer = kRepeatDelay;
         }
@@ -250,29 +278,27 @@ void TorvaneApp::HandlePlayInput(float dt) {
             if (!held(repeatKey)) {
                 repeatKey = pge::NONE;
             } else if ((repeatTimer -= dt) <= 0.0f) {
-                game.Act(sideways(repeatKey));
+                act(sideways(repeatKey));
                 repeatTimer += settings.keyRepeat;
             }
         }
     } else if (manualCamera) {
-        const float turn = dt * settings.cameraMaxSpeed;
-        if (held(pge::LEFT)) camera.Turn(-turn);
-        if (held(pge::RIGHT)) camera.Turn(turn);
+        if (held(pge::LEFT)) Do({replay::Op::TurnLeft}, dt);
+        if (held(pge::RIGHT)) Do({replay::Op::TurnRight}, dt);
     } else if (!game.config.ring) {
-        if (pressed(pge::LEFT)) game.Act(Action::Left);
-        if (pressed(pge::RIGHT)) game.Act(Action::Right);
+        if (pressed(pge::LEFT)) act(Action::Left);
+        if (pressed(pge::RIGHT)) act(Action::Right);
     }
 
-    if (pressed(pge::DOWN)) game.Act(Action::Place);
+    if (pressed(pge::DOWN)) act(Action::Place);
     if (pressed(pge::UP)) {
-        game.Act(Action::Undo);
+        act(Action::Undo);
         // A new goal brings the camera to it once, even with the automatic turn off.
-        if (manualCamera && game.focus.kind != Focus::None)
-            camera.target = camera.Wrap(game.FocusCentre(game.focus));
+        if (manualCamera && game.focus.kind != Focus::None) Do({replay::Op::AimAtFocus}, dt);
     }
-    if (pressed(pge::SPACE)) game.Act(Action::Rotate);
-    if (pressed(pge::TAB)) game.Act(Action::Cycle);
-    if (pressed(pge::ENTER)) game.Act(Action::Done);
+    if (pressed(pge::SPACE)) act(Action::Rotate);
+    if (pressed(pge::TAB)) act(Action::Cycle);
+    if (pressed(pge::ENTER)) act(Action::Done);
 }
 
 } // namespace torvane

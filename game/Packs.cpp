@@ -61,6 +61,7 @@ void TorvaneApp::RefreshPacks() {
 void TorvaneApp::ApplyPack() { SetActivePack(PackWithKey(packs)); }
 
 void TorvaneApp::CyclePack() {
+    recorder.End(Session());
     RefreshPacks();
     const LevelPack* current = PackWithKey(packs);
     const size_t next = current == nullptr ? 0 : static_cast<size_t>(current - packs.data()) + 1;
@@ -75,7 +76,7 @@ void TorvaneApp::CyclePack() {
 
 void TorvaneApp::NewGame() {
     ApplyPack();
-    game.NewGame();
+    Do({replay::Op::NewGame});
     nameEntry = scoreSaved = attractScores = false;
 }
 
@@ -148,8 +149,8 @@ void TorvaneApp::HandleEditorInput() {
         editorOpen = false;
         RefreshPacks();
         SetActivePack(&editor.pack);
-        game.NewGame();
-        if (editor.level >= 1) game.StartLevel(editor.level + 1);
+        Do({replay::Op::NewGame});
+        if (editor.level >= 1) Do({replay::Op::StartLevel, editor.level + 1});
         attractScores = nameEntry = scoreSaved = false;
         testing = true;
         testHintAt = clock + kTestHintAfter;

@@ -8,6 +8,7 @@
 #include "engine/Sound.h"
 #include "game/content/Highscores.h"
 #include "game/content/Preferences.h"
+#include "game/content/ReplayFiles.h"
 #include "game/rules/FrameSteps.h"
 #include "game/rules/Lang.h"
 #include "game/rules/Level.h"
@@ -48,7 +49,21 @@ float LogoOpacity(float t) {
 } // namespace
 
 // A run without "--seed=" is a different game each time.
-TorvaneApp::TorvaneApp() : game(std::random_device("default")()) { sAppName = "Torvane"; }
+TorvaneApp::TorvaneApp() : game(std::random_device("default")()) {
+    // Every game's recording: kept for the score list, and written where "--record=" says.
+    recorder.finished = [this](std::string stream) {
+        lastReplay = std::move(stream);
+        if (!recordPath.empty() && !replay::Save(recordPath, lastReplay))
+            std::fprintf(stderr, "[torvane] Konnte %s nicht schreiben\n", recordPath.c_str());
+    };
+    sAppName = "Torvane";
+}
+
+replay::Session TorvaneApp::Session() {
+    return {game, camera, autoPlayer, autoTimer, lastPhase, lastLevel, autoplay, paused};
+}
+
+void TorvaneApp::Do(replay::Op op, float dt) { recorder.Do(Session(), op, dt); }
 
 bool ApplyRunOptions(TorvaneApp& app, int argc, const char* const* argv) {
     bool windowed = false;
@@ -95,6 +110,11 @@ bool ApplyRunOptions(TorvaneApp& app, int argc, const char* const* argv) {
             app.screenshotPath = rest;
         } else if (TakePrefix(arg, "--exit-on=", rest)) {
             app.exitOnPhase = rest;
+        } else if (TakePrefix(arg, "--record=", rest)) {
+            app.recordPath = rest;
+        } else if (TakePrefix(arg, "--replay=", rest)) {
+            app.replayPath = rest;
+            app.skipIntro = true;
         }
     }
     return windowed;
@@ -120,7 +140,7 @@ bool TorvaneApp::OnUserCreate() {
         GetSettings().auto_rotate = true;
         GetSettings().repair_mode = 1;
     }
-    scores = highscores::Load();
+    LoadScores();
     SetUpPacks();
     RefreshPacks();
     ApplyPack();
@@ -131,8 +151,8 @@ bool TorvaneApp::OnUserCreate() {
         game.StartLevel(1);
         game.phase = Phase::Title;
     } else {
-        game.NewGame();
-        if (startLevel > 1) game.StartLevel(startLevel);
+        Do({replay::Op::NewGame});
+        if (startLevel > 1) Do({replay::Op::StartLevel, startLevel});
     }
     lastPhase = game.phase;
     lastLevel = game.level;
@@ -142,7 +162,8 @@ bool TorvaneApp::OnUserCreate() {
     } else {
         logoTime = 0.0f; // the music follows the logo
     }
-    game.TakeEvents();
+    Do({replay::Op::DropEvents});
+    if (!replayPath.empty()) StartWatching(replayPath);
     return true;
 }
 
@@ -165,31 +186,28 @@ bool TorvaneApp::Step(float elapsed) {
         return true;
     }
 
-    HandleInput(dt);
-    if (quit) return false;
+    if (watching) {
+        StepWatching(elapsed);
+    } else {
+        HandleInput(dt);
+        if (quit) return false;
 
-    frame::Hooks hooks;
-    hooks.camera = [this](float step) {
-        camera.Update(game, step);
-        game.viewCentre = camera.angle;
-        game.viewKnown = true;
-    };
-    hooks.beforeRestart = [this] {
-        ApplyPack();
-        nameEntry = false;
-        scoreSaved = false;
-        attractScores = false;
-    };
-    hooks.phaseChanged = [this](Phase from, Phase to) { OnPhaseChanged(from, to); };
-    frame::RunRules({game, autoPlayer, autoTimer, lastPhase, lastLevel, autoplay, paused}, dt, hooks);
+        frame::Hooks hooks;
+        hooks.beforeRestart = [this] {
+            ApplyPack();
+            nameEntry = false;
+            scoreSaved = false;
+            attractScores = false;
+        };
+        hooks.phaseChanged = [this](Phase from, Phase to) { OnPhaseChanged(from, to); };
+        ProcessEvents(recorder.Frame(Session(), dt, hooks));
 
-    ProcessEvents();
-
-    if (testHintAt >= 0.0f && clock >= testHintAt) {
-        testHintAt = -1.0f;
-        if (testing) {
-            message = Tr("Test: Esc führt zurück in den Editor");
-            messageUntil = clock + 3.0f;
+        if (testHintAt >= 0.0f && clock >= testHintAt) {
+            testHintAt = -1.0f;
+            if (testing) {
+                message = Tr("Test: Esc führt zurück in den Editor");
+                messageUntil = clock + 3.0f;
+            }
         }
     }
     return true;
@@ -218,6 +236,9 @@ void TorvaneApp::DrawFrame() {
 }
 
 bool TorvaneApp::OnUserDestroy() {
+    // The game in play when the run ends keeps its recording.
+    if (watching) StopWatching();
+    recorder.End(Session());
     adv::Music::Shutdown();
     // Also forgets the effects' ids, so that a later start in this process makes them anew.
     sounds::Clear();
@@ -237,12 +258,12 @@ void TorvaneApp::OnPhaseChanged(Phase, Phase to) {
     if (to == Phase::Title || to == Phase::Build) view.Reset();
     if (to == Phase::Title) {
         titlePage = titleImage ? -1 : 0;
-        scores = highscores::Load();
+        LoadScores();
     }
     if (to == Phase::Over) {
-        // Scores of level packs and of the bot are never recorded.
-        scores = highscores::Load();
-        nameEntry = !autoplay && !ActivePack() && highscores::Qualifies(scores, game.score);
+        // Scores of level packs, of the bot and of a replay are never recorded.
+        LoadScores();
+        nameEntry = !watching && !autoplay && !ActivePack() && highscores::Qualifies(scores, game.score);
         scoreSaved = false;
         highlightRow = -1;
         playerName.clear();
@@ -250,8 +271,8 @@ void TorvaneApp::OnPhaseChanged(Phase, Phase to) {
     }
 }
 
-void TorvaneApp::ProcessEvents() {
-    for (const Event& event : game.TakeEvents()) {
+void TorvaneApp::ProcessEvents(const std::vector<Event>& events) {
+    for (const Event& event : events) {
         switch (event.kind) {
         case Event::Say:
             message = event.text;

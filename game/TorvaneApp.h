@@ -3,6 +3,7 @@
 #include "game/content/LevelEditor.h"
 #include "game/content/PackStorage.h"
 #include "game/content/Highscores.h"
+#include "game/content/Replay.h"
 #include "game/rules/AutoPlayer.h"
 #include "game/stage/RingCamera.h"
 #include "game/rules/TorvaneGame.h"
@@ -12,6 +13,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -48,6 +50,9 @@ enum class ButtonId : int32_t {
     CloseSettings,
     NextPack,
     OpenEditor,
+    WatchReplay,       // arg: the row of the score table
+    EndWatch,          // back from a replay
+    CloseReplayError,  // the card of a replay that could not be played
 };
 
 // One clickable rectangle of the last drawn frame.
@@ -121,8 +126,41 @@ public:
     float logoTime = -1.0f; // seconds of the logo; negative when none is running
     bool logoFrame = false;  // the frame being made began with the logo
 
+    // ---- replays ----
+    // Every game's inputs reach the rules through the recorder.
+    replay::Recorder recorder;
+    std::string recordPath;             // "--record=": each finished game is written there
+    std::string replayPath;             // "--replay=": watched at the start
+    std::string lastReplay;             // the stream of the game that ended last
+    std::vector<bool> scoreReplays;     // which rows of `scores` have their replay
+    int32_t scoreRow = -1;              // the chosen row of the score table, or -1
+    replay::Error replayError;          // why a replay could not be played; its card stands
+
+    // A replay being watched, and what it put aside.
+    struct Watching {
+        Watching(replay::Player p, const Game& g) : player(std::move(p)), saved(g) {}
+        replay::Player player;
+        float speed = 1.0f;
+        bool held = false;   // stopped by Space
+        double time = 0.0;   // recorded seconds that should have been played
+        replay::Members saved;
+        Settings settings;
+        Language language = Language::German;
+        std::optional<LevelPack> pack;
+        uint32_t revision = 0;
+    };
+    std::unique_ptr<Watching> watching;
+
     // What clicks and keys have in common: everything around the rules.
     void Press(ButtonId id, int arg);
+    // The members that a frame of the rules touches, for the recorder and the player.
+    replay::Session Session();
+    // An input for the rules, through the recorder; dt is the frame's step.
+    void Do(replay::Op op, float dt = 0.0f);
+    // Plays a replay file in the window; a file that can't be played gets the card saying why.
+    void StartWatching(const std::string& path);
+    // Back from the replay to where it was chosen.
+    void StopWatching();
     // A key from A to CAPS_LOCK, or the left or right mouse button, pressed in this frame.
     bool AnyInput();
 
@@ -205,7 +243,16 @@ public:
     void DrawOverCard(Card& card);
     void DrawScoresCard(Card& card);
     void DrawTitleScoresCard(Card& card);
+    // The list of `scores`; rows with a replay are marked and can be chosen.
     void DrawScoreTable(Card& card, int highlight);
+    // Minutes and seconds, "m:ss".
+    static std::string ClockText(double seconds);
+    // Where a watched replay stands: its time, its length and its speed.
+    std::string WatchStatus() const;
+    // The end of a watched replay: whether it reached the recorded score and state.
+    void DrawReplayEndCard(Card& card);
+    // A replay that could not be played.
+    void DrawReplayErrorCard(Card& card);
     // The whole frame of the title phase over the title picture.
     void DrawTitleScreen();
     void DrawTitleCard(Card& card);
@@ -236,10 +283,18 @@ private:
     // Build and attack: the cursor with key repeat, or the camera, then the acts.
     void HandlePlayInput(float dt);
 
+    // Up, Down and Enter on a score table: choose a row with a replay, watch it. True if
+    // they did something.
+    bool HandleScoreTableKeys();
+    // Space, Left, Right and Esc while a replay plays, then its frames for the time passed.
+    void StepWatching(float elapsed);
+    // `scores` from the file, with the marks of their replays; no row chosen.
+    void LoadScores();
+
     void PlayMusicFor(Phase phase);
     void OnPhaseChanged(Phase from, Phase to);
-    // Hands the rules' events on: messages, the banner, and later sounds and the view.
-    void ProcessEvents();
+    // Hands the rules' events on: messages, the banner, sounds and the view.
+    void ProcessEvents(const std::vector<Event>& events);
     // The picture of the frame that Step has just advanced.
     void DrawFrame();
     // What OnUserUpdate returns: false once exitAt has come, after the screenshot.

@@ -146,10 +146,12 @@ void PixelEngine::pge_ConstructFontSheet() {
 }
 
 void PixelEngine::pge_CoreUpdate() {
+    using Tick = std::chrono::duration<int64_t, std::ratio<1, kFrameTicksPerSecond>>;
+    const auto ticks = [](const auto& tp) { return std::chrono::floor<Tick>(tp.time_since_epoch()).count(); };
     m_tp2 = std::chrono::system_clock::now();
-    const auto ns = std::chrono::duration_cast<std::chrono::nanoseconds>(m_tp2 - m_tp1).count();
+    const int64_t elapsed = ticks(m_tp2) - ticks(m_tp1);
     m_tp1 = m_tp2;
-    pge_Frame(float(ns) / 1e9f);
+    pge_Frame(FrameSeconds(elapsed));
 }
 
 namespace {

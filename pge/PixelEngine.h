@@ -52,6 +52,13 @@ struct HWButton {
 // SIGTERM and SIGINT while Start runs.
 extern std::atomic<bool> bAtomActive;
 
+// The frame clock counts whole ticks of 10 microseconds, taken from the absolute time so
+// that what one frame leaves out the next one gets. Finer than anyone can see, and a frame
+// time that is a whole number of ticks is a small number where a recording keeps it.
+inline constexpr int64_t kFrameTicksPerSecond = 100000;
+// The seconds that a frame of `ticks` ticks is given.
+inline float FrameSeconds(int64_t ticks) { return static_cast<float>(ticks) / 100000.0f; }
+
 struct LayerDesc {
     Renderable pDrawTarget;
     Pixel tint = WHITE;
@@ -78,6 +85,7 @@ public:
     bool Start();
 
     virtual bool OnUserCreate();
+    // fElapsedTime: the frame's duration in whole ticks of the frame clock (FrameSeconds).
     virtual bool OnUserUpdate(float fElapsedTime);
     virtual bool OnUserDestroy();
 

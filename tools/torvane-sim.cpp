@@ -2,6 +2,8 @@
 // the same frame steps as the application, printing one JSON line per level.
 #include "game/content/PackFormat.h"
 #include "game/content/PackStorage.h"
+#include "game/content/ReplayFiles.h"
+#include "game/rules/Lang.h"
 #include "game/rules/AutoPlayer.h"
 #include "game/rules/FrameSteps.h"
 #include "game/rules/Level.h"
@@ -23,7 +25,8 @@ namespace {
 
 constexpr const char* kUsage =
     "Aufruf: torvane-sim --seed=N [--level=L] [--levels=K] [--classic] [--difficulty=D]\n"
-    "                    [--repair=auto|free] [--lazy] [--fps=F] [--pack=DATEI]\n"
+    "                    [--repair=auto|free] [--lazy] [--fps=F] [--pack=DATEI] [--record=DATEI]\n"
+    "       torvane-sim --replay=DATEI\n"
     "Spielt mit dem Automaten ohne Fenster und schreibt je beendetem Level eine JSON-Zeile.\n"
     "  --seed=N        Startwert der Regeln (Standard 1)\n"
     "  --level=L       erstes Level (Standard 1)\n"
@@ -33,7 +36,10 @@ constexpr const char* kUsage =
     "  --repair=M      auto oder free\n"
     "  --lazy          der Automat baut, repariert aber nicht\n"
     "  --fps=F         Bilder je Sekunde (Standard 60)\n"
-    "  --pack=DATEI    spielt die Level eines Levelpacks (.tpack) bis zu seinem Ende\n";
+    "  --pack=DATEI    spielt die Level eines Levelpacks (.tpack) bis zu seinem Ende\n"
+    "  --record=DATEI  schreibt die Aufzeichnung des Spiels in DATEI\n"
+    "  --replay=DATEI  spielt eine Aufzeichnung ab und schreibt Punkte und Zustand als JSON;\n"
+    "                  Status 0, wenn sie der Aufzeichnung gleichen, 3, wenn nicht\n";
 
 struct Options {
     unsigned seed = 1;
@@ -43,6 +49,8 @@ struct Options {
     float fps = 60.0f;
     bool levelsGiven = false;
     std::string pack;
+    std::string record;
+    std::string replay;
 };
 
 // Reads and activates the pack file; false (reported) when it cannot be read or is no pack.
@@ -106,6 +114,9 @@ int ParseOptions(int argc, char** argv, Options& options) {
         } else if (name == "--pack" && hasValue) {
             ok = !value.empty();
             options.pack = value;
+        } else if ((name == "--record" || name == "--replay") && hasValue) {
+            ok = !value.empty();
+            (name == "--record" ? options.record : options.replay) = value;
         } else if (name == "--fps" && hasValue) {
             ok = ParseInt(value, 1, 100000, v);
             options.fps = static_cast<float>(v);
@@ -149,6 +160,32 @@ std::string LevelLine(const Game& game, const Tally& tally, long frames) {
     return line;
 }
 
+// Plays a replay file through the rules and prints the verdict: 0 when the score and
+// the state hash are those recorded, 3 when not, 2 when the file can't be played.
+int PlayReplay(const std::string& path) {
+    replay::Replay recording;
+    replay::Error error;
+    if (!replay::Load(path, recording, error)) {
+        std::fprintf(stderr, "[torvane] Aufzeichnung beschädigt: %s (%s)\n",
+                     replay::Describe(error, Language::German).c_str(), path.c_str());
+        return 2;
+    }
+    replay::Members members{Game(0)};
+    const replay::Session session = members.S();
+    replay::Player player(std::move(recording));
+    player.Begin(session);
+    while (!player.Done()) player.Frame(session, {});
+    const replay::Verdict& verdict = player.Result();
+    const replay::Finish& recorded = player.Recording().finish;
+    std::printf("{\"score\":%d,\"level\":%d,\"hash\":\"%016llx\",\"recordedScore\":%d,\"recordedHash\":\"%016llx\","
+                "\"frames\":%llu,\"seconds\":%.1f,\"firstDifference\":%lld,\"match\":%s}\n",
+                verdict.score, verdict.level, static_cast<unsigned long long>(verdict.hash), recorded.score,
+                static_cast<unsigned long long>(recorded.hash), static_cast<unsigned long long>(player.Frames()),
+                player.Seconds(), static_cast<long long>(verdict.firstDifference),
+                verdict.Matches() ? "true" : "false");
+    return verdict.Matches() ? 0 : 3;
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -163,21 +200,30 @@ int main(int argc, char** argv) {
         return 0;
     }
     if (parsed != 0) return parsed;
+    if (!options.replay.empty()) return PlayReplay(options.replay);
     if (!options.pack.empty()) {
         if (!ActivatePack(options.pack)) return 2;
         // A pack is played to its end unless told otherwise.
         if (!options.levelsGiven) options.levels = static_cast<int>(ActivePack()->levels.size());
     }
 
-    Game game(options.seed);
-    game.NewGame();
-    if (options.level > 1) game.StartLevel(options.level);
-    game.TakeEvents();
-    AutoPlayer autoPlayer;
-    autoPlayer.repairs = !options.lazy;
-    float autoTimer = 0.0f;
-    Phase lastPhase = game.phase;
-    int32_t lastLevel = game.level;
+    replay::Members members{Game(options.seed)};
+    members.autoplay = true;
+    members.autoPlayer.repairs = !options.lazy;
+    Game& game = members.game;
+    const replay::Session session = members.S();
+    // The run is one game; a new one that the bot begins in the last frame is not kept.
+    replay::Recorder recorder;
+    recorder.cameraFollows = false;
+    std::string recorded;
+    recorder.finished = [&recorded](std::string stream) {
+        if (recorded.empty()) recorded = std::move(stream);
+    };
+    recorder.Do(session, {replay::Op::NewGame}, 0.0f);
+    if (options.level > 1) recorder.Do(session, {replay::Op::StartLevel, options.level}, 0.0f);
+    recorder.Do(session, {replay::Op::DropEvents}, 0.0f);
+    members.lastPhase = game.phase;
+    members.lastLevel = game.level;
     // A level ends when the rules' step leaves the attack. The bot may start the
     // next level within the same frame, so the figures are taken right there; what
     // that frame queues afterwards belongs to the next level.
@@ -198,13 +244,11 @@ int main(int argc, char** argv) {
         ended.Add(game.events.begin(), game.events.end());
         line = LevelLine(game, ended, frames + 1);
     };
-    const frame::Refs refs{game, autoPlayer, autoTimer, lastPhase, lastLevel, true, false};
     const float dt = frame::RulesStep(1.0f / options.fps);
 
     for (int done = 0; done < options.levels;) {
         before = game.phase;
-        frame::RunRules(refs, dt, hooks);
-        const std::vector<Event> taken = game.TakeEvents();
+        const std::vector<Event> taken = recorder.Frame(session, dt, hooks);
         ++frames;
         if (line.empty()) {
             tally.Add(taken.begin(), taken.end());
@@ -217,6 +261,11 @@ int main(int argc, char** argv) {
         frames = 0;
         ++done;
         if (over || packEnd) break;
+    }
+    recorder.End(session);
+    if (!options.record.empty() && !replay::Save(options.record, recorded)) {
+        std::fprintf(stderr, "[torvane] Konnte %s nicht schreiben\n", options.record.c_str());
+        return 2;
     }
     return 0;
 }

@@ -6,9 +6,11 @@ namespace {
 // A snapshot of the pack in play; the caller's copy may change afterwards.
 LevelPack g_active;
 bool g_hasActive = false;
+uint32_t g_stamp = 0;
 } // namespace
 
 void SetActivePack(const LevelPack* pack) {
+    ++g_stamp;
     if (pack == nullptr || pack->levels.empty()) {
         g_active = LevelPack{};
         g_hasActive = false;
@@ -19,6 +21,8 @@ void SetActivePack(const LevelPack* pack) {
 }
 
 const LevelPack* ActivePack() { return g_hasActive ? &g_active : nullptr; }
+
+uint32_t ActivePackStamp() { return g_stamp; }
 
 std::string PackLevelName(int level) {
     const LevelPack* pack = ActivePack();

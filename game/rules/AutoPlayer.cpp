@@ -5,9 +5,17 @@
 
 namespace torvane {
 
+bool AutoPlayer::StartsNewGame(const Game& game) {
+    return game.phase == Phase::Title || (game.phase == Phase::Eval && game.LastLevel());
+}
+
 void AutoPlayer::Step(Game& game) {
+    if (StartsNewGame(game)) {
+        game.NewGame();
+        return;
+    }
     switch (game.phase) {
-    case Phase::Title: game.NewGame(); break;
+    case Phase::Title: break; // a new game, above
     case Phase::Build: StepBuild(game); break;
     case Phase::Announce:
         tries = 0;
@@ -20,12 +28,7 @@ void AutoPlayer::Step(Game& game) {
         else
             StepAttack(game);
         break;
-    case Phase::Eval:
-        if (game.LastLevel())
-            game.NewGame();
-        else
-            game.NextLevel();
-        break;
+    case Phase::Eval: game.NextLevel(); break;
     case Phase::Inspect:
     case Phase::Over: break; // the end of a lost game is the application's affair
     }

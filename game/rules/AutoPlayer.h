@@ -19,6 +19,8 @@ struct AutoPlayer {
     bool repairs = true; // false: builds, but leaves the attack to its fate
 
     void Step(Game& game);
+    // Whether Step starts a new game: on the title, and after the last level of a pack.
+    static bool StartsNewGame(const Game& game);
     void StepBuild(Game& game);
     void StepAttack(Game& game);
     int PreferredTower(const Game& game) const;

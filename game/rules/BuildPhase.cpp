@@ -394,8 +394,14 @@ void Game::Undo() {
         undo.valid = false;
         return;
     }
-    if (undo.piece != 0) {
-        const Piece* piece = GetPiece(undo.piece);
+    // A record left over from a level of other towers (the game was left in its build
+    // phase) fits nothing here.
+    const bool fits = undo.tower >= 0 && undo.tower < static_cast<int>(towers.size()) &&
+                      std::all_of(undo.cells.begin(), undo.cells.end(), [&](const Cell& c) {
+                          return c.x >= 0 && c.x < config.width && c.y >= 0 && c.y < config.height;
+                      });
+    if (undo.piece != 0 || !fits) {
+        const Piece* piece = fits ? GetPiece(undo.piece) : nullptr;
         if (piece == nullptr || piece->cells.size() != undo.cells.size()) {
             undo.valid = false;
             Say(Tr("Das Teil steht nicht mehr"));

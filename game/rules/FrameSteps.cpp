@@ -16,6 +16,7 @@ bool RunRules(const Refs& refs, float dt, const Hooks& hooks) {
     if (!refs.paused) {
         game.Update(dt);
         if (hooks.rulesStepped) hooks.rulesStepped();
+        if (hooks.stopAfterRules) return false;
     }
 
     if (hooks.camera) hooks.camera(dt);
@@ -29,9 +30,11 @@ bool RunRules(const Refs& refs, float dt, const Hooks& hooks) {
         if (refs.autoTimer <= 0.0f) {
             if (game.phase == Phase::Over) {
                 if (hooks.beforeRestart) hooks.beforeRestart();
+                if (hooks.newGame) hooks.newGame();
                 game.NewGame();
                 refs.autoTimer = kBotRestart;
             } else {
+                if (hooks.newGame && AutoPlayer::StartsNewGame(game)) hooks.newGame();
                 refs.autoPlayer.Step(game);
                 refs.autoTimer = game.phase == Phase::Attack ? kBotAttackStep : kBotStep;
             }

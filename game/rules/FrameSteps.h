@@ -45,8 +45,14 @@ struct Hooks {
     // Before the bot starts a new game after a lost one: the owner picks the pack
     // and closes its name entry.
     std::function<void()> beforeRestart;
+    // Right before the bot starts a new game, on the title, after the last level of a
+    // pack or after a lost game (then behind beforeRestart): where a recording begins.
+    std::function<void()> newGame;
     // The phase or the level differs from the last frame's.
     std::function<void(Phase from, Phase to)> phaseChanged;
+    // Only the rules' step, then nothing more of the frame: where the replay of a game
+    // that was decided in it ends.
+    bool stopAfterRules = false;
 };
 
 // Holds the bot for the length of a card: at Announce, Eval and Over.

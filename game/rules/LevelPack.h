@@ -33,6 +33,8 @@ struct LevelPack {
 void SetActivePack(const LevelPack* pack);
 // The active pack, or null.
 const LevelPack* ActivePack();
+// Counts the calls of SetActivePack: a change shows without comparing the packs.
+uint32_t ActivePackStamp();
 // Name of level `level` (from 1) of the active pack, empty when there is none.
 std::string PackLevelName(int level);
 

@@ -14,10 +14,15 @@ int Share(int n, int k) { return n == 0 ? 0 : (n + 200 * k) / (2 * n); }
 
 } // namespace
 
-uint32_t Tower::NextRevision() {
-    static uint32_t s_counter = 0;
-    return s_counter++;
-}
+namespace {
+uint32_t s_revision = 0;
+} // namespace
+
+uint32_t Tower::NextRevision() { return s_revision++; }
+
+uint32_t Tower::PeekRevision() { return s_revision; }
+
+void Tower::SetNextRevision(uint32_t next) { s_revision = next; }
 
 Game::Game(unsigned seed) : rng(seed) {
     StartLevel(1, false);

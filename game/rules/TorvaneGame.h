@@ -35,6 +35,9 @@ struct Tower {
 
     // A fresh stamp of the process-wide change counter.
     static uint32_t NextRevision();
+    // The stamp the next call gives, and setting it: a replay stamps as its recording did.
+    static uint32_t PeekRevision();
+    static void SetNextRevision(uint32_t next);
 };
 
 struct Piece {

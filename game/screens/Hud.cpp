@@ -118,7 +118,11 @@ std::string TorvaneApp::PartList(const RoundStats& stats, const LevelConfig& con
 std::vector<std::pair<std::string, std::string>> TorvaneApp::HelpPairs() {
     const Phase phase = game.phase;
     std::vector<std::pair<std::string, std::string>> pairs;
-    if (settingsOpen) {
+    if (watching && watching->player.Done()) {
+        pairs = {{"Esc", Tr("zurück")}};
+    } else if (watching) {
+        pairs = {{"Space", watching->held ? Tr("weiter") : Tr("anhalten")}, {"← →", Tr("Tempo")}, {"Esc", Tr("zurück")}};
+    } else if (settingsOpen) {
         // Over the pause: the settings' own keys, A only where the tower turns.
         pairs = {{GetSettings().classic ? "D R T" : "D R A T", Tr("ändern")}, {"Esc", Tr("zurück")}};
     } else if (paused) {
@@ -152,7 +156,7 @@ TorvaneApp::HelpLine TorvaneApp::LayOutHelp() {
         x = hintEnd + 10;
     }
     const std::string packName = PackLevelName(game.level);
-    line.name = packName.empty() ? Tr(ThemeFor(game.level).name) : packName;
+    line.name = watching ? WatchStatus() : packName.empty() ? Tr(ThemeFor(game.level).name) : packName;
     // Measured only as far as the room goes: a pack's level name may be of any length.
     line.nameFits = adv::text::Fits(*this, line.name, kHelpRight - end - 1);
     return line;

@@ -6,6 +6,7 @@
 #include "game/rules/LevelPack.h"
 #include "game/TorvaneApp.h"
 
+#include <algorithm>
 #include <cmath>
 #include <string>
 
@@ -36,11 +37,17 @@ void TorvaneApp::DrawOverlay() {
     const Phase phase = game.phase;
     const bool cardPhase =
         phase == Phase::Title || phase == Phase::Announce || phase == Phase::Eval || phase == Phase::Over;
-    if (!editorOpen && !settingsOpen && !paused && !cardPhase) return;
+    const bool replayEnded = watching && watching->player.Done();
+    const bool replayCard = replayEnded || !replayError.what.empty();
+    if (!editorOpen && !settingsOpen && !paused && !cardPhase && !replayCard) return;
     // Without a title picture the editor stands over the tower view, as the title card does.
     if (editorOpen) DrawEditorBackdrop();
     adv::canvas::FillRect(GetDrawTarget(), 0, 18, 640, 368, kDim);
-    if (editorOpen) {
+    if (!replayError.what.empty()) {
+        DrawCardOf(&TorvaneApp::DrawReplayErrorCard, 420, 0);
+    } else if (replayEnded) {
+        DrawCardOf(&TorvaneApp::DrawReplayEndCard, 420, 0);
+    } else if (editorOpen) {
         DrawCardOf(&TorvaneApp::DrawEditorCard, 520, 336);
     } else if (settingsOpen) {
         DrawCardOf(&TorvaneApp::DrawSettingsCard, 440, 0);
@@ -178,6 +185,16 @@ void TorvaneApp::DrawScoreTable(Card& card, int highlight) {
             const highscores::Entry& e = scores[i];
             const pge::Pixel colour = int(i) == highlight ? kChestnut : kFg;
             const int x = card.x, y = card.y;
+            pge::Sprite* target = GetDrawTarget();
+            // The chosen row on a band; a row with a replay has its mark and plays on a click.
+            const bool chosen = int(i) == scoreRow;
+            if (chosen) adv::canvas::FillRect(target, x + 5, y - 2, card.w - 10, 11, kLine);
+            if (i < scoreReplays.size() && scoreReplays[i]) {
+                adv::canvas::FillPolygon(target, {{float(x + 7), float(y)}, {float(x + 12), float(y + 3.5f)},
+                                                  {float(x + 7), float(y + 7)}},
+                                         chosen ? kChestnut : kSlate);
+                buttons.push_back({x + 5, y - 2, card.w - 10, 11, ButtonId::WatchReplay, int(i)});
+            }
             const std::string level = Trf("Level {0}", {std::to_string(e.level)}), score = std::to_string(e.score);
             // A name too long for the row is cut where "Level" and the score still follow it.
             const int scoreLeft = x + card.w - 14 - adv::text::Width(*this, score);
@@ -191,6 +208,8 @@ void TorvaneApp::DrawScoreTable(Card& card, int highlight) {
         card.y += 11;
     }
     card.y += 3;
+    if (std::find(scoreReplays.begin(), scoreReplays.end(), true) != scoreReplays.end())
+        card.Para(Tr("↑ ↓ und Enter: eine Aufzeichnung ansehen"), kMuted);
 }
 
 void TorvaneApp::DrawScoresCard(Card& card) {
@@ -205,6 +224,34 @@ void TorvaneApp::DrawTitleScoresCard(Card& card) {
     DrawScoreTable(card, -1);
     card.y += 8;
     card.Button(Tr("Spiel starten (Space)"), ButtonId::NewGame);
+}
+
+void TorvaneApp::DrawReplayEndCard(Card& card) {
+    const replay::Player& player = watching->player;
+    const replay::Verdict& v = player.Result();
+    if (v.Matches()) {
+        card.Title(Tr("Aufzeichnung stimmt"), kOk);
+        card.Para(Tr("Das Spiel endet mit denselben Punkten und demselben Spielstand wie aufgezeichnet."));
+    } else {
+        card.Title(Tr("Aufzeichnung weicht ab"), kDanger);
+        card.Para(Tr("Mit denselben Eingaben enden die Regeln anders als aufgezeichnet."));
+    }
+    card.y += 2;
+    const pge::Pixel scoreColour = v.scoreMatches ? kFg : kDanger;
+    card.Row(Tr("Punkte"), std::to_string(v.score), scoreColour);
+    card.Row(Tr("Aufgezeichnete Punkte"), std::to_string(player.Recording().finish.score), scoreColour);
+    card.Row(Tr("Spielstand"), v.hashMatches ? Tr("gleich") : Tr("verschieden"), v.hashMatches ? kOk : kDanger);
+    if (v.firstDifference >= 0)
+        card.Row(Tr("Erste Abweichung"), Trf("nach {0}", {ClockText(v.differsAfter)}), kDanger);
+    card.Row(Tr("Länge"), ClockText(player.Seconds()), kFg);
+    card.Button(Tr("Zurück (Esc)"), ButtonId::EndWatch);
+}
+
+void TorvaneApp::DrawReplayErrorCard(Card& card) {
+    card.Title(Tr("Aufzeichnung beschädigt"), kDanger);
+    card.Para(replay::Describe(replayError));
+    card.Para(Tr("Nichts wurde abgespielt."), kMuted);
+    card.Button(Tr("Zurück (Esc)"), ButtonId::CloseReplayError);
 }
 
 } // namespace torvane

@@ -45,7 +45,8 @@ void TorvaneApp::DrawTitleScreen() {
         void (TorvaneApp::*content)(Card&);
         int width, minHeight;
     };
-    for (const Choice& c : {Choice{editorOpen, 170, &TorvaneApp::DrawEditorCard, 520, 336},
+    for (const Choice& c : {Choice{!replayError.what.empty(), 170, &TorvaneApp::DrawReplayErrorCard, 420, 0},
+                            Choice{editorOpen, 170, &TorvaneApp::DrawEditorCard, 520, 336},
                             Choice{settingsOpen, 150, &TorvaneApp::DrawSettingsCard, 440, 0},
                             Choice{titlePage >= 0, 150, &TorvaneApp::DrawTitleCard, 470, 336},
                             Choice{attractScores, 215, &TorvaneApp::DrawTitleScoresCard, 520, 336}}) {

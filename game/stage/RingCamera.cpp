@@ -81,4 +81,10 @@ void RingCamera::Update(const Game& game, float dt) {
     angle = Wrap(angle + step);
 }
 
+void RingCamera::Follow(Game& game, float dt) {
+    Update(game, dt);
+    game.viewCentre = angle;
+    game.viewKnown = true;
+}
+
 } // namespace torvane

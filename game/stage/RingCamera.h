@@ -21,6 +21,8 @@ public:
     // A manual turn; the target may lead the view by a tenth of a second's way.
     void Turn(float delta);
     void Update(const Game& game, float dt);
+    // Update, then tell the rules where the camera faces: the frame's camera step.
+    void Follow(Game& game, float dt);
 
 private:
     // d brought to the shortest way round the ring.

@@ -2,6 +2,7 @@
 
 #include "engine/Assets.h"
 #include "engine/Mixer.h"
+#include "game/content/ReplayFiles.h"
 #include "game/rules/FrameSteps.h"
 #include "game/rules/Level.h"
 #include "pge/Headless.h"
@@ -12,10 +13,12 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <functional>
+#include <random>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -220,6 +223,35 @@ TEST(TorvaneAppFrame, RulesGetTheCutStepAndTheClockTheRawTime) {
     run.Frame(0.03f);
     EXPECT_NEAR(app.game.clock - gameBefore, 0.05f, 1e-6);
     EXPECT_NEAR(app.clock, 0.23f, 1e-6);
+}
+
+TEST(TorvaneAppFrame, AMinuteAtAThousandFramesASecondKeepsItsReplayUnderAThirtiethOfAMegabyte) {
+    // The bot's game with the camera, at frame times of the frame clock around 1 ms with a
+    // jitter of 20 microseconds: half an hour of it is to fit into one megabyte.
+    torvane::replay::Members members{torvane::Game(4)};
+    members.autoplay = true;
+    const torvane::replay::Session s = members.S();
+    torvane::replay::Recorder recorder;
+    std::string stream;
+    recorder.finished = [&stream](std::string done) { stream = std::move(done); };
+    recorder.Do(s, {torvane::replay::Op::NewGame}, 0.0f);
+    std::mt19937 engine(1);
+    std::normal_distribution<double> jitter(100.0, 2.0); // ticks of 10 microseconds
+    for (int frame = 0; frame < 60000; ++frame)
+        recorder.Frame(s, pge::FrameSeconds(std::llround(jitter(engine))), {});
+    recorder.End(s);
+    ASSERT_FALSE(stream.empty());
+    EXPECT_LT(torvane::replay::Pack(stream).size(), (size_t(1) << 20) / 30);
+    torvane::replay::Replay read;
+    torvane::replay::Error error;
+    EXPECT_TRUE(torvane::replay::Decode(stream, read, error)) << torvane::replay::Describe(error);
+
+    // The simulator's fixed step lies off the grid and costs next to nothing; it still reads.
+    stream.clear();
+    recorder.Do(s, {torvane::replay::Op::NewGame}, 0.0f);
+    for (int frame = 0; frame < 60000 && recorder.Recording(); ++frame) recorder.Frame(s, 1.0f / 1000.0f, {});
+    recorder.End(s);
+    EXPECT_TRUE(torvane::replay::Decode(stream, read, error)) << torvane::replay::Describe(error);
 }
 
 TEST(TorvaneAppFrame, ExitOnFiresOnAChangeNotAtStart) {

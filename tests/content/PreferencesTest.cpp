@@ -2,6 +2,7 @@
 // search, and the damaged and unwritable cases, which must cost nothing but that file.
 #include "game/content/Highscores.h"
 #include "game/content/Preferences.h"
+#include "game/content/ReplayFiles.h"
 #include "game/rules/Lang.h"
 #include "game/rules/Level.h"
 #include "pge/Files.h"
@@ -247,6 +248,35 @@ TEST_F(HighscoresTest, QualifyAndInsertKeepOlderAhead) {
     EXPECT_EQ(highscores::Insert(full, {"top", 2000, 1, 0}), 0);
     EXPECT_EQ(full.size(), 10u);
     EXPECT_EQ(full[9].score, 200);
+}
+
+TEST_F(HighscoresTest, EachEntryKeepsItsReplayWhereverTheListPutsIt) {
+    std::vector<Entry> list;
+    for (int i = 0; i < 10; ++i) {
+        const Entry e{"Spieler\t" + std::to_string(i), 1000 - 10 * i, 2, 1700000000 + i};
+        highscores::Insert(list, e);
+        ASSERT_TRUE(replay::Keep(e, "stream " + std::to_string(i)));
+    }
+    ASSERT_TRUE(highscores::Save(list));
+    Write("replays/mine.trep", "kept by hand");
+    // Read back (the tab became a blank) and rewritten with a better entry on top: every
+    // entry still finds its own replay, and the last one falls off with its replay.
+    list = highscores::Load();
+    const Entry best{"Neu", 5000, 9, 1800000000};
+    highscores::Insert(list, best);
+    ASSERT_TRUE(replay::Keep(best, "stream best"));
+    ASSERT_TRUE(highscores::Save(list));
+    replay::Prune(list);
+    ASSERT_EQ(list.size(), 10u);
+    for (const Entry& e : list) EXPECT_TRUE(replay::Has(e)) << e.name;
+    EXPECT_FALSE(replay::Has({"Spieler 9", 910, 2, 1700000009}));
+    size_t files = 0;
+    for (const auto& item : fs::directory_iterator(folder / "replays")) files += item.is_regular_file() ? 1 : 0;
+    EXPECT_EQ(files, 11u); // ten entries and the file that is no entry's
+    EXPECT_EQ(Read("replays/mine.trep"), "kept by hand");
+    // The score file stays as it was: four fields a line.
+    EXPECT_EQ(Read("highscores.txt"), highscores::Serialise(list));
+    EXPECT_EQ(Read("highscores.txt").substr(0, 22), "5000\t9\t1800000000\tNeu\n");
 }
 
 } // namespace

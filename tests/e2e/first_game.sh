@@ -57,9 +57,9 @@ sleep 0.3
 xdotool type --delay 120 "Jürgen Ö"
 tap Return
 grep -q $'\tJürgen Ö$' "$XDG_DATA_HOME/Torvane/highscores.txt" || fail "highscores.txt: $(cat "$XDG_DATA_HOME/Torvane/highscores.txt" 2>&1)"
-# The list with the fresh row in chestnut: its place and name.
+# The list with the fresh row in chestnut: its place and name (its replay's line beneath).
 sleep 0.3
-lit=$(px count "$window" 150 189 200 197 "$CHESTNUT")
+lit=$(px count "$window" 150 182 200 190 "$CHESTNUT")
 [ "$lit" -gt 20 ] || fail "the new row is not lit ($lit pixels)"
 tap space   # to the title
 # Without a title picture Escape ends the run; the window may be gone before the key is up.

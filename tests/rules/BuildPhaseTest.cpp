@@ -186,6 +186,19 @@ TEST_F(BuildPlacing, UndoOfAPrepAndOfAPieceThatLostACell) {
     ASSERT_EQ(g.targets[0].preps.size(), 2u);
     EXPECT_EQ(g.targets[0].preps[1].type, '2');  // the last matching prep went
     EXPECT_EQ(g.supply, (std::vector<char>{'I', '1'}));
+
+    // A record left from a level of three towers, the game left in its build phase: it
+    // names a piece that stands here with as many cells, but its tower is no tower here.
+    Game h = ClassicGame(1);
+    ASSERT_EQ(h.towers.size(), 1u);
+    const std::vector<Cell> cells = {{3, 0}, {4, 0}};
+    const int id = h.AddPiece(0, '2', cells, true);
+    h.undo = UndoRecord{true, Phase::Build, 2, id, 0, '2', 0, 0, 0, 10, 5.0f, cells};
+    h.TakeEvents();
+    h.Undo();
+    EXPECT_EQ(Texts(h.TakeEvents(), Event::Say), std::vector<std::string>{"Das Teil steht nicht mehr"});
+    EXPECT_EQ(h.activeTower, 0);
+    EXPECT_EQ(h.CellAt(0, cells[0].x, cells[0].y), id);
 }
 
 class BuildFreeCursor : public RulesTest {};

@@ -3,8 +3,10 @@
 // that are kept for the next run.
 #include "game/content/Highscores.h"
 #include "game/content/Preferences.h"
+#include "game/content/ReplayFiles.h"
 #include "tests/screens/ScreensFixture.h"
 
+#include <algorithm>
 #include <fstream>
 #include <limits>
 #include <sstream>
@@ -196,6 +198,45 @@ TEST_F(ScoresTest, EnterSavesToDiskAndTheNextTitleReadsIt) {
     app.game.score = 1000;
     Frame();
     EXPECT_FALSE(app.nameEntry);
+}
+
+TEST_F(ScoresTest, AnEntryKeepsItsGamesReplayAndTheTablePlaysIt) {
+    // A game lost by doing nothing: the build ended at once, the attack let be.
+    Start({"--level=1"});
+    ASSERT_TRUE(Tap(pge::ENTER));
+    for (int n = 0; n < 400 && app.game.phase != Phase::Announce; ++n) ASSERT_TRUE(Frame(0.05f));
+    app.phaseStart = app.clock - 1.0f;
+    ASSERT_TRUE(Tap(pge::ENTER));
+    for (int n = 0; n < 2000 && app.game.phase != Phase::Over; ++n) ASSERT_TRUE(Frame(0.05f));
+    ASSERT_TRUE(app.nameEntry);
+    const int score = app.game.score;
+    ASSERT_TRUE(Tap(pge::ENTER));
+    ASSERT_EQ(app.scoreReplays, std::vector<bool>{true});
+    ASSERT_TRUE(replay::Has(app.scores[0]));
+
+    // Down chooses the marked row, Enter plays it; faster, to its end card.
+    ASSERT_TRUE(Tap(pge::DOWN));
+    EXPECT_EQ(app.scoreRow, 0);
+    ASSERT_TRUE(Tap(pge::ENTER));
+    ASSERT_NE(app.watching, nullptr);
+    for (int i = 0; i < 4; ++i) ASSERT_TRUE(Tap(pge::RIGHT));
+    EXPECT_EQ(app.watching->speed, 16.0f);
+    for (int n = 0; n < 2000 && !app.watching->player.Done(); ++n) ASSERT_TRUE(Frame(0.05f));
+    ASSERT_TRUE(Frame());
+    EXPECT_TRUE(app.watching->player.Result().Matches());
+    EXPECT_TRUE(HasButton(ButtonId::EndWatch));
+    // Esc returns to the list as it stood, the game's figures as they were.
+    ASSERT_TRUE(Tap(pge::ESCAPE));
+    EXPECT_EQ(app.watching, nullptr);
+    EXPECT_EQ(app.game.phase, Phase::Over);
+    EXPECT_EQ(app.game.score, score);
+    EXPECT_TRUE(app.scoreSaved);
+    // A click on the row plays it too.
+    const auto row = std::find_if(app.buttons.begin(), app.buttons.end(),
+                                  [](const Button& b) { return b.id == ButtonId::WatchReplay; });
+    ASSERT_NE(row, app.buttons.end());
+    Click(row->x + 2, row->y + 2);
+    EXPECT_NE(app.watching, nullptr);
 }
 
 TEST_F(ScoresTest, SettingsAndLanguageAreKeptForTheNextRun) {
