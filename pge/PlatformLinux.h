@@ -20,6 +20,9 @@ public:
     // Without an X server: one line on stderr and FAIL.
     rcode CreateWindowPane(const vi2d& windowPos, vi2d& windowSize, bool bFullScreen) override;
     rcode SetWindowTitle(const std::string& s) override;
+    // Asks the window manager; without one that knows full screen, the window covers the
+    // screen itself and goes back to its place after.
+    rcode SetFullScreen(bool bFullScreen) override;
     rcode StartSystemEventLoop() override;
     rcode HandleSystemEvent() override;
 
@@ -27,6 +30,7 @@ private:
     _XDisplay* display = nullptr;
     unsigned long window = 0;
     void* visualInfo = nullptr; // XVisualInfo*
+    int windowed[4] = {0, 0, 0, 0}; // x, y, width, height before the screen was covered
 };
 
 } // namespace pge
