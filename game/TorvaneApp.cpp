@@ -27,6 +27,9 @@ constexpr float kLogoSeconds = 3.3f;
 constexpr StageRect kStage{0, 18, 640, 368};
 constexpr const char* kLogoKey = "logo/logo.jpg";
 constexpr const char* kTitleKey = "torvane/title.png";
+// Window pixels per logical pixel that "--scale=" takes.
+constexpr int32_t kMinScale = 1;
+constexpr int32_t kMaxScale = 8;
 
 // The phases' words, as "--exit-on=" takes them.
 constexpr const char* kNames[] = {"title", "build", "inspect", "announce", "attack", "eval", "over"};
@@ -50,8 +53,8 @@ float LogoOpacity(float t) {
 // A run without "--seed=" is a different game each time.
 TorvaneApp::TorvaneApp() : game(std::random_device("default")()) { sAppName = "Torvane"; }
 
-bool ApplyRunOptions(TorvaneApp& app, int argc, const char* const* argv) {
-    bool windowed = false;
+WindowOptions ApplyRunOptions(TorvaneApp& app, int argc, const char* const* argv) {
+    WindowOptions window;
     for (int i = 1; i < argc; ++i) {
         const std::string arg = argv[i] ? argv[i] : "";
         std::string rest;
@@ -78,7 +81,17 @@ bool ApplyRunOptions(TorvaneApp& app, int argc, const char* const* argv) {
             app.titlePage = std::stoi(rest);
             app.skipIntro = true;
         } else if (arg == "--windowed") {
-            windowed = true;
+            window.windowed = true;
+        } else if (TakePrefix(arg, "--scale=", rest)) {
+            window.scale = std::clamp(std::stoi(rest), kMinScale, kMaxScale);
+        } else if (arg == "--pixel-perfect") {
+            window.pixelPerfect = true;
+        } else if (arg == "--vsync") {
+            window.vsync = true;
+        } else if (TakePrefix(arg, "--fps=", rest)) {
+            window.fps = std::max(std::stoi(rest), 0);
+        } else if (TakePrefix(arg, "--pad-script=", rest)) {
+            app.padScriptText = rest;
         } else if (arg == "--autoplay") {
             app.autoplay = true;
             app.autoPlayer.repairs = true;
@@ -97,7 +110,7 @@ bool ApplyRunOptions(TorvaneApp& app, int argc, const char* const* argv) {
             app.exitOnPhase = rest;
         }
     }
-    return windowed;
+    return window;
 }
 
 bool TorvaneApp::OnUserCreate() {
@@ -106,6 +119,8 @@ bool TorvaneApp::OnUserCreate() {
     adv::platformkeys::IgnoreKeyRepeat(true);
     // The device opens in the background; the effects are made once it is there.
     adv::Music::InitInBackground();
+    // Without pads the game is the same.
+    if (EnablePads() && !padScriptText.empty()) padScript = std::make_unique<PadScript>(padScriptText);
 
     if (!adv::Assets::Missing(kTitleKey)) {
         if (const pge::Sprite* picture = adv::Assets::Sprite(kTitleKey)->Sprite())
@@ -143,6 +158,7 @@ bool TorvaneApp::OnUserCreate() {
         logoTime = 0.0f; // the music follows the logo
     }
     game.TakeEvents();
+    SetPadKeys(pad::KeysFor(PadContext()));
     return true;
 }
 
@@ -152,6 +168,8 @@ bool TorvaneApp::OnUserUpdate(float elapsed) {
     adv::Sound::Update();
     adv::Music::Update(dt);
     sounds::Init();
+    if (padScript) padScript->Step(elapsed, kNames[int(game.phase)]);
+    if (GetKey(pge::F11).bPressed) SetFullScreen(!IsFullScreen());
 
     if (logoTime >= 0.0f) {
         UpdateLogo(dt);
@@ -204,6 +222,8 @@ bool TorvaneApp::OnUserUpdate(float elapsed) {
 }
 
 bool TorvaneApp::OnUserDestroy() {
+    // The virtual pad goes before the engine lets go of the pads.
+    padScript.reset();
     adv::Music::Shutdown();
     // Also forgets the effects' ids, so that a later start in this process makes them anew.
     sounds::Clear();
@@ -256,6 +276,8 @@ void TorvaneApp::ProcessEvents() {
 }
 
 bool TorvaneApp::FinishFrame() {
+    // The next frame's pad buttons stand for the keys of what this frame left on the screen.
+    SetPadKeys(pad::KeysFor(PadContext()));
     // Only a time above 0 counts, so a NaN never ends the run.
     if (!(exitAt > 0.0f) || exitAt > clock) return true;
     quit = true;

@@ -1,0 +1,62 @@
+#include "game/PadControls.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace torvane::pad {
+namespace {
+
+using namespace pge;
+
+// By pad button: A, B, X, Y, Back, Start, LB, RB, LT, RT, then the D-pad (with the left
+// stick) up, down, left, right.
+constexpr PixelEngine::PadKeys kPlay = {SPACE, ESCAPE, TAB, UP,   S,    ENTER, NONE,
+                                        DOWN,  NONE,   DOWN, UP, DOWN, LEFT, RIGHT};
+// The shoulders turn the pages; X and Y stand for the letters of the title's other hints.
+constexpr PixelEngine::PadKeys kTitle = {SPACE, ESCAPE, L,    P,  S,    ENTER, LEFT,
+                                         RIGHT, E,      NONE, UP, DOWN, LEFT,  RIGHT};
+// One button for each switch of the card, from the top: difficulty, repair, turn, pieces.
+constexpr PixelEngine::PadKeys kSettings = {D, ESCAPE, R,    A,  S,    ESCAPE, NONE,
+                                            T, NONE,   NONE, UP, DOWN, LEFT,   RIGHT};
+constexpr PixelEngine::PadKeys kPause = {ESCAPE, ESCAPE, L,    Q,  S,    ESCAPE, NONE,
+                                         NONE,   NONE,   NONE, UP, DOWN, LEFT,   RIGHT};
+// The name field reads the pad itself.
+constexpr PixelEngine::PadKeys kNameEntry = {NONE, NONE, NONE, NONE, NONE, NONE, NONE,
+                                             NONE, NONE, NONE, NONE, NONE, NONE, NONE};
+constexpr PixelEngine::PadKeys kEditor = {SPACE, ESCAPE, T,    DEL, NONE, ENTER, NONE,
+                                          NONE,  NONE,   NONE, UP,  DOWN, LEFT,  RIGHT};
+// While a name is typed, no button types a letter.
+constexpr PixelEngine::PadKeys kEditorTyping = {NONE, ESCAPE, NONE, DEL, NONE, ENTER, NONE,
+                                                NONE, NONE,   NONE, UP,  DOWN, LEFT,  RIGHT};
+
+// The arcade name field's letters, in the order up turns through them.
+constexpr const char* kRing[] = {
+    "A", "B", "C", "D", "E", "F", "G", "H", "I", "J", "K", "L", "M", "N", "O", "P", "Q", "R", "S", "T",
+    "U", "V", "W", "X", "Y", "Z", "Ä", "Ö", "Ü", "a", "b", "c", "d", "e", "f", "g", "h", "i", "j", "k",
+    "l", "m", "n", "o", "p", "q", "r", "s", "t", "u", "v", "w", "x", "y", "z", "ä", "ö", "ü", "ß", "0",
+    "1", "2", "3", "4", "5", "6", "7", "8", "9", " "};
+constexpr int kRingSize = int(std::size(kRing));
+
+} // namespace
+
+const PixelEngine::PadKeys& KeysFor(Context context) {
+    switch (context) {
+    case Context::Title: return kTitle;
+    case Context::Settings: return kSettings;
+    case Context::Pause: return kPause;
+    case Context::NameEntry: return kNameEntry;
+    case Context::Editor: return kEditor;
+    case Context::EditorTyping: return kEditorTyping;
+    case Context::Play: break;
+    }
+    return kPlay;
+}
+
+std::string StepLetter(const std::string& letter, int steps) {
+    const auto found = std::find_if(std::begin(kRing), std::end(kRing), [&](const char* l) { return letter == l; });
+    // Outside the ring: one place before "A", so that a step up gives "A".
+    const int at = found == std::end(kRing) ? -1 : int(found - std::begin(kRing));
+    return kRing[((at + steps) % kRingSize + kRingSize) % kRingSize];
+}
+
+} // namespace torvane::pad
