@@ -151,6 +151,8 @@ bool TorvaneApp::OnUserCreate() {
     }
     lastPhase = game.phase;
     lastLevel = game.level;
+    // The first landscape is made while the window's first frame comes up.
+    view.Prepare(game.level, kStage);
 
     if (skipIntro || startLevel != 0 || autoplay) {
         PlayMusicFor(game.phase);
@@ -195,6 +197,7 @@ bool TorvaneApp::OnUserUpdate(float elapsed) {
     frame::RunRules({game, autoPlayer, autoTimer, lastPhase, lastLevel, autoplay, paused}, dt, hooks);
 
     ProcessEvents();
+    PrepareAhead();
 
     if (testHintAt >= 0.0f && clock >= testHintAt) {
         testHintAt = -1.0f;
@@ -232,6 +235,18 @@ bool TorvaneApp::OnUserDestroy() {
 }
 
 void TorvaneApp::PlayMusicFor(Phase phase) { sounds::PlayMusicFor(phase); }
+
+void TorvaneApp::PrepareAhead() {
+    switch (game.phase) {
+    case Phase::Title:
+    case Phase::Over: view.Prepare(1, kStage); break;
+    case Phase::Eval: view.Prepare(game.LastLevel() ? 1 : game.level + 1, kStage); break;
+    case Phase::Build:
+    case Phase::Inspect:
+    case Phase::Announce: sounds::PrepareWhistle(game.config.flightTime); break;
+    case Phase::Attack: break;
+    }
+}
 
 void TorvaneApp::OnPhaseChanged(Phase, Phase to) {
     PlayMusicFor(to);

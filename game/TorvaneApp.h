@@ -220,6 +220,10 @@ private:
     void HandlePlayInput(float dt);
 
     void PlayMusicFor(Phase phase);
+    // What a level's start and its first shot would otherwise open or make in their frame:
+    // while a card stands, the landscape of the level that comes next and the runner's sheets;
+    // before the attack, the whistle of its balls' flight.
+    void PrepareAhead();
     void OnPhaseChanged(Phase from, Phase to);
     // Hands the rules' events on: messages, the banner, and later sounds and the view.
     void ProcessEvents();
