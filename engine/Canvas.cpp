@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <cstdint>
 #include <cmath>
 #ifdef __SSE2__
 #include <emmintrin.h>
@@ -140,10 +141,14 @@ void DrawSprite(pge::Sprite* sprite, const pge::Sprite* source, int dx, int dy, 
     const float scale = std::max(alpha, 0.0f);
     // A plain source is read in place: outside it every pixel is blank and so skipped.
     const bool plain = source->modeSample == pge::Sprite::NORMAL;
-    for (int j = 0; j < h; ++j) {
+    // Only the pixels that land within the target's bounds are looked at.
+    const Rect b = Bounds(*sprite);
+    const int i0 = int(std::max<int64_t>(0, int64_t(b.x0) - dx)), i1 = int(std::min<int64_t>(w, int64_t(b.x1) - dx));
+    const int j0 = int(std::max<int64_t>(0, int64_t(b.y0) - dy)), j1 = int(std::min<int64_t>(h, int64_t(b.y1) - dy));
+    for (int j = j0; j < j1; ++j) {
         if (plain && (sy + j < 0 || sy + j >= source->height)) continue;
         const pge::Pixel* row = source->GetData() + (plain ? size_t(sy + j) * size_t(source->width) : 0);
-        for (int i = 0; i < w; ++i) {
+        for (int i = i0; i < i1; ++i) {
             const int x = flip ? sx + (w - 1 - i) : sx + i;
             if (plain && (x < 0 || x >= source->width)) continue;
             pge::Pixel p = plain ? row[x] : source->GetPixel(x, sy + j);

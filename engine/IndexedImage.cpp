@@ -1,6 +1,7 @@
 #include "engine/IndexedImage.h"
 
 #include "pge/Files.h"
+#include "pge/ImageLoader.h"
 
 #include <stb_image.h>
 
@@ -66,7 +67,7 @@ int PaletteCycle::Frame(float time) const {
 
 bool IndexedImage::Load(const std::string& path) {
     std::string bytes;
-    if (!pge::files::ReadAll(path, bytes)) return false;
+    if (!pge::files::ReadAll(path, bytes, pge::kMaxImageFileBytes)) return false;
     return Decode(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size());
 }
 

@@ -273,7 +273,7 @@ bool Parse(const std::string& text, Value& out, std::string* error) {
 
 bool ParseFile(const std::string& path, Value& out, std::string* error) {
     std::string text;
-    if (!pge::files::ReadAll(path, text)) {
+    if (!pge::files::ReadAll(path, text, pge::files::kMaxDataBytes)) {
         if (error) *error = "Datei fehlt: " + path;
         return false;
     }

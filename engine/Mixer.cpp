@@ -1,5 +1,8 @@
 #include "engine/Mixer.h"
 
+#include "pge/Files.h"
+#include "pge/SdlSubsystem.h"
+
 #include <SDL.h>
 #include <mpg123.h>
 
@@ -7,13 +10,19 @@
 #include <chrono>
 #include <cmath>
 #include <condition_variable>
+#include <cstdio>
+#include <cstring>
+#include <memory>
 #include <mutex>
+#include <string>
 #include <thread>
 #include <vector>
 
 namespace adv::mixer {
 namespace {
 
+// An hour of music at 128 kbit/s; a track file beyond it is no track.
+constexpr size_t kMaxTrackBytes = size_t(64) << 20;
 // 512 frames is about 12 ms at 44100 Hz: short enough that an effect follows its key press.
 constexpr Uint16 kDeviceFrames = 512;
 constexpr int kDeviceRate = 44100;
@@ -47,9 +56,13 @@ struct Sound {
     // Only the decoder touches the handle; frames below `written` are never rewritten
     // while the mixer may still read them.
     mpg123_handle* decoder = nullptr;
-    std::vector<float> ring;
+    // The file's bytes, which the decoder reads as it would read the file.
+    std::string file;
+    size_t filePosition = 0;
+    // Never cleared: the mixer reads only the frames that the decoder has written.
+    std::unique_ptr<float[]> ring;
     int64_t ringFrames = 0;
-    std::vector<float> scratch;
+    std::unique_ptr<float[]> scratch;
 
     // Guarded by the engine's lock.
     int64_t written = 0;
@@ -180,13 +193,12 @@ bool DecodePiece(Engine& engine, Sound& s) {
     if (room == 0) return false;
 
     size_t bytes = 0;
-    const int result = mpg123_read(s.decoder, s.scratch.data(), room * kChannels * sizeof(float), &bytes);
+    const int result = mpg123_read(s.decoder, s.scratch.get(), room * kChannels * sizeof(float), &bytes);
     const size_t got = bytes / (kChannels * sizeof(float));
-    for (size_t i = 0; i < got; ++i) {
-        const size_t at = size_t((from + int64_t(i)) % s.ringFrames) * kChannels;
-        s.ring[at] = s.scratch[i * kChannels];
-        s.ring[at + 1] = s.scratch[i * kChannels + 1];
-    }
+    // At most the ring's length, so the piece wraps round its end once at most.
+    const size_t at = size_t(from % s.ringFrames), first = std::min(got, size_t(s.ringFrames) - at);
+    std::copy_n(s.scratch.get(), first * kChannels, s.ring.get() + at * kChannels);
+    std::copy_n(s.scratch.get() + first * kChannels, (got - first) * kChannels, s.ring.get());
     bool ended = result != MPG123_OK && result != MPG123_NEW_FORMAT;
     std::lock_guard<std::mutex> guard(engine.lock);
     s.written += int64_t(got);
@@ -217,6 +229,26 @@ void DecoderLoop(Engine* engine) {
 void Callback(void* userdata, Uint8* stream, int len) {
     Render(*static_cast<Engine*>(userdata), reinterpret_cast<float*>(stream),
            size_t(len) / (kChannels * sizeof(float)));
+}
+
+// The decoder's reading and seeking in a stream's bytes, as it would in the file.
+ssize_t ReadTrack(void* handle, void* buffer, size_t count) {
+    Sound& s = *static_cast<Sound*>(handle);
+    const size_t n = std::min(count, s.file.size() - s.filePosition);
+    std::memcpy(buffer, s.file.data() + s.filePosition, n);
+    s.filePosition += n;
+    return ssize_t(n);
+}
+
+off_t SeekTrack(void* handle, off_t offset, int whence) {
+    Sound& s = *static_cast<Sound*>(handle);
+    const int64_t base = whence == SEEK_SET   ? 0
+                         : whence == SEEK_CUR ? int64_t(s.filePosition)
+                         : whence == SEEK_END ? int64_t(s.file.size())
+                                              : -1;
+    if (base < 0 || offset < -base || offset > int64_t(s.file.size()) - base) return -1;
+    s.filePosition = size_t(base + offset);
+    return off_t(s.filePosition);
 }
 
 void Register(Engine& engine, Sound* s) {
@@ -256,7 +288,8 @@ void SoundDeleter::operator()(Sound* sound) const {
 
 EnginePtr Init() {
     if (s_offlineRate > 0) return InitOffline(s_offlineRate);
-    if (SDL_InitSubSystem(SDL_INIT_AUDIO) != 0) return nullptr;
+    // SIGTERM and SIGINT stay the framework's.
+    if (!pge::StartSdlSubsystem(SDL_INIT_AUDIO)) return nullptr;
     EnginePtr engine(new Engine);
     SDL_AudioSpec want{};
     want.freq = kDeviceRate;
@@ -326,14 +359,18 @@ SoundPtr InitFromFile(Engine& engine, const std::string& path) {
         mpg123_format(sound->decoder, rates[i], MPG123_MONO | MPG123_STEREO, MPG123_ENC_FLOAT_32);
     long rate = 0;
     int channels = 0, encoding = 0;
-    if (mpg123_open(sound->decoder, path.c_str()) != MPG123_OK ||
+    // The whole file, read at once: only a regular file of a track's size, nothing that
+    // would make the decoder wait, and no reading from the disk while it plays.
+    if (!pge::files::ReadAll(path, sound->file, kMaxTrackBytes) ||
+        mpg123_replace_reader_handle(sound->decoder, ReadTrack, SeekTrack, nullptr) != MPG123_OK ||
+        mpg123_open_handle(sound->decoder, sound.get()) != MPG123_OK ||
         mpg123_getformat(sound->decoder, &rate, &channels, &encoding) != MPG123_OK || rate <= 0 ||
         channels != int(kChannels) || encoding != MPG123_ENC_FLOAT_32)
         return nullptr;
     sound->step = double(rate) / double(engine.rate);
     sound->ringFrames = int64_t(std::ceil(double(rate) * kStreamSeconds));
-    sound->ring.assign(size_t(sound->ringFrames) * kChannels, 0.0f);
-    sound->scratch.assign(kDecodeFrames * kChannels, 0.0f);
+    sound->ring.reset(new float[size_t(sound->ringFrames) * kChannels]);
+    sound->scratch.reset(new float[kDecodeFrames * kChannels]);
     // The first half second is decoded here, so that a file that cannot be decoded is
     // found at once and the music starts without waiting for the decoder thread.
     DecodeAhead(engine, *sound);

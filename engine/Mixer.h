@@ -42,7 +42,8 @@ void Render(Engine& engine, float* out, size_t frames);
 // Decodes every stream ahead until its buffer is full: the work of the decoder thread.
 void Pump(Engine& engine);
 
-// An MP3 file, decoded while it plays; null if it cannot be opened or decoded.
+// An MP3 file, read whole and decoded while it plays; null if it is no regular file of at
+// most 64 MB, or cannot be decoded.
 SoundPtr InitFromFile(Engine& engine, const std::string& path);
 // Mono samples at sampleRate, read in place and never copied: they must outlive the sound.
 SoundPtr InitFromMemory(Engine& engine, const float* samples, size_t count, uint32_t sampleRate);

@@ -1,8 +1,10 @@
 #include "engine/Screenshot.h"
 
+#include "pge/Files.h"
+
 #include <algorithm>
 #include <cstdint>
-#include <fstream>
+#include <string_view>
 #include <vector>
 
 namespace adv::screenshot {
@@ -83,11 +85,7 @@ bool SavePng(const pge::Sprite& sprite, const std::string& path) {
     Chunk(file, "IDAT", zlib);
     Chunk(file, "IEND", {});
 
-    std::ofstream out(path, std::ios::binary | std::ios::trunc);
-    if (!out) return false;
-    out.write(reinterpret_cast<const char*>(file.data()), std::streamsize(file.size()));
-    out.flush();
-    return bool(out);
+    return pge::files::WriteAll(path, std::string_view(reinterpret_cast<const char*>(file.data()), file.size()));
 }
 
 } // namespace adv::screenshot

@@ -9,6 +9,7 @@
 #include "game/Typing.h"
 
 #include <chrono>
+#include <cstdint>
 
 namespace torvane {
 namespace {
@@ -243,7 +244,8 @@ void TorvaneApp::HandleTitleInput(bool confirm) {
     } else if (pressed(pge::LEFT)) {
         titlePage = titlePage <= 0 ? kTitlePages - 1 : titlePage - 1;
     } else if (pressed(pge::RIGHT)) {
-        titlePage = (titlePage + 1) % kTitlePages;
+        // Counted in 64 bits: "--page=" may have set the largest int.
+        titlePage = int((int64_t(titlePage) + 1) % kTitlePages);
     } else if (confirm) {
         Press(ButtonId::NewGame, 0);
     }

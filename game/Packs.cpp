@@ -43,10 +43,13 @@ void TorvaneApp::SetUpPacks() {
     const std::string folder = directory + "/levelpacks";
     packStorage = FolderPackStorage(folder);
     // The packs that come with the game are offered once: a pack the player deletes
-    // stays deleted as long as the folder stands.
+    // stays deleted as long as the folder stands. A first start that could not copy
+    // them all (a full disk) takes the folder away again, so that the next start copies
+    // anew; a copy that a full disk left empty is made again at any start.
     std::error_code error;
-    if (!std::filesystem::exists(folder, error) && !error)
-        CopyPacks(FolderPackStorage(adv::Assets::Root() + "/torvane/levelpacks"), packStorage);
+    const bool first = !std::filesystem::exists(folder, error) && !error;
+    if (!CopyPacks(FolderPackStorage(adv::Assets::Root() + "/torvane/levelpacks"), packStorage, first) && first)
+        std::filesystem::remove_all(folder, error);
 }
 
 void TorvaneApp::RefreshPacks() {

@@ -99,7 +99,7 @@ WindowOptions ApplyRunOptions(TorvaneApp& app, int argc, const char* const* argv
             app.autoplay = true;
             app.autoPlayer.repairs = false;
         } else if (TakePrefix(arg, "--level=", rest)) {
-            app.startLevel = std::stoi(rest);
+            app.startLevel = std::min(std::stoi(rest), kMaxLevel);
         } else if (TakePrefix(arg, "--seed=", rest)) {
             app.game = Game(unsigned(std::stoul(rest)));
         } else if (TakePrefix(arg, "--exit-after=", rest)) {
@@ -165,6 +165,12 @@ bool TorvaneApp::OnUserCreate() {
 }
 
 bool TorvaneApp::OnUserUpdate(float elapsed) {
+    if (!Step(elapsed)) return false;
+    DrawFrame();
+    return FinishFrame();
+}
+
+bool TorvaneApp::Step(float elapsed) {
     const float dt = frame::RulesStep(elapsed);
     clock += elapsed;
     adv::Sound::Update();
@@ -173,9 +179,10 @@ bool TorvaneApp::OnUserUpdate(float elapsed) {
     if (padScript) padScript->Step(elapsed, kNames[int(game.phase)]);
     if (GetKey(pge::F11).bPressed) SetFullScreen(!IsFullScreen());
 
-    if (logoTime >= 0.0f) {
+    logoFrame = logoTime >= 0.0f;
+    if (logoFrame) {
         UpdateLogo(dt);
-        return FinishFrame();
+        return true;
     }
 
     HandleInput(dt);
@@ -206,12 +213,20 @@ bool TorvaneApp::OnUserUpdate(float elapsed) {
             messageUntil = clock + 3.0f;
         }
     }
+    return true;
+}
 
+void TorvaneApp::DrawFrame() {
+    if (logoFrame) {
+        // The frame that ends the logo keeps the picture it had.
+        if (logoTime >= 0.0f) DrawLogo();
+        return;
+    }
     // Made anew by the drawing below; input reads the frame before's.
     buttons.clear();
     if (game.phase == Phase::Title && titleImage) {
         DrawTitleScreen();
-        return FinishFrame();
+        return;
     }
 
     Clear(kBg);
@@ -221,7 +236,6 @@ bool TorvaneApp::OnUserUpdate(float elapsed) {
     DrawHud();
     DrawHelp();
     DrawOverlay();
-    return FinishFrame();
 }
 
 bool TorvaneApp::OnUserDestroy() {
@@ -314,8 +328,10 @@ void TorvaneApp::UpdateLogo(float dt) {
         phaseStart = clock;
         logoTime = -1.0f;
         PlayMusicFor(game.phase);
-        return;
     }
+}
+
+void TorvaneApp::DrawLogo() {
     Clear(pge::BLACK);
     // Without a logo that decodes, the intro stays black.
     if (adv::Assets::Missing(kLogoKey) || adv::Assets::Failed(kLogoKey)) return;

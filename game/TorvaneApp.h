@@ -67,8 +67,12 @@ public:
     TorvaneApp();
 
     bool OnUserCreate() override;
+    // Step, then the picture of the frame.
     bool OnUserUpdate(float elapsed) override;
     bool OnUserDestroy() override;
+    // A frame's work without its picture: sound, the logo's time, input, the rules and
+    // their events. False once the player has quit.
+    bool Step(float elapsed);
 
     // Members in this order; the packs, the editor, the scores and the buttons take
     // their places as they arrive.
@@ -117,6 +121,7 @@ public:
     std::string exitOnPhase;
     bool skipIntro = false;
     float logoTime = -1.0f; // seconds of the logo; negative when none is running
+    bool logoFrame = false;  // the frame being made began with the logo
     // From "--pad-script=", a testing aid: played into a virtual pad from the first frame on.
     std::string padScriptText;
     std::unique_ptr<PadScript> padScript;
@@ -227,9 +232,12 @@ private:
     void OnPhaseChanged(Phase from, Phase to);
     // Hands the rules' events on: messages, the banner, and later sounds and the view.
     void ProcessEvents();
+    // The picture of the frame that Step has just advanced.
+    void DrawFrame();
     // What OnUserUpdate returns: false once exitAt has come, after the screenshot.
     bool FinishFrame();
     void UpdateLogo(float dt);
+    void DrawLogo();
 
     // The player's pack folder, filled from the game's packs on the first start.
     void SetUpPacks();

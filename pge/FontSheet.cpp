@@ -1,6 +1,7 @@
 #include "pge/FontSheet.h"
 
 #include <cstdint>
+#include <vector>
 
 namespace pge {
 namespace {
@@ -28,21 +29,30 @@ const char* const kFontData =
 
 } // namespace
 
-Sprite BuildFontSheet() {
-    Sprite sheet(kFontSheetWidth, kFontSheetHeight);
-    int px = 0;
-    int py = 0;
-    for (int i = 0; i < 1024; i += 4) {
-        uint32_t group = 0;
-        for (int k = 0; k < 4; ++k) group = group << 6 | uint32_t(kFontData[i + k] - 48);
-        for (int bit = 0; bit < 24; ++bit) {
-            sheet.SetPixel(px, py, (group >> bit & 1) ? Pixel(255, 255, 255, 255) : Pixel(0, 0, 0, 0));
-            if (++py == kFontSheetHeight) {
-                py = 0;
-                ++px;
+const std::vector<Pixel>& FontSheetPixels() {
+    static const std::vector<Pixel> s_pixels = [] {
+        Sprite sheet(kFontSheetWidth, kFontSheetHeight);
+        int px = 0;
+        int py = 0;
+        for (int i = 0; i < 1024; i += 4) {
+            uint32_t group = 0;
+            for (int k = 0; k < 4; ++k) group = group << 6 | uint32_t(kFontData[i + k] - 48);
+            for (int bit = 0; bit < 24; ++bit) {
+                sheet.SetPixel(px, py, (group >> bit & 1) ? Pixel(255, 255, 255, 255) : Pixel(0, 0, 0, 0));
+                if (++py == kFontSheetHeight) {
+                    py = 0;
+                    ++px;
+                }
             }
         }
-    }
+        return sheet.pColData;
+    }();
+    return s_pixels;
+}
+
+Sprite BuildFontSheet() {
+    Sprite sheet(kFontSheetWidth, kFontSheetHeight);
+    sheet.pColData = FontSheetPixels();
     return sheet;
 }
 

@@ -1,5 +1,7 @@
 #include "pge/Gamepad.h"
 
+#include "pge/SdlSubsystem.h"
+
 #include <SDL.h>
 
 #include <algorithm>
@@ -24,13 +26,10 @@ constexpr SDL_GameControllerButton kDpad[] = {SDL_CONTROLLER_BUTTON_DPAD_UP, SDL
 
 SDL_GameController* Controller(void* p) { return static_cast<SDL_GameController*>(p); }
 
-// Starts an SDL subsystem for pads. SDL would take SIGINT and SIGTERM for a quit event that
-// nobody reads, and they would no longer end the program: the hint counts only before the
-// first subsystem with events starts. The state is read by polling; queued events would
-// pile up unread.
+// Starts an SDL subsystem for pads. Their state is read by polling: queued events would pile
+// up unread.
 bool StartSubsystem(Uint32 flags) {
-    SDL_SetHint(SDL_HINT_NO_SIGNAL_HANDLERS, "1");
-    if (SDL_InitSubSystem(flags) != 0) return false;
+    if (!StartSdlSubsystem(flags)) return false;
     SDL_GameControllerEventState(SDL_IGNORE);
     SDL_JoystickEventState(SDL_IGNORE);
     return true;

@@ -13,9 +13,6 @@ namespace pge {
 
 namespace {
 
-// More pixels than any picture of the game by far; the decoder is not asked to try.
-constexpr int64_t kMaxImagePixels = int64_t(kMaxImageSide) * 2048;
-
 // The decoder trusts a JPEG's Huffman table counts and writes past its table when
 // they add up to more than 256 codes. Such a file is refused before decoding. Like
 // the decoder, this looks at every marker "FF C4" after the start marker.
@@ -59,6 +56,23 @@ bool PnmSamplesPresent(const uint8_t* bytes, size_t size, int w, int h, int chan
     return at <= size && int64_t(size - at) >= int64_t(w) * h * channels * sample;
 }
 
+// The decoder makes room for a PNG chunk by the length it announces, before it reads a
+// byte of it: 113 bytes can claim two gigabytes. A chunk that runs past the end of the
+// file is refused before decoding.
+bool PngChunksFit(const uint8_t* bytes, size_t size) {
+    static const uint8_t kSignature[8] = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'};
+    if (size < 8 || std::memcmp(bytes, kSignature, 8) != 0) return true; // no PNG
+    for (size_t at = 8; size - at >= 8;) {
+        const uint64_t length = uint64_t(bytes[at]) << 24 | uint64_t(bytes[at + 1]) << 16 |
+                                uint64_t(bytes[at + 2]) << 8 | bytes[at + 3];
+        // Length and type, the data and the checksum.
+        if (12 + length > size - at) return false;
+        if (std::memcmp(bytes + at + 4, "IEND", 4) == 0) break;
+        at += 12 + length;
+    }
+    return true;
+}
+
 } // namespace
 
 std::unique_ptr<ImageLoader> loader;
@@ -67,7 +81,7 @@ rcode DecodeImage(Sprite* spr, const uint8_t* bytes, size_t size) {
     spr->pColData.clear();
     spr->width = 0;
     spr->height = 0;
-    if (size > size_t(INT_MAX) || !HuffmanTablesSound(bytes, size)) return FAIL;
+    if (size > size_t(INT_MAX) || !HuffmanTablesSound(bytes, size) || !PngChunksFit(bytes, size)) return FAIL;
     int w = 0, h = 0, channels = 0;
     // The header's size first: a few bytes can announce gigabytes.
     if (!stbi_info_from_memory(bytes, int(size), &w, &h, &channels) || w < 1 || h < 1 || w > kMaxImageSide ||
@@ -93,7 +107,7 @@ rcode ImageLoader_STB::LoadImageResource(Sprite* spr, const std::string& path, v
     std::error_code ec;
     if (!std::filesystem::exists(std::filesystem::status(path, ec))) return NO_FILE;
     std::string bytes;
-    if (!files::ReadAll(path, bytes)) return FAIL;
+    if (!files::ReadAll(path, bytes, kMaxImageFileBytes)) return FAIL;
     return DecodeImage(spr, reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size());
 }
 

@@ -12,6 +12,11 @@ namespace pge {
 
 // The longest side of a picture that is decoded at all; beyond any real image.
 inline constexpr int kMaxImageSide = 16384;
+// More pixels than any picture of the game by far; the decoder is not asked to try.
+inline constexpr int64_t kMaxImagePixels = int64_t(kMaxImageSide) * 2048;
+// The biggest picture file read at all: the most pixels, four bytes each, stored without
+// compression, and room for the headers.
+inline constexpr size_t kMaxImageFileBytes = size_t(kMaxImagePixels) * 4 + (size_t(1) << 20);
 
 class ImageLoader {
 public:

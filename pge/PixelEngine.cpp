@@ -8,18 +8,52 @@
 #include "pge/RendererOGL10.h"
 
 #include <algorithm>
+#include <csignal>
 #include <thread>
 
 namespace pge {
 
 std::atomic<bool> bAtomActive{false};
 
-PixelEngine::PixelEngine() {
-    pge_ConfigureSystem();
-    // Text can be measured and drawn before the window exists (tools, tests); the
-    // sheet gets its texture when the engine thread prepares the graphics.
-    pge_ConstructFontSheet();
-}
+namespace {
+
+static_assert(std::atomic<bool>::is_always_lock_free, "the signal handler may only touch a lock-free flag");
+
+// SIGTERM (kill, a logout) and SIGINT (Ctrl+C in a terminal) end the run as the window's
+// close does. The handler is taken back at once, so that a second signal ends a program
+// that no longer runs its frames.
+void EndRun(int) { bAtomActive = false; }
+
+// While the frame loop runs, the two signals go to EndRun; afterwards as they went before.
+// A signal the process was started to ignore (nohup, a background job) stays ignored.
+class EndOnSignals {
+public:
+    EndOnSignals() {
+        struct sigaction end {};
+        end.sa_handler = EndRun;
+        end.sa_flags = SA_RESETHAND;
+        sigemptyset(&end.sa_mask);
+        for (size_t i = 0; i < 2; ++i) {
+            sigaction(kSignals[i], nullptr, &before[i]);
+            taken[i] = before[i].sa_handler != SIG_IGN && sigaction(kSignals[i], &end, nullptr) == 0;
+        }
+    }
+    ~EndOnSignals() {
+        for (size_t i = 0; i < 2; ++i)
+            if (taken[i]) sigaction(kSignals[i], &before[i], nullptr);
+    }
+    EndOnSignals(const EndOnSignals&) = delete;
+    EndOnSignals& operator=(const EndOnSignals&) = delete;
+
+private:
+    static constexpr int kSignals[2] = {SIGTERM, SIGINT};
+    struct sigaction before[2] {};
+    bool taken[2] = {false, false};
+};
+
+} // namespace
+
+PixelEngine::PixelEngine() { pge_ConfigureSystem(); }
 
 PixelEngine::~PixelEngine() {
     // Textures of this run die with their context; the decals only forget them.
@@ -61,9 +95,12 @@ bool PixelEngine::Start() {
     if (platform->CreateWindowPane({30, 30}, vWindowSize, bFullScreen) != OK) return false;
     pge_UpdateViewport();
     bAtomActive = true;
-    std::thread engine(&PixelEngine::EngineThread, this);
-    platform->StartSystemEventLoop();
-    engine.join();
+    {
+        const EndOnSignals signals;
+        std::thread engine(&PixelEngine::EngineThread, this);
+        platform->StartSystemEventLoop();
+        engine.join();
+    }
     return platform->ApplicationCleanUp() == OK;
 }
 
@@ -99,9 +136,14 @@ void PixelEngine::pge_PrepareEngine() {
     nextFrameAt = std::chrono::steady_clock::now();
 }
 
+Sprite* PixelEngine::GetFontSprite() {
+    if (!fontRenderable.Sprite()) pge_ConstructFontSheet();
+    return fontRenderable.Sprite();
+}
+
 void PixelEngine::pge_ConstructFontSheet() {
     fontRenderable.Create(kFontSheetWidth, kFontSheetHeight, false, true);
-    *fontRenderable.Sprite() = BuildFontSheet();
+    fontRenderable.Sprite()->pColData = FontSheetPixels();
     fontRenderable.Decal()->Update();
 }
 

@@ -40,7 +40,8 @@ struct HWButton {
     bool bHeld = false;     // is down
 };
 
-// The frame loop runs while this is set; the window's close message clears it.
+// The frame loop runs while this is set; the window's close message clears it, and so do
+// SIGTERM and SIGINT while Start runs.
 extern std::atomic<bool> bAtomActive;
 
 struct LayerDesc {
@@ -63,8 +64,9 @@ public:
     bool Construct(int32_t screen_w, int32_t screen_h, int32_t pixel_w, int32_t pixel_h,
                    bool full_screen = false, bool vsync = false, bool cohesion = false,
                    bool realwindow = false);
-    // Opens the window and runs the frame loop on its own thread until the run ends.
-    // False if the window could not be opened (the platform says why on stderr).
+    // Opens the window and runs the frame loop on its own thread until the run ends: by the
+    // application, the window's close, SIGTERM or SIGINT. False if the window could not
+    // be opened (the platform says why on stderr).
     bool Start();
 
     virtual bool OnUserCreate();
@@ -85,7 +87,9 @@ public:
     bool IsFocused() const { return bHasInputFocus; }
     Sprite* GetDrawTarget() const { return pDrawTarget; }
     // The 128 by 48 font sheet; there from construction on.
-    Sprite* GetFontSprite() const { return fontRenderable.Sprite(); }
+    // The font sheet, made on first use: text can be measured and drawn before the window
+    // exists (tools, tests); the engine thread makes it again, with its texture.
+    Sprite* GetFontSprite();
     const vi2d& GetWindowSize() const { return vWindowSize; }
     const vi2d& GetViewPos() const { return vViewPos; }
     const vi2d& GetViewSize() const { return vViewSize; }

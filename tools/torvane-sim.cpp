@@ -87,7 +87,7 @@ int ParseOptions(int argc, char** argv, Options& options) {
             ok = ParseInt(value, 0, 4294967295L, v);
             options.seed = static_cast<unsigned>(v);
         } else if (name == "--level" && hasValue) {
-            ok = ParseInt(value, 1, 1000000, v);
+            ok = ParseInt(value, 1, kMaxLevel, v);
             options.level = static_cast<int>(v);
         } else if (name == "--levels" && hasValue) {
             ok = ParseInt(value, 1, 1000000, v);

@@ -7,6 +7,7 @@
 
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <fstream>
 #include <sstream>
 
@@ -60,17 +61,18 @@ bool PlayScript::Fail(const std::string& why) {
     return false;
 }
 
-void PlayScript::MoveMouse(adv::AdventureGame& game, pge::vf2d screen) {
+bool PlayScript::MoveMouse(adv::AdventureGame& game, pge::vf2d screen) {
+    if (!(screen.x >= 0 && screen.y >= 0 && screen.x < game.ScreenWidth() && screen.y < game.ScreenHeight()))
+        return Fail("liegt außerhalb des Bildes");
     const pge::vi2d pos = game.GetViewPos(), size = game.GetViewSize();
     const float wx = float(pos.x) + (screen.x + 0.5f) * float(size.x) / float(game.ScreenWidth());
     const float wy = float(pos.y) + (screen.y + 0.5f) * float(size.y) / float(game.ScreenHeight());
     game.pge_UpdateMouse(int32_t(wx), int32_t(wy));
+    return true;
 }
 
 bool PlayScript::Click(adv::AdventureGame& game, pge::vf2d screen, bool right) {
-    if (screen.x < 0 || screen.y < 0 || screen.x >= game.ScreenWidth() || screen.y >= game.ScreenHeight())
-        return Fail("liegt außerhalb des Bildes");
-    MoveMouse(game, screen);
+    if (!MoveMouse(game, screen)) return false;
     button = right ? 1 : 0;
     nativeKeys.clear();
     game.pge_UpdateMouseState(button, true);
@@ -133,8 +135,11 @@ bool PlayScript::Run(adv::AdventureGame& game, const std::string& line, float dt
     };
 
     if (command == "wait") {
+        char* end = nullptr;
+        const float seconds = rest.empty() ? 0.0f : std::strtof(rest.c_str(), &end);
+        if (end == rest.c_str()) return Fail("Sekunden erwartet");
         waited += dt;
-        if (waited < std::stof(rest.empty() ? "0" : rest)) return false;
+        if (waited < seconds) return false;
         waited = 0.0f;
         return true;
     }
@@ -160,9 +165,7 @@ bool PlayScript::Run(adv::AdventureGame& game, const std::string& line, float dt
         std::string id;
         std::getline(args >> std::ws, id);
         pge::vf2d at;
-        if (!locate(kind, id, at)) return false;
-        MoveMouse(game, at);
-        return true;
+        return locate(kind, id, at) && MoveMouse(game, at);
     }
     if (command == "verb") {
         using namespace adv::panel;

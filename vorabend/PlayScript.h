@@ -41,7 +41,8 @@ public:
 private:
     bool Run(adv::AdventureGame& game, const std::string& line, float dt);
     bool Click(adv::AdventureGame& game, pge::vf2d screen, bool right);
-    void MoveMouse(adv::AdventureGame& game, pge::vf2d screen);
+    // False, with the line failed, for a point off the screen.
+    bool MoveMouse(adv::AdventureGame& game, pge::vf2d screen);
     bool Fail(const std::string& why);
 
     std::vector<std::string> lines;

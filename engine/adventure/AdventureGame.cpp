@@ -356,6 +356,16 @@ SaveData AdventureGame::CaptureState() const {
 
 bool AdventureGame::RestoreState(const SaveData& d) {
     if (!scenes.Exists(d.scene)) return false;
+    // Everyone stands inside the scene he comes back to, the player in the save's scene:
+    // within its picture (at least the view) and above the verbs. A position beyond that
+    // is a damaged save, and the far numbers in it would overflow the walking.
+    for (const auto& r : d.actors) {
+        const Actor* a = FindActor(r.id);
+        const Scene* s = a ? scenes.Load(*this, r.id == playerId ? d.scene : r.scene) : nullptr;
+        if (s && !(r.x >= 0.0f && r.x <= float(std::max(s->Width(), kViewWidth)) && r.y >= 0.0f &&
+                   r.y <= float(kPlayHeight)))
+            return false;
+    }
     runner.Clear();
     EndDialogue();
     ResetInteraction();

@@ -1,11 +1,12 @@
 #include "engine/adventure/SaveGame.h"
 
+#include "pge/Files.h"
+
 #include <cerrno>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
-#include <fstream>
 #include <sstream>
 #include <sys/stat.h>
 
@@ -168,22 +169,13 @@ bool Parse(const std::string& text, SaveData& data) {
 
 bool Write(int slot, const SaveData& data) {
     const std::string path = SlotPath(slot);
-    if (path.empty() || !MakeFolders(Directory())) return false;
-    std::ofstream out(path, std::ios::binary | std::ios::trunc);
-    if (!out) return false;
-    out << Serialise(data);
-    out.close();
-    return bool(out);
+    return !path.empty() && MakeFolders(Directory()) && pge::files::WriteAll(path, Serialise(data));
 }
 
 bool Read(int slot, SaveData& data) {
     const std::string path = SlotPath(slot);
-    if (path.empty()) return false;
-    std::ifstream in(path, std::ios::binary);
-    if (!in) return false;
-    std::ostringstream text;
-    text << in.rdbuf();
-    return Parse(text.str(), data);
+    std::string text;
+    return !path.empty() && pge::files::ReadAll(path, text, pge::files::kMaxDataBytes) && Parse(text, data);
 }
 
 bool Erase(int slot) {

@@ -61,8 +61,9 @@ std::string Timestamp();
 std::string Serialise(const SaveData& data);
 // False, with data untouched, for a missing or wrong first line.
 bool Parse(const std::string& text, SaveData& data);
-// Creates the folders when missing.
+// Creates the folders when missing. The old save stays whole when writing fails.
 bool Write(int slot, const SaveData& data);
+// Only a regular file of at most 4 MB is read: nothing else is a save.
 bool Read(int slot, SaveData& data);
 bool Erase(int slot);
 // A refused file counts as an empty slot.

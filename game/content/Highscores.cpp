@@ -1,6 +1,7 @@
 #include "game/content/Highscores.h"
 
 #include "game/content/Preferences.h"
+#include "pge/Files.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -67,13 +68,13 @@ std::string Serialise(const std::vector<Entry>& list) {
 std::vector<Entry> Load() {
     const std::string path = Path();
     std::string text;
-    if (path.empty() || !preferences::ReadFile(path, text)) return {};
+    if (path.empty() || !pge::files::ReadAll(path, text, pge::files::kMaxDataBytes)) return {};
     return Parse(text);
 }
 
 bool Save(const std::vector<Entry>& list) {
     const std::string path = Path();
-    return !path.empty() && preferences::WriteFile(path, Serialise(list));
+    return !path.empty() && pge::files::WriteAll(path, Serialise(list));
 }
 
 bool Qualifies(const std::vector<Entry>& list, int32_t score) {

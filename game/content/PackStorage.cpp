@@ -1,10 +1,10 @@
 #include "game/content/PackStorage.h"
 
 #include "game/content/PackFormat.h"
+#include "pge/Files.h"
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 #include <system_error>
 
 namespace torvane {
@@ -21,34 +21,28 @@ PackStorage FolderPackStorage(const std::string& folder) {
         return names;
     };
     storage.read = [folder](const std::string& name, std::string& text) {
-        std::ifstream in(folder + "/" + name, std::ios::binary);
-        if (!in) return false;
-        // Block reads turn an error of the file (such as a folder by that name) into a
-        // bad stream instead of an exception.
         std::string data;
-        char block[65536];
-        while (in.read(block, sizeof block) || in.gcount() > 0) data.append(block, static_cast<size_t>(in.gcount()));
-        if (in.bad()) return false;
+        if (!pge::files::ReadAll(folder + "/" + name, data, pge::files::kMaxDataBytes)) return false;
         text = std::move(data);
         return true;
     };
     storage.write = [folder](const std::string& name, const std::string& text) {
         std::error_code ignored;
         fs::create_directories(folder, ignored);
-        std::ofstream out(folder + "/" + name, std::ios::binary | std::ios::trunc);
-        out << text;
-        out.close();
-        return !out.fail();
+        return pge::files::WriteAll(folder + "/" + name, text);
     };
     return storage;
 }
 
-void CopyPacks(const PackStorage& from, const PackStorage& to) {
-    if (!from.list || !from.read || !to.write) return;
+bool CopyPacks(const PackStorage& from, const PackStorage& to, bool all) {
+    if (!from.list || !from.read || !to.read || !to.write) return true;
+    bool written = true;
     for (const std::string& name : from.list()) {
-        std::string text;
-        if (from.read(name, text)) to.write(name, text);
+        std::string text, copy;
+        const bool held = to.read(name, copy);
+        if ((held ? copy.empty() : all) && from.read(name, text)) written = to.write(name, text) && written;
     }
+    return written;
 }
 
 std::vector<LevelPack> LoadPacks(const PackStorage& storage) {

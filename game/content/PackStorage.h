@@ -18,8 +18,9 @@ struct PackStorage {
 
 // The .tpack files of one folder; writing creates the folder first.
 PackStorage FolderPackStorage(const std::string& folder);
-// Copies every file of `from` that can be read into `to`, text unchanged.
-void CopyPacks(const PackStorage& from, const PackStorage& to);
+// Copies each file of `from` that can be read into `to`, text unchanged, where `to` holds
+// it empty, or, with `all`, holds none of that name. True unless a copy failed to write.
+bool CopyPacks(const PackStorage& from, const PackStorage& to, bool all);
 // Every pack of the store that reads and parses, sorted byte-wise by name.
 std::vector<LevelPack> LoadPacks(const PackStorage& storage);
 // The background's index 0 to 4 of a level: the active pack's choice for its own

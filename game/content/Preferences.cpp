@@ -2,10 +2,10 @@
 
 #include "game/rules/Lang.h"
 #include "game/rules/Level.h"
+#include "pge/Files.h"
 
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <sstream>
 #include <system_error>
 
@@ -89,32 +89,12 @@ void Apply(const std::string& text) {
 void Load() {
     const std::string folder = Directory();
     std::string text;
-    if (!folder.empty() && ReadFile(folder + "/settings.txt", text)) Apply(text);
+    if (!folder.empty() && pge::files::ReadAll(folder + "/settings.txt", text, pge::files::kMaxDataBytes)) Apply(text);
 }
 
 bool Save() {
     const std::string folder = Directory();
-    return !folder.empty() && WriteFile(folder + "/settings.txt", Serialise());
-}
-
-bool ReadFile(const std::string& path, std::string& text) {
-    std::error_code error;
-    // A folder opens as a stream on Linux but reads as nothing useful: refuse it.
-    if (std::filesystem::is_directory(path, error)) return false;
-    std::ifstream in(path, std::ios::binary);
-    if (!in) return false;
-    std::ostringstream all;
-    all << in.rdbuf();
-    text = all.str();
-    return true;
-}
-
-bool WriteFile(const std::string& path, const std::string& text) {
-    std::ofstream out(path, std::ios::binary | std::ios::trunc);
-    if (!out) return false;
-    out << text;
-    out.close();
-    return !out.fail();
+    return !folder.empty() && pge::files::WriteAll(folder + "/settings.txt", Serialise());
 }
 
 } // namespace torvane::preferences

@@ -16,14 +16,9 @@ std::string Serialise();
 void Apply(const std::string& text);
 // Reads settings.txt if there is one; silent on every failure.
 void Load();
-// Writes settings.txt in place; false if it could not be written.
+// Writes settings.txt; false if it could not be written, and the old file stays.
 bool Save();
 
-// The whole of a small text file, or false if it can't be opened as one (a folder in
-// its place, no permission). Shared with the high scores.
-bool ReadFile(const std::string& path, std::string& text);
-// Writes the file in place, truncating it; true if the stream reported no failure.
-bool WriteFile(const std::string& path, const std::string& text);
 // Splits at "\n", the last line needing no end, and drops one trailing "\r" of each line.
 template <typename F>
 void ForEachLine(const std::string& text, F&& line) {

@@ -37,6 +37,9 @@ Settings& GetSettings();
 // Number of difficulties, and the word in the settings file and the German
 // label of each ("easy"/"Leicht" ...). Out-of-range values give empty strings.
 constexpr int kDifficulties = 4;
+// The highest level a game starts at. The levels beyond would still be played, but the
+// attack's spare pieces alone grow with the level: at the largest int, gigabytes.
+constexpr int kMaxLevel = 1000000;
 const char* DifficultyWord(int difficulty);
 const char* DifficultyLabel(int difficulty);
 

@@ -1,6 +1,7 @@
 // The application's level packs: choosing and cycling them, a chosen pack that goes
 // away, a test run from the editor and its return, and no scores for pack games.
 #include "game/content/Preferences.h"
+#include "pge/Files.h"
 #include "tests/screens/PackFixture.h"
 
 #include <gtest/gtest.h>
@@ -31,7 +32,7 @@ TEST_F(PacksTest, PCyclesThroughThePacksAndBackToTheStandardLevels) {
     EXPECT_EQ(ActiveName(), "Alpha");
     EXPECT_EQ(app.game.phase, Phase::Title);
     std::string settings;
-    ASSERT_TRUE(preferences::ReadFile(dataFolder + "/settings.txt", settings));
+    ASSERT_TRUE(pge::files::ReadAll(dataFolder + "/settings.txt", settings, pge::files::kMaxDataBytes));
     EXPECT_NE(settings.find("level_pack=Alpha.tpack\n"), std::string::npos); // kept at once
     ASSERT_TRUE(Tap(pge::P));
     EXPECT_EQ(ActiveName(), "Beta");

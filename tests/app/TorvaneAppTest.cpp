@@ -141,6 +141,9 @@ TEST(TorvaneAppRunOptions, NumbersFollowTheStandardParsers) {
     EXPECT_TRUE(app.skipIntro);
     Apply(app, {"--level=-5"});
     EXPECT_EQ(app.startLevel, -5);
+    // A game starts at the millionth level at most.
+    Apply(app, {"--level=2147483647"});
+    EXPECT_EQ(app.startLevel, 1000000);
     Apply(app, {"--exit-after=1e2"});
     EXPECT_FLOAT_EQ(app.exitAt, 100.0f);
     Apply(app, {"--exit-after=0x10"});

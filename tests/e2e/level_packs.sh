@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Level packs and the editor in a fresh data folder: the first start copies the packs
-# that come with the game, a deleted pack stays deleted, an editor script writes
+# that come with the game (again after a start on a full disk), a deleted pack stays
+# deleted, an empty one is copied again, an editor script writes
 # exactly the expected file, a test run from the editor returns to it with Esc, and
 # P on the title picks a pack.
 set -euo pipefail
@@ -14,16 +15,23 @@ PACKS="$XDG_DATA_HOME/Torvane/levelpacks"
 
 game() { "$BUILD/torvane" --windowed --no-sound --seed=5 "$@" 2>>err.log; }
 
+# A first start on a full disk (a file-size limit of 1 kB, below every shipped pack) runs
+# on and keeps no folder of packs, so that the next start copies them all.
+(ulimit -f 1; game --skip-intro --exit-after=0.5) || fail "first start on a full disk"
+[ ! -e "$PACKS" ] || fail "a folder of packs was left: $(ls -l "$PACKS")"
+
 # The first start copies every shipped pack, text unchanged.
 game --skip-intro --exit-after=0.5 || fail "first start"
 for file in "$SHIPPED"/*.tpack; do
     cmp "$file" "$PACKS/$(basename "$file")" || fail "not copied: $(basename "$file")"
 done
 
-# A pack the player deletes is not offered again.
+# A pack the player deletes is not offered again; one left empty is copied again.
 rm "$PACKS/Die_Feuerprobe.tpack"
+: > "$PACKS/Erste_Schritte.tpack"
 game --skip-intro --exit-after=0.5 || fail "second start"
 [ ! -e "$PACKS/Die_Feuerprobe.tpack" ] || fail "the deleted pack came back"
+cmp "$SHIPPED/Erste_Schritte.tpack" "$PACKS/Erste_Schritte.tpack" || fail "the empty pack was not copied again"
 
 # A new pack of two levels: the name, then on level 1 the name, landscape, line,
 # shots, directions and order, and the order of level 2 too; Esc twice saves it.

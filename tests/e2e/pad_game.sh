@@ -49,6 +49,8 @@ for signal in TERM INT; do
         kill -s KILL "$GAME"
         fail "SIG$signal did not end the game with a pad plugged in"
     fi
-    wait "$GAME" || true
+    rc=0
+    wait "$GAME" || rc=$?
+    [ "$rc" -eq 0 ] || fail "SIG$signal ended the game with status $rc"
 done
 echo OK

@@ -1,4 +1,5 @@
 #include "pge/ImageLoader.h"
+#include "tests/ChildProcess.h"
 
 #include <stb_image_write.h>
 
@@ -30,6 +31,14 @@ Bytes SmallJpeg() {
         },
         &out, 8, 8, 3, grey.data(), 90);
     return out;
+}
+
+// The most address space this process has held so far.
+long PeakKilobytes() {
+    std::ifstream status("/proc/self/status");
+    for (std::string line; std::getline(status, line);)
+        if (line.rfind("VmPeak:", 0) == 0) return std::stol(line.substr(7));
+    return 0;
 }
 
 } // namespace
@@ -65,6 +74,17 @@ TEST(ImageLoader, PicturesWithoutPixelsOrWithAbsurdSizesAreNotDecodable) {
     EXPECT_EQ(Decode(pnm("P6 2 1 65535\n" + std::string(11, 'x')), sprite), pge::FAIL);
     EXPECT_EQ(Decode(pnm("P6 2 1 65535\n" + std::string(12, 'x')), sprite), pge::OK);
     EXPECT_EQ(Decode(pnm("P5 # grey\n2 2 255\n" + std::string(4, 'x')), sprite), pge::OK);
+    // 113 bytes of PNG whose image data claims two gigabytes: refused before the decoder
+    // makes room for them, as the peak of the address space shows.
+    Bytes png = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n', 0, 0, 0, 13, 'I', 'H', 'D', 'R',
+                 0,    0,   0,   1,   0,    0,    0,    1,    8, 6, 0, 0, 0, 0, 0, 0, 0,
+                 0x7F, 0xFF, 0xFF, 0xFF, 'I', 'D', 'A', 'T'};
+    png.resize(113, 0x78);
+    EXPECT_EQ(child::Run([&] {
+                  const long before = PeakKilobytes();
+                  return Decode(png, sprite) == pge::FAIL && PeakKilobytes() - before < 256 * 1024;
+              }, 60),
+              0);
     // Within the limits a BMP loads.
     bmp[22] = 2; // 2 rows
     for (int i = 23; i < 26; ++i) bmp[size_t(i)] = 0;

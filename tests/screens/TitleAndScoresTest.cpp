@@ -6,6 +6,7 @@
 #include "tests/screens/ScreensFixture.h"
 
 #include <fstream>
+#include <limits>
 #include <sstream>
 
 namespace torvane::testing_support {
@@ -69,6 +70,10 @@ TEST_F(TitleTest, PageSevenShowsNoPageAndTheRingGoesOn) {
     ASSERT_TRUE(Tap(pge::LEFT));
     EXPECT_EQ(app.titlePage, 6);
     app.titlePage = 7;
+    ASSERT_TRUE(Tap(pge::RIGHT));
+    EXPECT_EQ(app.titlePage, 0);
+    // From the largest page there is, as "--page=2147483647" sets it: 2^31 modulo 4.
+    app.titlePage = std::numeric_limits<int>::max();
     ASSERT_TRUE(Tap(pge::RIGHT));
     EXPECT_EQ(app.titlePage, 0);
 }

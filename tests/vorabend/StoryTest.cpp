@@ -9,10 +9,13 @@
 #include "tests/engine/adventure/OfflineAudio.h"
 #include "tests/stage/ReferencePicture.h"
 #include "vorabend/GameLanguage.h"
+#include "tests/ScratchPath.h"
+#include "vorabend/PlayScript.h"
 #include "vorabend/Story.h"
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -234,6 +237,20 @@ TEST(GameLanguage, TheAdventureSpeaksTheGamesLanguageAndKeepsItThere) {
         unsetenv("XDG_DATA_HOME");
     else
         setenv("XDG_DATA_HOME", before.c_str(), 1);
+}
+
+TEST_F(StoryTest, APlayScriptLineWithoutItsNumberOrOffTheScreenFailsTheRunAndNamesTheLine) {
+    const std::string path = scratch::Path("bad_play.txt");
+    for (const char* line : {"wait soon", "wait .", "hover point 3e35 10", "hover point -1 10"}) {
+        std::ofstream(path) << line << "\n";
+        vorabend::PlayScript play;
+        ASSERT_TRUE(play.Load(path));
+        testing::internal::CaptureStderr();
+        play.Step(game, 0.05f);
+        EXPECT_NE(testing::internal::GetCapturedStderr().find(line), std::string::npos);
+        EXPECT_TRUE(play.Failed()) << line;
+    }
+    std::remove(path.c_str());
 }
 
 } // namespace

@@ -254,22 +254,34 @@ TEST_F(SaveTest, ALoadThatFailsChangesNothing) {
     gone.scene = "demolished";
     ASSERT_TRUE(savegame::Write(0, gone));
     WriteFile(1, "");
-    WriteFile(3, "quillmere-adventure-save 1\nscene room\nitem bread\nactor player room 1e30 -5 99 1\n"
-                 "textspeed 500\ninvscroll 77\ndialogue talk start 17\ndialogue talk nonode 0\n");
-    for (int slot : {0, 1, 2, 7}) {
+    const std::string odd = "quillmere-adventure-save 1\nscene room\nitem bread\ntextspeed 500\ninvscroll 77\n"
+                            "dialogue talk start 17\ndialogue talk nonode 0\n";
+    const auto fails = [&](int slot) {
         EXPECT_TRUE(g.ApplyMenuRequest({GameMenu::Request::LoadSlot, slot}));
         EXPECT_EQ(g.toast, "Laden fehlgeschlagen");
         EXPECT_EQ(g.inventory.items, (std::vector<std::string>{"key"}));
         EXPECT_EQ(g.current->id, "room");
+    };
+    for (int slot : {0, 1, 2, 7}) fails(slot);
+    // Anyone outside the scene he comes back to: the player far beyond the room, left of
+    // it, below it, or where the hall but not the room is wide enough (he comes back to the
+    // save's scene); the cat above the hall.
+    for (const char* actor : {"actor player room 3e38 150 0 1\n", "actor player room -1 150 0 1\n",
+                              "actor player room 100 176.5 0 1\n", "actor player hall 790 150 0 1\n",
+                              "actor cat hall 790 -0.5 0 1\n"}) {
+        WriteFile(3, odd + actor);
+        fails(3);
     }
     // Speed, scroll and facing out of range are limited; a position is taken as it stands,
-    // and a figure far outside the view is still a frame that can be drawn.
+    // at a scene's very edge too, each in his own scene.
+    WriteFile(3, odd + "actor player room 384 176 99 1\nactor cat hall 790 0 0 1\n");
     ASSERT_TRUE(g.ApplyMenuRequest({GameMenu::Request::LoadSlot, 3}));
     EXPECT_EQ(g.toast, "Spielstand geladen");
     EXPECT_EQ(Actor::TextSpeed(), 8);
     EXPECT_EQ(g.inventory.scroll, 0);
     EXPECT_EQ(t.Player().facing, Facing::Back);
-    EXPECT_FLOAT_EQ(t.Player().position.x, 1e30f);
+    EXPECT_FLOAT_EQ(t.Player().position.x, 384.0f);
+    EXPECT_FLOAT_EQ(g.actors.at("cat").position.x, 790.0f);
     t.run.Frame(0.05f);
     Actor::SetTextSpeed(4);
 }
