@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <iterator>
+#include <sstream>
+#include <string>
 
 namespace torvane::pad {
 namespace {
@@ -37,6 +39,32 @@ constexpr const char* kRing[] = {
     "1", "2", "3", "4", "5", "6", "7", "8", "9", " "};
 constexpr int kRingSize = int(std::size(kRing));
 
+// How key hints name keys, and how hints name buttons.
+constexpr std::pair<const char*, Key> kArrows[] = {{"←", LEFT}, {"→", RIGHT}, {"↑", UP}, {"↓", DOWN}};
+constexpr std::pair<const char*, Key> kKeyNames[] = {
+    {"Space", SPACE}, {"Tab", TAB}, {"Enter", ENTER}, {"Esc", ESCAPE}, {"Del", DEL}};
+constexpr const char* kButtonNames[PAD_BUTTONS] = {"A",  "B",  "X",  "Y",  "Back", "Start", "LB",
+                                                   "RB", "LT", "RT", "↑",  "↓",    "←",     "→"};
+constexpr const char* kCross = "✚";
+
+// The keys a hint's word names, each with its name: a key or letter, or a run of arrows;
+// NONE for a word that names no key.
+std::vector<std::pair<Key, std::string>> KeysOf(const std::string& word) {
+    for (const auto& [name, key] : kKeyNames)
+        if (word == name) return {{key, word}};
+    if (word.size() == 1 && word[0] >= 'A' && word[0] <= 'Z') return {{Key(A + (word[0] - 'A')), word}};
+    std::vector<std::pair<Key, std::string>> arrows;
+    for (size_t at = 0; at < word.size();) {
+        const auto* arrow = std::find_if(std::begin(kArrows), std::end(kArrows), [&](const auto& a) {
+            return word.compare(at, std::char_traits<char>::length(a.first), a.first) == 0;
+        });
+        if (arrow == std::end(kArrows)) return {{NONE, word}};
+        arrows.emplace_back(arrow->second, arrow->first);
+        at += std::char_traits<char>::length(arrow->first);
+    }
+    return arrows;
+}
+
 } // namespace
 
 const PixelEngine::PadKeys& KeysFor(Context context) {
@@ -50,6 +78,29 @@ const PixelEngine::PadKeys& KeysFor(Context context) {
     case Context::Play: break;
     }
     return kPlay;
+}
+
+std::vector<std::pair<std::string, PadButton>> ShownButtons(const std::string& keys, Context context) {
+    const PixelEngine::PadKeys& table = KeysFor(context);
+    std::vector<std::pair<std::string, PadButton>> shown;
+    std::istringstream words(keys);
+    bool crossed = false; // the D-pad's cross stands before the run of directions that goes on
+    for (std::string word; words >> word;) {
+        for (const auto& [key, name] : KeysOf(word)) {
+            const auto found = std::find(table.begin(), table.end(), key);
+            if (key == NONE || found == table.end()) {
+                shown.emplace_back(name, PAD_BUTTONS);
+                crossed = false;
+                continue;
+            }
+            const PadButton button = PadButton(found - table.begin());
+            const bool dpad = button >= PAD_UP;
+            shown.emplace_back(dpad && !crossed ? std::string(kCross) + kButtonNames[button] : kButtonNames[button],
+                               button);
+            crossed = dpad;
+        }
+    }
+    return shown;
 }
 
 std::string StepLetter(const std::string& letter, int steps) {

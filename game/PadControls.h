@@ -6,6 +6,8 @@
 #include "pge/PixelEngine.h"
 
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace torvane::pad {
 
@@ -14,6 +16,13 @@ enum class Context { Play, Title, Settings, Pause, NameEntry, Editor, EditorTypi
 
 // The key each pad button stands for in a context.
 const pge::PixelEngine::PadKeys& KeysFor(Context context);
+
+// The buttons that stand for the keys of a key hint in a context: "← →", "↑↓", "↓ Space
+// Enter", "D R A T" or "Esc" name their keys with arrows, words and letters. For each key, in
+// the same order, the first of A, B, X, Y, Back, Start, LB, RB, LT and RT that stands for it,
+// else its D-pad direction, shown as its arrow behind the D-pad's cross (once for several in
+// a row); a key that no button stands for keeps its name, with PAD_BUTTONS as its button.
+std::vector<std::pair<std::string, pge::PadButton>> ShownButtons(const std::string& keys, Context context);
 
 // The letter `steps` places after `letter` (before it for negative steps) in the ring the
 // arcade name field turns through: A to Z, Ä Ö Ü, a to z, ä ö ü ß, 0 to 9 and the blank, as
