@@ -10,6 +10,7 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <map>
 #include <string>
 #include <unistd.h>
@@ -85,5 +86,29 @@ void BM_TitleFrame(benchmark::State& state) { AppFrame(state, false); }
 void BM_EditorCardFrame(benchmark::State& state) { AppFrame(state, true); }
 BENCHMARK(BM_TitleFrame)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_EditorCardFrame)->Unit(benchmark::kMicrosecond);
+
+// The editor on a level's page of the only pack, whose name, shown behind the title, is as
+// long as the argument: a frame costs the same for a name of a megabyte as for a short one.
+void BM_EditorCardFrameByNameLength(benchmark::State& state) {
+    const fs::path data = fs::temp_directory_path() / ("torvane_bench_data_" + std::to_string(getpid()));
+    fs::remove_all(data);
+    fs::create_directories(data / "Torvane" / "levelpacks");
+    setenv("XDG_DATA_HOME", data.c_str(), 1);
+    adv::Assets::Init(fs::read_symlink("/proc/self/exe").string());
+    torvane::LevelPack pack;
+    pack.name = std::string(size_t(state.range(0)), 'W');
+    pack.levels.push_back(torvane::DefaultPackLevel(1));
+    std::ofstream(data / "Torvane" / "levelpacks" / "Lang.tpack", std::ios::binary) << torvane::SerialisePack(pack);
+    torvane::TorvaneApp app;
+    const char* args[] = {"torvane", "--skip-intro", "--editor=down,enter,enter"};
+    torvane::ApplyRunOptions(app, 3, args);
+    pge::Headless run(app);
+    if (!run.Create()) state.SkipWithError("OnUserCreate declined");
+    for (int i = 0; i < 10; ++i) run.Frame(0.016f);
+    if (!app.editorOpen || app.editor.page != 3) state.SkipWithError("the editor is not on a level's page");
+    for (auto _ : state) run.Frame(0.016f);
+    fs::remove_all(data);
+}
+BENCHMARK(BM_EditorCardFrameByNameLength)->Arg(16)->Arg(1 << 20)->Unit(benchmark::kMicrosecond);
 
 } // namespace

@@ -16,7 +16,12 @@ Modifiers Current() {
     return {s_pge->GetKey(pge::SHIFT).bHeld, s_pge->GetKey(pge::CTRL).bHeld};
 }
 
-KeyPress LastPress() { return {}; }
+KeyPress LastPress() {
+    if (!s_pge) return {};
+    const pge::TypedKey& typed = s_pge->GetTypedKey();
+    // A character beyond the 16 bits of the record still counts as a press, of code 0.
+    return {uint16_t(typed.code <= 0xFFFF ? typed.code : 0), typed.ctrl, false, typed.serial};
+}
 
 void SetLogging(bool) {}
 

@@ -234,26 +234,39 @@ pge::Pixel Repeat(pge::Pixel d, pge::Pixel c, int times, const Repeated* table) 
 
 } // namespace
 
+bool Drawable(uint32_t codepoint) { return codepoint == '?' || Map(codepoint).ch != '?'; }
+
 int Width(pge::PixelEngine&, const std::string& text, int scale) {
     int width = 0;
     for (size_t pos = 0; pos < text.size();) width += Advance(Map(NextCodepoint(text, pos)));
     return width * scale;
 }
 
+bool Fits(pge::PixelEngine&, const std::string& text, int maxWidth, int scale) {
+    int width = 0;
+    for (size_t pos = 0; pos < text.size();) {
+        width += Advance(Map(NextCodepoint(text, pos))) * scale;
+        if (width > maxWidth) return false;
+    }
+    return true;
+}
+
 std::string Fit(pge::PixelEngine& engine, const std::string& text, int maxWidth, int scale) {
-    if (Width(engine, text, scale) <= maxWidth) return text;
     const std::string dots = "...";
     const int room = maxWidth - Width(engine, dots, scale);
+    // Only what can be seen is measured: the walk ends at the first letter beyond maxWidth.
     size_t kept = 0;
     int width = 0;
     for (size_t pos = 0; pos < text.size();) {
         width += Advance(Map(NextCodepoint(text, pos))) * scale;
-        if (width > room) break;
-        kept = pos;
+        if (width > maxWidth) {
+            // The dots follow the last letter, not a blank.
+            while (kept > 0 && text[kept - 1] == ' ') --kept;
+            return text.substr(0, kept) + dots;
+        }
+        if (width <= room) kept = pos;
     }
-    // The dots follow the last letter, not a blank.
-    while (kept > 0 && text[kept - 1] == ' ') --kept;
-    return text.substr(0, kept) + dots;
+    return text;
 }
 
 void Draw(pge::PixelEngine& engine, int x, int y, const std::string& text, pge::Pixel colour, int scale,

@@ -1,5 +1,4 @@
 // The application's input: keys and clicks, read once a frame from the key state.
-#include "engine/PlatformKeys.h"
 #include "game/content/PackFormat.h"
 #include "game/content/Highscores.h"
 #include "game/content/Preferences.h"
@@ -26,11 +25,15 @@ constexpr int kTitlePages = 4;
 // Code points the name field takes.
 constexpr size_t kNameLength = 14;
 
-// Appends the bytes of one character: refused when the field is full, and a blank
-// is refused in the first place.
-void AppendToName(std::string& name, const std::string& character) {
-    if (CodePoints(name) >= kNameLength || (name.empty() && character == " ")) return;
-    name += character;
+// Appends typed text a character at a time: one is refused when the field is full, and a
+// blank in the first place.
+void AppendToName(std::string& name, const std::string& text) {
+    for (size_t at = 0; at < text.size();) {
+        size_t next = at + 1;
+        while (next < text.size() && (uint8_t(text[next]) & 0xC0) == 0x80) ++next;
+        if (CodePoints(name) < kNameLength && !(name.empty() && text[at] == ' ')) name.append(text, at, next - at);
+        at = next;
+    }
 }
 
 // The repeat of a held arrow or D-pad button: whether it acts again in this frame. `timer`
@@ -346,33 +349,17 @@ bool TorvaneApp::HandlePadName(float dt) {
 }
 
 void TorvaneApp::HandleNameEntry() {
-    const adv::platformkeys::KeyPress press = adv::platformkeys::LastPress();
-    if (press.serial != lastKeySerial) {
-        lastKeySerial = press.serial;
-        const uint16_t c = press.code;
-        if (c == 13) {
-            Press(ButtonId::SaveScore, 0);
-        } else if (c == 27) {
-            nameEntry = false;
-        } else if (c == 8 || c == 127) {
-            PopChar(playerName);
-        } else if (const std::string typed = typing::FromCode(c); !typed.empty()) {
-            AppendToName(playerName, typed);
-        }
-        return;
-    }
-    // No raw press (always so on Linux): the key state, where a shifted letter has no key.
-    auto pressed = [this](pge::Key k) { return GetKey(k).bPressed; };
-    if (pressed(pge::ENTER)) {
+    const typing::Keys keys = typing::Read(*this, lastKeySerial);
+    if (keys.enter) {
         Press(ButtonId::SaveScore, 0);
         return;
     }
-    if (pressed(pge::BACK)) PopChar(playerName);
-    if (pressed(pge::ESCAPE)) {
+    if (keys.erase) PopChar(playerName);
+    if (keys.escape) {
         nameEntry = false;
         return;
     }
-    for (const char c : typing::FromKeys(*this)) AppendToName(playerName, std::string(1, c));
+    AppendToName(playerName, keys.text);
 }
 
 } // namespace torvane

@@ -132,18 +132,11 @@ void TorvaneApp::HandleEditorInput() {
         if (pressed(pge::BACK) || pressed(pge::DEL)) send(Key::Del);
         if (pressed(pge::T)) send(Key::T);
     } else {
-        const adv::platformkeys::KeyPress raw = adv::platformkeys::LastPress();
-        if (raw.serial != lastKeySerial) {
-            lastKeySerial = raw.serial;
-            if (raw.code == 13) send(Key::Enter);
-            else if (raw.code == 27) send(Key::Esc);
-            else if (raw.code == 8 || raw.code == 127) send(Key::Del);
-            else type(typing::FromCode(raw.code));
-        }
-        if (pressed(pge::ENTER)) send(Key::Enter);
-        if (pressed(pge::ESCAPE)) send(Key::Esc);
-        if (pressed(pge::BACK)) send(Key::Del);
-        type(typing::FromKeys(*this));
+        const typing::Keys keys = typing::Read(*this, lastKeySerial);
+        if (keys.enter) send(Key::Enter);
+        if (keys.escape) send(Key::Esc);
+        if (keys.erase) send(Key::Del);
+        type(keys.text);
     }
 
     if (result == LevelEditor::kLeave) {

@@ -176,9 +176,20 @@ public:
     void DrawCard(const CardContent& content, int width, int minHeight);
     // DrawCard with a member of the application as its content.
     void DrawCardOf(void (TorvaneApp::*content)(Card&), int width, int minHeight);
-    int KeyHintWidth(const std::string& key, const std::string& label);
-    // A key cap and its meaning, the cap's top 2 above y; returns KeyHintWidth.
-    int DrawKeyHint(int x, int y, const std::string& key, const std::string& label);
+    // How a key hint looks where it stands: the cap's height (its foot 9 below the text's
+    // top), the room between cap and label, and the label's colour.
+    struct HintStyle {
+        int capHeight;
+        int gap;
+        pge::Pixel labelColour;
+    };
+    static constexpr HintStyle kCardHint{11, 6, kFg};
+    static constexpr HintStyle kHelpHint{10, 3, kMuted};
+    int KeyHintWidth(const std::string& key, const std::string& label, const HintStyle& style = kCardHint);
+    // A key cap (text width + 6 wide) with the key's text 3 right of its edge at y, and its
+    // meaning behind it; returns KeyHintWidth. Every key hint of the game is drawn here.
+    int DrawKeyHint(int x, int y, const std::string& key, const std::string& label,
+                    const HintStyle& style = kCardHint);
     // A labelled toggle centred at centreX whose whole line is one button.
     void DrawSwitch(int centreX, int y, const std::string& key, const std::string& label, const std::string& value,
                     bool on, ButtonId id);
@@ -190,6 +201,9 @@ public:
     void DrawBanner();
     // " Stand je Richtung: N 60 %, ..." or " Stand je Turm: ...", or empty.
     static std::string PartList(const RoundStats& stats, const LevelConfig& config);
+    // The held card's account: the share reached, the parts, and what comes next, a
+    // harder attack or, after a pack's last level, nothing more.
+    static std::string HeldText(const Game& game);
     // The dimmed picture and the one card that stands over it, if any.
     void DrawOverlay();
     void DrawPauseCard(Card& card);
@@ -210,6 +224,15 @@ public:
     void DrawHelp();
     // The help bar's key texts and their meanings, left to right.
     std::vector<std::pair<std::string, std::string>> HelpPairs();
+    // The hints that fit into the help bar, each with its x, and the level's name, which
+    // is left out (nameFits false) where it would meet the last hint.
+    struct HelpLine {
+        std::vector<std::pair<std::string, std::string>> pairs;
+        std::vector<int> xs;
+        std::string name;
+        bool nameFits = false;
+    };
+    HelpLine LayOutHelp();
 
 private:
     // Reads the keys and the mouse once a frame; the overlays take them first.

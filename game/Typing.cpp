@@ -1,12 +1,15 @@
 #include "game/Typing.h"
 
+#include "engine/PlatformKeys.h"
+#include "engine/Text.h"
+
 namespace torvane::typing {
 
 std::string FromCode(uint16_t code) {
     if (code >= 32 && code <= 126) return std::string(1, static_cast<char>(code));
-    for (const uint16_t latin1 : {0xC4, 0xD6, 0xDC, 0xDF, 0xE4, 0xF6, 0xFC})
-        if (code == latin1) return {'\xC3', static_cast<char>((code & 63) | 128)};
-    return {};
+    // The Latin-1 letters, but for × and ÷, where the font has a glyph for them.
+    if (code < 0xC0 || code > 0xFF || code == 0xD7 || code == 0xF7 || !adv::text::Drawable(code)) return {};
+    return {static_cast<char>(0xC0 | (code >> 6)), static_cast<char>(0x80 | (code & 0x3F))};
 }
 
 std::string FromKeys(const pge::PixelEngine& engine) {
@@ -19,6 +22,25 @@ std::string FromKeys(const pge::PixelEngine& engine) {
         if (pressed(k)) text += static_cast<char>('0' + (k - pge::K0));
     if (pressed(pge::SPACE)) text += ' ';
     return text;
+}
+
+Keys Read(const pge::PixelEngine& engine, uint64_t& lastSerial) {
+    Keys keys;
+    const adv::platformkeys::KeyPress raw = adv::platformkeys::LastPress();
+    if (raw.serial != lastSerial) {
+        lastSerial = raw.serial;
+        keys.enter = raw.code == 13;
+        keys.escape = raw.code == 27;
+        keys.erase = raw.code == 8 || raw.code == 127;
+        keys.text = FromCode(raw.code);
+        return keys;
+    }
+    const auto pressed = [&](pge::Key k) { return engine.GetKey(k).bPressed; };
+    keys.enter = pressed(pge::ENTER);
+    keys.escape = pressed(pge::ESCAPE);
+    keys.erase = pressed(pge::BACK);
+    keys.text = FromKeys(engine);
+    return keys;
 }
 
 } // namespace torvane::typing

@@ -88,6 +88,8 @@ void Headless::SetKey(Key k, bool down) { engine.pge_SetKeyboardKey(k, down); }
 
 void Headless::SetFocus(bool focused) { engine.pge_UpdateKeyFocus(focused); }
 
+void Headless::Type(uint32_t code, bool ctrl) { engine.pge_KeyTyped(code, ctrl); }
+
 void Headless::SetMouseButton(int32_t button, bool down) { engine.pge_UpdateMouseState(button, down); }
 
 void Headless::MoveMouse(int32_t x, int32_t y) {

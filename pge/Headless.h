@@ -38,6 +38,9 @@ public:
     void Close();
 
     void SetKey(Key k, bool down);
+    // A press that typed the character `code`, as the window reports one; the next frame
+    // takes it, or a later one when several wait.
+    void Type(uint32_t code, bool ctrl = false);
     // 0 left, 1 right, 2 middle.
     void SetMouseButton(int32_t button, bool down);
     // Points at the centre of a logical pixel.

@@ -207,6 +207,10 @@ void PixelEngine::pge_Frame(float fElapsedTime) {
     vMousePos = vMousePosCache;
     nMouseWheelDelta = nMouseWheelDeltaCache;
     nMouseWheelDeltaCache = 0;
+    if (!typedCache.empty()) {
+        typedKey = {typedCache.front().code, typedCache.front().ctrl, typedKey.serial + 1};
+        typedCache.pop_front();
+    }
 
     if (!OnUserUpdate(fElapsedTime)) bAtomActive = false;
 
@@ -290,6 +294,11 @@ void PixelEngine::pge_ReadPads(bool keys[256]) {
 void PixelEngine::SetFullScreen(bool full) {
     if (full == bFullScreen) return;
     if (platform->SetFullScreen(full) == OK) bFullScreen = full;
+}
+
+void PixelEngine::pge_KeyTyped(uint32_t code, bool ctrl) {
+    // A stuck or flooded event source cannot make the queue grow without end.
+    if (typedCache.size() < kTypedKeysKept) typedCache.push_back({code, ctrl, 0});
 }
 
 void PixelEngine::pge_UpdateViewport() {

@@ -11,6 +11,7 @@
 #include <atomic>
 #include <chrono>
 #include <cstdint>
+#include <deque>
 #include <string>
 #include <vector>
 
@@ -33,6 +34,15 @@ enum Key : uint8_t {
     CAPS_LOCK,
 };
 static_assert(ENTER == 66 && CAPS_LOCK == 96, "key values are fixed");
+
+// A key press that typed a character: its code point (13 for Enter, 27 Escape, 8 Backspace,
+// 127 Delete, below 32 with Ctrl held), whether Ctrl was held, and the count of such presses
+// taken so far, from 1.
+struct TypedKey {
+    uint32_t code = 0;
+    bool ctrl = false;
+    uint64_t serial = 0;
+};
 
 struct HWButton {
     bool bPressed = false;  // went down in this frame
@@ -78,6 +88,9 @@ public:
     // How often button b went down since the last frame, also when it came up again before
     // this frame and so shows in no state of GetMouse: a click quicker than a frame.
     int32_t GetMousePresses(uint32_t b) const { return b < kMouseButtons ? pMousePresses[b] : 0; }
+    // The typed press this frame took, or the last one taken before. A frame takes one: those
+    // typed quicker wait for the frames after, in their order, so that none is lost.
+    const TypedKey& GetTypedKey() const { return typedKey; }
     const vi2d& GetMousePos() const { return vMousePos; }
     int32_t GetMouseWheel() const { return nMouseWheelDelta; }
     float GetElapsedTime() const { return fLastElapsed; }
@@ -127,6 +140,8 @@ public:
     void pge_UpdateMouseState(int32_t button, bool state);
     // A native key code from the window's events.
     void pge_UpdateKeyState(int32_t key, bool state);
+    // A physical press (no key repeat) that typed the character `code`.
+    void pge_KeyTyped(uint32_t code, bool ctrl);
     void pge_UpdateViewport();
     void pge_UpdateWindowSize(int32_t x, int32_t y);
     void pge_UpdateKeyFocus(bool state) { bHasInputFocus = state; }
@@ -140,6 +155,8 @@ protected:
 private:
     friend class Headless;
     static constexpr uint32_t kMouseButtons = 5;
+    // Typed presses waiting for their frames; more are dropped.
+    static constexpr size_t kTypedKeysKept = 64;
 
     void EngineThread();
     void pge_PrepareEngine();
@@ -189,6 +206,8 @@ private:
     HWButton pMouseState[kMouseButtons] = {};
     int32_t pMousePressCache[kMouseButtons] = {}; // written by the event handler
     int32_t pMousePresses[kMouseButtons] = {};
+    std::deque<TypedKey> typedCache; // written by the event handler, taken one a frame
+    TypedKey typedKey;
     Renderable fontRenderable;
     uint32_t nKeyboardPresses = 0; // since the last frame
     Gamepads pads;

@@ -106,6 +106,13 @@ void FillKeyTable() {
     mapKeys[XK_asciitilde] = OEM_3;
 }
 
+uint32_t TypedCharacter(unsigned long keysym, const char* text, int length) {
+    if (length == 1) return uint8_t(text[0]);
+    // Keysyms 0x01000100 and above stand for the Unicode character of their low bits.
+    if (keysym >= 0x01000100 && keysym <= 0x0110FFFF) return uint32_t(keysym - 0x01000000);
+    return 0;
+}
+
 rcode Platform_Linux::ApplicationStartUp() { return OK; }
 
 rcode Platform_Linux::ApplicationCleanUp() {
@@ -225,8 +232,16 @@ rcode Platform_Linux::HandleSystemEvent() {
         case KeyPress:
         case KeyRelease: {
             KeySym sym = 0;
-            XLookupString(&xev.xkey, nullptr, 0, &sym, nullptr);
+            char text[8];
+            const int length = XLookupString(&xev.xkey, text, sizeof text, &sym, nullptr);
             if (sym != 0) pge->pge_UpdateKeyState(int32_t(sym), xev.type == KeyPress);
+            if (xev.type == KeyRelease) {
+                releasedKey = xev.xkey.keycode;
+                releasedAt = xev.xkey.time;
+            } else if (xev.xkey.keycode != releasedKey || xev.xkey.time != releasedAt) {
+                if (const uint32_t code = TypedCharacter(sym, text, length))
+                    pge->pge_KeyTyped(code, (xev.xkey.state & ControlMask) != 0);
+            }
             break;
         }
         case ButtonPress:
@@ -244,6 +259,11 @@ rcode Platform_Linux::HandleSystemEvent() {
         }
         case MotionNotify:
             pge->pge_UpdateMouse(xev.xmotion.x, xev.xmotion.y);
+            break;
+        case MappingNotify:
+            // The keyboard's map changed (a typing tool lends keys their characters so):
+            // XLookupString is to read the new one.
+            XRefreshKeyboardMapping(&xev.xmapping);
             break;
         case FocusIn:
             pge->pge_UpdateKeyFocus(true);

@@ -8,7 +8,7 @@ packages=(
   libx11-dev libgl-dev libglx-dev libgl1-mesa-dri
   libstb-dev libsdl2-dev libmpg123-dev
   libgtest-dev libgmock-dev libbenchmark-dev
-  xvfb xdotool x11-utils
+  xvfb xdotool x11-utils x11-xkb-utils
   python3
   desktop-file-utils appstream man-db dpkg-dev lintian
   clang-14 libclang-rt-14-dev

@@ -82,8 +82,13 @@ void LevelEditor::RefreshList() { packs = LoadPacks(storage); }
 
 bool LevelEditor::Save() {
     const bool ok = storage.write && storage.write(pack.file, SerialisePack(pack));
-    message = Tr(ok ? "Gespeichert" : "Speichern fehlgeschlagen");
+    Tell(Tr(ok ? "Gespeichert" : "Speichern fehlgeschlagen"), !ok);
     return ok;
+}
+
+void LevelEditor::Tell(const std::string& text, bool warns) {
+    message = text;
+    warning = warns;
 }
 
 int LevelEditor::Handle(Key key) {
@@ -131,7 +136,7 @@ void LevelEditor::HandleNewPack(Key key) {
         newCount = std::clamp(newCount + (key == Key::Left ? -1 : 1), 1, kMaxLevels);
     } else if (key == Key::Enter) {
         if (newName.empty()) {
-            message = Tr("Bitte einen Namen eingeben");
+            Tell(Tr("Bitte einen Namen eingeben"), true);
             row = 0;
         } else {
             CreatePack();
@@ -190,11 +195,11 @@ int LevelEditor::HandlePack(Key key) {
         } else if (onLevel && n >= 2) {
             if (!confirmDelete) {
                 confirmDelete = true;
-                message = Tr("Nochmal Del: Level löschen");
+                Tell(Tr("Nochmal Del: Level löschen"), true);
             } else {
                 pack.levels.erase(pack.levels.begin() + (row - 1));
                 confirmDelete = false;
-                message = Tr("Level gelöscht");
+                Tell(Tr("Level gelöscht"), false);
                 row = std::min(row, n - 1);
             }
         }
@@ -279,6 +284,7 @@ void LevelEditor::ChangeField(int field, int delta) {
 LevelEditor::View LevelEditor::GetView() const {
     View view;
     view.message = message;
+    view.warning = warning;
     const auto addRow = [&](const std::string& label, const std::string& value, bool changeable = false,
                             const std::string& heading = {}) {
         const bool selected = static_cast<int32_t>(view.rows.size()) == row;
@@ -289,7 +295,7 @@ LevelEditor::View LevelEditor::GetView() const {
         view.title = Tr("Leveleditor");
         view.subtitle = Tr("Levelpacks");
         addRow("+ " + Tr("Neues Levelpack"), "");
-        for (const LevelPack& p : packs) addRow(p.name, Trf("{0} Level", {std::to_string(p.levels.size())}));
+        for (const LevelPack& p : packs) addRow(p.name, Trn("{0} Level", static_cast<long long>(p.levels.size())));
         view.hints = {{"↑↓", Tr("wählen")}, {"Enter", Tr("öffnen")}, {"T", Tr("spielen")}, {"Esc", Tr("zurück")}};
     } else if (page == 1) {
         view.title = Tr("Neues Levelpack");
@@ -305,7 +311,7 @@ LevelEditor::View LevelEditor::GetView() const {
             const PackLevel& l = pack.levels[i];
             addRow(Trf("Level {0}", {std::to_string(i + 1)}),
                    (l.name.empty() ? BackgroundName(l.background) : l.name) + " · " + ShowDirections(l.directions) +
-                       " · " + Trf("{0} Schüsse", {std::to_string(l.shots)}));
+                       " · " + Trn("{0} Schuss|{0} Schüsse", l.shots));
         }
         if (pack.levels.size() < kMaxLevels) addRow("+ " + Tr("Level anhängen"), "");
         if (row >= 1 && row <= static_cast<int>(pack.levels.size()))

@@ -29,6 +29,7 @@ public:
         std::vector<Row> rows;
         std::vector<std::pair<std::string, std::string>> hints;
         std::string message;
+        bool warning = false; // the message tells of an error or a danger, not of a success
         int32_t background = -1;
     };
 
@@ -46,6 +47,7 @@ public:
     std::string newName;
     int32_t newCount = 5;
     std::string message;
+    bool warning = false; // the message tells of an error or a danger
     bool confirmDelete = false;
 
     void Open(const PackStorage& store);
@@ -64,6 +66,7 @@ private:
     int HandlePack(Key key);
     int HandleLevel(Key key);
     void CreatePack();
+    void Tell(const std::string& text, bool warns);
 };
 
 // The letters of `directions` joined by " · ", with "O" shown as "E" in English.

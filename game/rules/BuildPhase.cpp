@@ -210,7 +210,9 @@ void Game::Rotate() {
 }
 
 int Game::LandingRow(const std::vector<Cell>& shape) const {
-    int y = cursorY;
+    // Switching towers in the attack clamps the cursor the free way, which can leave it
+    // inside the wall; a drop, and so the ghost, always starts from a free position.
+    int y = Free(activeTower, shape, cursorX, cursorY) ? cursorY : config.height;
     while (Free(activeTower, shape, cursorX, y - 1)) --y;
     return y;
 }
@@ -229,9 +231,6 @@ void Game::Drop() {
         Sound(Sfx::Deny, 0.0f);
         return;
     }
-    // Switching towers in the attack clamps the cursor the free way, which can
-    // leave it inside the wall; a drop always starts from a free position.
-    if (!Free(activeTower, shape, cursorX, cursorY)) cursorY = config.height;
     cursorY = LandingRow(shape);
     PlaceHere();
 }

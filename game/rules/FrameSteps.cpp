@@ -20,6 +20,10 @@ bool RunRules(const Refs& refs, float dt, const Hooks& hooks) {
 
     if (hooks.camera) hooks.camera(dt);
 
+    const auto changed = [&] { return game.phase != refs.lastPhase || game.level != refs.lastLevel; };
+    // A card that the rules' step has just put up holds the bot before it can act on it,
+    // so that the card is seen below and stands its time like any other.
+    if (changed()) HoldBotAtCard(game.phase, refs.autoplay, refs.autoTimer);
     if (refs.autoplay && !refs.paused) {
         refs.autoTimer -= dt;
         if (refs.autoTimer <= 0.0f) {
@@ -34,7 +38,7 @@ bool RunRules(const Refs& refs, float dt, const Hooks& hooks) {
         }
     }
 
-    if (game.phase == refs.lastPhase && game.level == refs.lastLevel) return false;
+    if (!changed()) return false;
     // A new level with the same phase counts as a change too.
     HoldBotAtCard(game.phase, refs.autoplay, refs.autoTimer);
     if (hooks.phaseChanged) hooks.phaseChanged(refs.lastPhase, game.phase);

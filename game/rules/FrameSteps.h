@@ -52,9 +52,10 @@ struct Hooks {
 // Holds the bot for the length of a card: at Announce, Eval and Over.
 void HoldBotAtCard(Phase to, bool autoplay, float& autoTimer);
 
-// The rules' step, the camera, the bot and the phase watch, in this order. At a
-// change HoldBotAtCard runs before hooks.phaseChanged, and lastPhase and lastLevel
-// are taken over afterwards. Returns whether a change was seen. The events stay
+// The rules' step, the camera, the bot and the phase watch, in this order. A card
+// that the rules' step put up holds the bot already before its step, so the bot never
+// acts on a card that the watch has not seen. At a change HoldBotAtCard runs again
+// before hooks.phaseChanged, and lastPhase and lastLevel are taken over afterwards. Returns whether a change was seen. The events stay
 // queued for the owner's TakeEvents.
 bool RunRules(const Refs& refs, float dt, const Hooks& hooks);
 

@@ -122,7 +122,7 @@ void Game::Collapse(const Hole& hole) {
     if (count == 0) return;
     Burst(hole.tower, fallen, std::min(3 * count, 40));
     Sound(Sfx::Collapse, 0.0f);
-    Say(Trf("Eingestürzt: {0} Felder", {std::to_string(count)}));
+    Say(Trn("Eingestürzt: {0} Feld|Eingestürzt: {0} Felder", count));
 }
 
 void RunFuses(Game& game) {

@@ -79,7 +79,7 @@ void Game::EndBuild(bool early) {
 
     if (dropped > 0) {
         Sound(Sfx::Collapse, 0.0f);
-        Say(Trf("Bauabnahme: {0} Felder eingestürzt", {std::to_string(dropped)}));
+        Say(Trn("Bauabnahme: {0} Feld eingestürzt|Bauabnahme: {0} Felder eingestürzt", dropped));
         inspectEndAt = clock + 1.8f;
     } else {
         inspectEndAt = clock + 0.9f;

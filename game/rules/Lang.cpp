@@ -20,14 +20,14 @@ const std::map<std::string, std::string>& English() {
         {"+{0} Reihe!", "+{0} row!"},
         {"Alle Teile verbaut", "All pieces placed"},
         {"Nur ein Turm in diesem Level", "Only one tower in this level"},
-        {"Bauabnahme: {0} Felder eingestürzt", "Inspection: {0} blocks collapsed"},
+        {"Bauabnahme: {0} Feld eingestürzt|Bauabnahme: {0} Felder eingestürzt", "Inspection: {0} block collapsed|Inspection: {0} blocks collapsed"},
         {"Bauabnahme bestanden", "Inspection passed"},
         {"Bauabnahme: sauber gemauert!", "Inspection: solid masonry!"},
         {"Angriff!", "Attack!"},
         {"Angriff von {0}!", "Attack from the {0}!"},
         {"Sofort ersetzt! +150", "Replaced at once! +150"},
         {"Teil zurück", "Piece returned"},
-        {"Eingestürzt: {0} Felder", "Collapsed: {0} blocks"},
+        {"Eingestürzt: {0} Feld|Eingestürzt: {0} Felder", "Collapsed: {0} block|Collapsed: {0} blocks"},
         {"Gerade nichts zu reparieren", "Nothing to repair right now"},
         {"Keine Teile mehr", "No pieces left"},
         {"Turm dreht noch", "Tower still turning"},
@@ -108,7 +108,7 @@ const std::map<std::string, std::string>& English() {
         {"Levelpacks", "Level packs"},
         {"Levelpack", "Level pack"},
         {"Neues Levelpack", "New level pack"},
-        {"{0} Level", "{0} levels"},
+        {"{0} Level", "{0} level|{0} levels"},
         {"Name", "Name"},
         {"Anzahl Level", "Number of levels"},
         {"Anlegen", "Create"},
@@ -135,7 +135,7 @@ const std::map<std::string, std::string>& English() {
         {"Bauteile", "Pieces"},
         {"Defence Line", "Defence line"},
         {"Reihe {0}", "row {0}"},
-        {"{0} Schüsse", "{0} shots"},
+        {"{0} Schuss|{0} Schüsse", "{0} shot|{0} shots"},
         {"Abstand der Schüsse", "Time between shots"},
         {"Richtungen", "Directions"},
         {"Reihenfolge", "Order"},
@@ -244,6 +244,7 @@ const std::map<std::string, std::string>& English() {
         {"Gehalten", "Held"},
         {"Level {0} überstanden mit {1} % über der Linie (Ziel {2} %).", "Level {0} survived with {1} % above the line (goal {2} %)."},
         {" Der nächste Angriff wird härter: weniger Vorwarnung, mehr Schüsse.", " The next attack will be harder: less warning, more shots."},
+        {" Das war das letzte Level des Levelpacks.", " That was the last level of the level pack."},
         {"Baupunkte", "Build points"},
         {"Zeitbonus", "Time bonus"},
         {"Lücken bei der Bauabnahme", "Gaps at inspection"},
@@ -277,7 +278,7 @@ const std::map<std::string, std::string>& English() {
         {"verbaut", "placed"},
         {"Keine Teile", "No pieces"},
         {"mehr", "left"},
-        {"{0} Sp", "{0} col"},
+        {"{0} Sp", "{0} col|{0} cols"},
     };
     return table;
 }
@@ -298,8 +299,10 @@ std::string Tr(const std::string& key) {
     return key;
 }
 
-std::string Trf(const std::string& key, const std::vector<std::string>& args) {
-    std::string result = Tr(key);
+namespace {
+
+// {0}, {1}, ... in text replaced by the arguments in turn.
+std::string Fill(std::string result, const std::vector<std::string>& args) {
     for (size_t i = 0; i < args.size(); ++i) {
         const std::string placeholder = "{" + std::to_string(i) + "}";
         // Search on behind each insertion, so an argument never meets its own placeholder.
@@ -309,6 +312,18 @@ std::string Trf(const std::string& key, const std::vector<std::string>& args) {
         }
     }
     return result;
+}
+
+} // namespace
+
+std::string Trf(const std::string& key, const std::vector<std::string>& args) { return Fill(Tr(key), args); }
+
+std::string Trn(const std::string& key, long long count) {
+    const std::string forms = Tr(key);
+    const size_t bar = forms.find('|');
+    const std::string form =
+        bar == std::string::npos ? forms : count == 1 ? forms.substr(0, bar) : forms.substr(bar + 1);
+    return Fill(form, {std::to_string(count)});
 }
 
 std::string Decimal(float value) {

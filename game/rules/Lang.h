@@ -23,6 +23,10 @@ void SetLanguage(Language language);
 std::string Tr(const std::string& key);
 // Tr, then {0}, {1}, ... replaced by the arguments in turn.
 std::string Trf(const std::string& key, const std::vector<std::string>& args);
+// A text with a count: the key, or its translation, holds the form for one and the form
+// for any other number, split by "|" (a language whose forms are alike needs no "|");
+// {0} becomes the count.
+std::string Trn(const std::string& key, long long count);
 // One digit after the decimal separator of the language, halves away from zero.
 std::string Decimal(float value);
 // The compass letter as shown: 'O' is 'E' in English.

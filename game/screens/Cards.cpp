@@ -89,18 +89,19 @@ void TorvaneApp::DrawCard(const CardContent& content, int width, int minHeight) 
     content(card);
 }
 
-int TorvaneApp::KeyHintWidth(const std::string& key, const std::string& label) {
-    return adv::text::Width(*this, key) + 12 + adv::text::Width(*this, label);
+int TorvaneApp::KeyHintWidth(const std::string& key, const std::string& label, const HintStyle& style) {
+    return adv::text::Width(*this, key) + 6 + style.gap + adv::text::Width(*this, label);
 }
 
-int TorvaneApp::DrawKeyHint(int x, int y, const std::string& key, const std::string& label) {
+int TorvaneApp::DrawKeyHint(int x, int y, const std::string& key, const std::string& label, const HintStyle& style) {
     pge::Sprite* target = GetDrawTarget();
     const int cap = adv::text::Width(*this, key) + 6;
-    adv::canvas::FillRoundRect(target, float(x), float(y - 2), float(cap), 11.0f, 2.0f, kBg);
-    adv::canvas::StrokeRoundRect(target, float(x), float(y - 2), float(cap), 11.0f, 2.0f, kLine, 1.0f);
+    const float top = float(y + 9 - style.capHeight), height = float(style.capHeight);
+    adv::canvas::FillRoundRect(target, float(x), top, float(cap), height, 2.0f, kBg);
+    adv::canvas::StrokeRoundRect(target, float(x), top, float(cap), height, 2.0f, kLine, 1.0f);
     adv::text::Draw(*this, x + 3, y, key, kFg);
-    adv::text::Draw(*this, x + cap + 6, y, label, kFg);
-    return KeyHintWidth(key, label);
+    adv::text::Draw(*this, x + cap + style.gap, y, label, style.labelColour);
+    return KeyHintWidth(key, label, style);
 }
 
 int TorvaneApp::SwitchWidth(const std::string& key, const std::string& label, const std::string& value) {

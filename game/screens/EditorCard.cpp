@@ -22,6 +22,8 @@ constexpr int kShownRows = 15;
 constexpr int kRowHeight = 15;
 // The hints stand at this distance below the card's top, whatever the list's length.
 constexpr int kFoot = 306;
+// At least between a row's label and its value.
+constexpr int kRowGap = 8;
 
 using Hint = std::pair<std::string, std::string>;
 
@@ -45,6 +47,21 @@ const pge::Sprite* Landscape(int index) {
     return s_pictures[i].get();
 }
 
+// Label and value of a row, cut so that both fit into `room` with kRowGap between them, as
+// a pack's name in a hand-made file may be of any length: the wider gives way, the other
+// keeps at most half the room. Nothing beyond the room is measured.
+std::pair<std::string, std::string> FitRow(pge::PixelEngine& engine, const std::string& label,
+                                           const std::string& value, int room) {
+    std::string l = adv::text::Fit(engine, label, room), v = adv::text::Fit(engine, value, room);
+    const int lw = adv::text::Width(engine, l), vw = adv::text::Width(engine, v);
+    if (lw + kRowGap + vw <= room) return {l, v};
+    std::string& narrow = lw >= vw ? v : l;
+    std::string& wide = lw >= vw ? l : v;
+    narrow = adv::text::Fit(engine, narrow, (room - kRowGap) / 2);
+    wide = adv::text::Fit(engine, wide, room - kRowGap - adv::text::Width(engine, narrow));
+    return {l, v};
+}
+
 } // namespace
 
 void TorvaneApp::DrawEditorBackdrop() {
@@ -65,10 +82,12 @@ void TorvaneApp::DrawEditorBackdrop() {
 void TorvaneApp::DrawEditorCard(Card& card) {
     const LevelEditor::View view = editor.GetView();
     const int x = card.x, w = card.w;
-    card.Title(view.title, kChestnut);
+    const std::string title = adv::text::Fit(*this, view.title, w - 28, 2);
+    card.Title(title, kChestnut);
     if (card.draw) {
+        const int subtitleX = x + 14 + adv::text::Width(*this, title, 2) + 10;
         if (!view.subtitle.empty())
-            adv::text::Draw(*this, x + 14 + adv::text::Width(*this, view.title, 2) + 10, card.y - 15, view.subtitle,
+            adv::text::Draw(*this, subtitleX, card.y - 15, adv::text::Fit(*this, view.subtitle, x + w - 14 - subtitleX),
                             kSlate);
         adv::canvas::FillRect(GetDrawTarget(), x + 14, card.y, w - 28, 1, kLine);
     }
@@ -93,8 +112,10 @@ void TorvaneApp::DrawEditorCard(Card& card) {
                                            3.0f, kBg);
                 adv::canvas::FillRect(GetDrawTarget(), x + 10, card.y - 3, 2, 14, kChestnut);
             }
-            adv::text::Draw(*this, x + 18, card.y, row.label, row.selected ? kFg : kMuted);
-            const std::string value = row.selected && row.changeable ? "‹ " + row.value + " ›" : row.value;
+            const auto [label, value] =
+                FitRow(*this, row.label, row.selected && row.changeable ? "‹ " + row.value + " ›" : row.value,
+                       w - 32);
+            adv::text::Draw(*this, x + 18, card.y, label, row.selected ? kFg : kMuted);
             adv::text::Draw(*this, x + w - 14, card.y, value, row.selected ? kChestnut : kFg, 1,
                             adv::text::Align::Right);
         }
@@ -121,7 +142,8 @@ void TorvaneApp::DrawEditorCard(Card& card) {
     }
     if (lines.back().empty()) lines.pop_back();
     card.y = std::max(card.y, card.top + kFoot - kRowHeight * static_cast<int>(lines.size()));
-    if (card.draw && !view.message.empty()) adv::text::Draw(*this, x + 14, card.y, view.message, kOk);
+    if (card.draw && !view.message.empty())
+        adv::text::Draw(*this, x + 14, card.y, view.message, view.warning ? kDanger : kOk);
     card.y += 16;
     for (const std::vector<Hint>& line : lines) {
         int hx = x + 14;

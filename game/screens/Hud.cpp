@@ -118,7 +118,10 @@ std::string TorvaneApp::PartList(const RoundStats& stats, const LevelConfig& con
 std::vector<std::pair<std::string, std::string>> TorvaneApp::HelpPairs() {
     const Phase phase = game.phase;
     std::vector<std::pair<std::string, std::string>> pairs;
-    if (paused) {
+    if (settingsOpen) {
+        // Over the pause: the settings' own keys, A only where the tower turns.
+        pairs = {{GetSettings().classic ? "D R T" : "D R A T", Tr("ändern")}, {"Esc", Tr("zurück")}};
+    } else if (paused) {
         pairs = {{"Esc", Tr("weiter")}, {"Q", Tr("zurück zum Titel")}};
     } else if (game.Building() || (phase == Phase::Attack && game.FreeRepair())) {
         pairs = {{"← →", Tr("bewegen")}, {"↓", game.Building() ? Tr("absetzen") : Tr("einsetzen")}, {"Space", Tr("drehen")}};
@@ -136,6 +139,25 @@ std::vector<std::pair<std::string, std::string>> TorvaneApp::HelpPairs() {
     return pairs;
 }
 
+TorvaneApp::HelpLine TorvaneApp::LayOutHelp() {
+    HelpLine line;
+    int x = 8;
+    int end = 0; // right end of the last hint
+    for (const auto& pair : HelpPairs()) {
+        const int hintEnd = x + KeyHintWidth(pair.first, pair.second, kHelpHint);
+        if (hintEnd > kHelpRight) break;
+        line.pairs.push_back(pair);
+        line.xs.push_back(x);
+        end = hintEnd;
+        x = hintEnd + 10;
+    }
+    const std::string packName = PackLevelName(game.level);
+    line.name = packName.empty() ? Tr(ThemeFor(game.level).name) : packName;
+    // Measured only as far as the room goes: a pack's level name may be of any length.
+    line.nameFits = adv::text::Fits(*this, line.name, kHelpRight - end - 1);
+    return line;
+}
+
 void TorvaneApp::DrawHelp() {
     pge::Sprite* target = GetDrawTarget();
     adv::canvas::FillRect(target, 0, 386, 640, 14, kPanel);
@@ -143,25 +165,10 @@ void TorvaneApp::DrawHelp() {
     // The title leaves the bar empty, without even the level's name.
     if (game.phase == Phase::Title) return;
 
-    const auto pairs = HelpPairs();
-    int x = 8;
-    int end = 0; // right end of the last hint
-    for (const auto& [key, label] : pairs) {
-        const int cap = adv::text::Width(*this, key) + 6;
-        const int labelEnd = x + cap + 9 + adv::text::Width(*this, label);
-        if (labelEnd > kHelpRight) break;
-        adv::canvas::FillRoundRect(target, float(x), 388.0f, float(cap), 10.0f, 2.0f, kBg);
-        adv::canvas::StrokeRoundRect(target, float(x), 388.0f, float(cap), 10.0f, 2.0f, kLine, 1.0f);
-        adv::text::Draw(*this, x + 3, 389, key, kFg);
-        adv::text::Draw(*this, x + cap + 9, 389, label, kMuted);
-        end = labelEnd;
-        x = labelEnd + 10;
-    }
-
-    const std::string packName = PackLevelName(game.level);
-    const std::string name = packName.empty() ? Tr(ThemeFor(game.level).name) : packName;
-    if (kHelpRight - adv::text::Width(*this, name) > end)
-        adv::text::Draw(*this, kHelpRight, 389, name, kSlate, 1, adv::text::Align::Right);
+    const HelpLine line = LayOutHelp();
+    for (size_t i = 0; i < line.pairs.size(); ++i)
+        DrawKeyHint(line.xs[i], 389, line.pairs[i].first, line.pairs[i].second, kHelpHint);
+    if (line.nameFits) adv::text::Draw(*this, kHelpRight, 389, line.name, kSlate, 1, adv::text::Align::Right);
 }
 
 } // namespace torvane

@@ -107,21 +107,29 @@ void TorvaneApp::DrawAnnounceCard(Card& card) {
 }
 
 void TorvaneApp::DrawEvalCard(Card& card) {
-    const RoundStats& s = game.stats;
     card.Title(Tr("Gehalten"), kOk);
-    card.Para(Trf("Level {0} überstanden mit {1} % über der Linie (Ziel {2} %).",
-                  {std::to_string(game.level), std::to_string(s.overallPct), std::to_string(game.config.need)}) +
-              PartList(s, game.config) + Tr(" Der nächste Angriff wird härter: weniger Vorwarnung, mehr Schüsse."));
+    card.Para(HeldText(game));
     card.y += 2;
     StatsRows(card, game, true);
     if (game.LastLevel()) {
         card.y += 4;
         const LevelPack* pack = ActivePack();
-        card.Para(Trf("Levelpack „{0}“ geschafft!", {pack ? pack->name : ""}), kOk);
+        // A name longer than a line is cut before the paragraph is laid out.
+        card.Para(Trf("Levelpack „{0}“ geschafft!", {adv::text::Fit(*this, pack ? pack->name : "", card.w - 28)}),
+                  kOk);
         card.Button(Tr("Zum Titelbild (Space)"), ButtonId::NextLevel);
     } else {
         card.Button(Trf("Weiter zu Level {0} (Space)", {std::to_string(game.level + 1)}), ButtonId::NextLevel);
     }
+}
+
+std::string TorvaneApp::HeldText(const Game& game) {
+    const RoundStats& s = game.stats;
+    return Trf("Level {0} überstanden mit {1} % über der Linie (Ziel {2} %).",
+               {std::to_string(game.level), std::to_string(s.overallPct), std::to_string(game.config.need)}) +
+           PartList(s, game.config) +
+           (game.LastLevel() ? Tr(" Das war das letzte Level des Levelpacks.")
+                             : Tr(" Der nächste Angriff wird härter: weniger Vorwarnung, mehr Schüsse."));
 }
 
 void TorvaneApp::DrawOverCard(Card& card) {
@@ -150,7 +158,8 @@ void TorvaneApp::DrawOverCard(Card& card) {
         const int x = card.x, y = card.y;
         adv::canvas::FillRect(target, x + 14, y, card.w - 28, 16, kBg);
         adv::canvas::StrokeRoundRect(target, float(x + 14), float(y), float(card.w - 28), 16.0f, 2.0f, kSlate, 1.0f);
-        if (playerName.empty()) adv::text::Draw(*this, x + 20, y + 4, Tr("Dein Name"), kMuted);
+        // The placeholder stands behind the cursor, which waits where the first letter goes.
+        if (playerName.empty()) adv::text::Draw(*this, x + 24, y + 4, Tr("Dein Name"), kMuted);
         adv::text::Draw(*this, x + 20, y + 4, playerName, kFg);
         if (std::fmod(clock, 1.0f) < 0.55f)
             adv::canvas::FillRect(target, x + 21 + adv::text::Width(*this, playerName), y + 3, 1, 10, kFg);
@@ -169,11 +178,15 @@ void TorvaneApp::DrawScoreTable(Card& card, int highlight) {
             const highscores::Entry& e = scores[i];
             const pge::Pixel colour = int(i) == highlight ? kChestnut : kFg;
             const int x = card.x, y = card.y;
+            const std::string level = Trf("Level {0}", {std::to_string(e.level)}), score = std::to_string(e.score);
+            // A name too long for the row is cut where "Level" and the score still follow it.
+            const int scoreLeft = x + card.w - 14 - adv::text::Width(*this, score);
+            const std::string name =
+                adv::text::Fit(*this, e.name, scoreLeft - 8 - adv::text::Width(*this, level) - 8 - (x + 36));
             adv::text::Draw(*this, x + 28, y, std::to_string(i + 1) + ".", colour, 1, adv::text::Align::Right);
-            adv::text::Draw(*this, x + 36, y, e.name, colour);
-            adv::text::Draw(*this, x + 36 + adv::text::Width(*this, e.name) + 8, y,
-                            Trf("Level {0}", {std::to_string(e.level)}), kMuted);
-            adv::text::Draw(*this, x + card.w - 14, y, std::to_string(e.score), colour, 1, adv::text::Align::Right);
+            adv::text::Draw(*this, x + 36, y, name, colour);
+            adv::text::Draw(*this, x + 36 + adv::text::Width(*this, name) + 8, y, level, kMuted);
+            adv::text::Draw(*this, x + card.w - 14, y, score, colour, 1, adv::text::Align::Right);
         }
         card.y += 11;
     }

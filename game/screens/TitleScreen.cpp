@@ -24,6 +24,8 @@ constexpr const char* kVersion = "V 1.4";
 constexpr const char* kTabs[] = {"Geschichte", "Ablauf", "Steuerung", "Credits"};
 // Gap between the key hints of a row of the foot.
 constexpr int kHintGap = 20;
+// The least room left and right of a row of key hints on the title foot.
+constexpr int kFootMargin = 8;
 
 pge::Pixel Shade(int alpha) { return pge::Pixel(kShade.r, kShade.g, kShade.b, uint8_t(alpha)); }
 
@@ -79,9 +81,13 @@ void TorvaneApp::DrawTitleFoot() {
     buttons.push_back({210, 332, 220, 22, ButtonId::NewGame, 0});
 
     // Row two: the language, the level pack, the editor.
-    const std::string language = Tr("Sprache / Language:"), german = Tr("Deutsch"), pack = PackLabel(),
-                      editor = Tr("Leveleditor");
+    const std::string language = Tr("Sprache / Language:"), german = Tr("Deutsch"), editor = Tr("Leveleditor");
     const int switchWidth = SwitchWidth("L", language, german);
+    // A pack's name takes what room the row leaves on the screen, and is cut there.
+    const std::string pack =
+        adv::text::Fit(*this, PackLabel(),
+                       640 - 2 * kFootMargin - switchWidth - KeyHintWidth("P", "") - KeyHintWidth("E", editor) -
+                           2 * kHintGap);
     total = switchWidth + KeyHintWidth("P", pack) + KeyHintWidth("E", editor) + 2 * kHintGap;
     x = 320 - total / 2;
     DrawSwitch(x + switchWidth / 2, 373, "L", language, german, true, ButtonId::ToggleLanguage);

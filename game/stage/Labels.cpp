@@ -29,8 +29,12 @@ int Round(float v) { return static_cast<int>(std::lround(v)); }
 
 std::string Num(int v) { return std::to_string(v); }
 
-// The chip over the replacements laid out for a target.
-void DrawPrepChip(pge::PixelEngine& engine, const Game& game, const TowerView::Geo& g, float cell, const Target& shot) {
+// Where a target's chip belongs: over its replacements, (cx, cy) the middle of its body.
+// False when no replacement stands in view.
+bool ChipPlace(const Game& game, const TowerView::Geo& g, float cell, const Target& shot, float& cx, float& cy) {
+    if (std::none_of(shot.preps.begin(), shot.preps.end(),
+                     [&](const Prep& prep) { return g.Visible(game.ColumnCentre(prep.cells)); }))
+        return false;
     float sumX = 0.0f, minY = 0.0f;
     int count = 0;
     for (const Prep& prep : shot.preps)
@@ -41,19 +45,20 @@ void DrawPrepChip(pge::PixelEngine& engine, const Game& game, const TowerView::G
                 minY = count == 0 ? p.y : std::min(minY, p.y);
                 ++count;
             }
-    if (count == 0) return;
-    const float mx = sumX / static_cast<float>(count);
-    const float yt = minY - cell * 1.35f;
-    const bool ready = game.TargetOpen(shot).empty();
-    const std::string text = Tr(ready ? "✓ Ersatz bereit" : "✓ teilweise bereit");
-    const pge::Pixel colour = ready ? pge::Pixel(31, 154, 74) : pge::Pixel(93, 138, 42);
+    if (count == 0) return false;
+    cx = sumX / static_cast<float>(count);
+    cy = minY - cell * 1.35f;
+    return true;
+}
+
+void DrawChip(pge::PixelEngine& engine, const TowerView::Chip& chip) {
     pge::Sprite* target = engine.GetDrawTarget();
-    const float w = static_cast<float>(adv::text::Width(engine, text) + 10);
-    const float rx = mx - w * 0.5f, ry0 = yt - 6.5f;
-    cv::FillRoundRect(target, rx - 1.0f, ry0 - 1.0f, w + 2.0f, 15.0f, 7.5f, pge::Pixel(90, 255, 140, 89));
-    cv::FillRoundRect(target, rx, ry0, w, 13.0f, 6.5f, colour);
-    cv::StrokeRoundRect(target, rx, ry0, w, 13.0f, 6.5f, kWhite, 1.0f);
-    adv::text::Draw(engine, static_cast<int>(mx), static_cast<int>(yt) - 3, text, kWhite, 1, Align::Centre);
+    const float rx = chip.cx - chip.w * 0.5f, ry0 = chip.cy - 6.5f;
+    cv::FillRoundRect(target, rx - 1.0f, ry0 - 1.0f, chip.w + 2.0f, 15.0f, 7.5f, pge::Pixel(90, 255, 140, 89));
+    cv::FillRoundRect(target, rx, ry0, chip.w, 13.0f, 6.5f, chip.colour);
+    cv::StrokeRoundRect(target, rx, ry0, chip.w, 13.0f, 6.5f, kWhite, 1.0f);
+    adv::text::Draw(engine, static_cast<int>(chip.cx), static_cast<int>(chip.cy) - 3, chip.text, kWhite, 1,
+                    Align::Centre);
 }
 
 // The cannon ball from below the stage into the picture, growing smaller as it flies.
@@ -74,11 +79,11 @@ void DrawBall(pge::Sprite* target, const Game& game, const TowerView::Geo& g, co
     cv::FillCircle(target, {b.x - radius * 0.4f, b.y - radius * 0.4f}, radius * 0.18f, pge::Pixel(160, 150, 140, 200));
 }
 
-// White corners about the focus and, for the piece in hand, where it would fit.
-void DrawFocus(pge::PixelEngine& engine, const Game& game, const TowerView::Geo& g, float cell) {
+// The box whose corners mark the focus, 3 pixels out from its cells; false when the focus
+// has no cells or lies out of view.
+bool FocusBox(const Game& game, const TowerView::Geo& g, float& left, float& top, float& right, float& bottom) {
     const std::vector<Cell> cells = game.FocusCells(game.focus);
-    if (cells.empty() || std::fabs(g.Angle(game.FocusCentre(game.focus))) > g.halfAngle) return;
-    float left = 0.0f, right = 0.0f, top = 0.0f, bottom = 0.0f;
+    if (cells.empty() || std::fabs(g.Angle(game.FocusCentre(game.focus))) > g.halfAngle) return false;
     bool first = true;
     for (const Cell& c : cells)
         for (const int i : {0, 1})
@@ -94,6 +99,23 @@ void DrawFocus(pge::PixelEngine& engine, const Game& game, const TowerView::Geo&
     right += 3.0f;
     top -= 3.0f;
     bottom += 3.0f;
+    return true;
+}
+
+// Whether the focus shows where the piece in hand would fit: in the automatic repair, with
+// something left to fill.
+bool FitShown(const Game& game) {
+    return game.SelectedType() != 0 && !game.FreeRepair() && !game.BuildsInAttack() &&
+           !game.FocusOpen(game.focus).empty();
+}
+
+// The piece in hand fits nowhere at the focus, which "passt nicht" beside the box then says.
+bool Misfit(const Game& game) { return FitShown(game) && game.RepairFit(game.SelectedType(), game.focus).empty(); }
+
+// White corners about the focus and, for the piece in hand, where it would fit.
+void DrawFocus(pge::PixelEngine& engine, const Game& game, const TowerView::Geo& g, float cell) {
+    float left = 0.0f, right = 0.0f, top = 0.0f, bottom = 0.0f;
+    if (!FocusBox(game, g, left, top, right, bottom)) return;
     pge::Sprite* target = engine.GetDrawTarget();
     const float a = cell * 0.45f;
     for (const float x : {left, right})
@@ -102,9 +124,8 @@ void DrawFocus(pge::PixelEngine& engine, const Game& game, const TowerView::Geo&
             cv::Polyline(target, {{x + sx * a, y}, {x, y}, {x, y + sy * a}}, kWhite, 2.0f, false);
         }
 
-    const char type = game.SelectedType();
-    if (type == 0 || game.FreeRepair() || game.BuildsInAttack() || game.FocusOpen(game.focus).empty()) return;
-    const std::vector<Cell> fit = game.RepairFit(type, game.focus);
+    if (!FitShown(game)) return;
+    const std::vector<Cell> fit = game.RepairFit(game.SelectedType(), game.focus);
     if (fit.empty()) {
         adv::text::DrawOutlined(engine, Round(right + 5.0f), Round((top + bottom) * 0.5f - 4.0f), Tr("passt nicht"),
                                 kWhite, stage::kTextDark, 1, Align::Left);
@@ -172,14 +193,75 @@ void TowerView::DrawStanding(pge::PixelEngine& engine, const Game& game, const L
         }
     }
 
-    // 4. Danger on another tower: the key that switches there, blinking.
+    // 4. Danger on another tower: the keys that switch there, blinking.
     const auto onThis = [tower](const auto& item) { return item.tower == tower; };
     if (tower != game.activeTower && std::sin(game.clock * 12.0f) > -0.3f &&
         (std::any_of(game.targets.begin(), game.targets.end(), onThis) ||
          std::any_of(game.holes.begin(), game.holes.end(), onThis)))
-        adv::text::DrawOutlined(engine, Round(g.cx), Round(g.baseY - cell * rows - g.ry - cell * 0.8f - 8.0f), "! Tab",
+        adv::text::DrawOutlined(engine, Round(g.cx), Round(g.baseY - cell * rows - g.ry - cell * 0.8f - 8.0f), "! ← →",
                                 kAlarm, stage::kTextDark, 2, Align::Centre);
 
+}
+
+std::vector<TowerView::Chip> TowerView::PrepChips(pge::PixelEngine& engine, const Game& game,
+                                                  const Layout& lay) const {
+    // What no chip may cover, as boxes from (x0, y0) to (x1, y1), each grown by the pixel
+    // that is to stay free between: the focus's corners with what is written beside them.
+    struct Box {
+        float x0, y0, x1, y1;
+        bool Meets(const Box& o) const { return x0 < o.x1 && o.x0 < x1 && y0 < o.y1 && o.y0 < y1; }
+    };
+    std::vector<Box> taken;
+    float left = 0.0f, top = 0.0f, right = 0.0f, bottom = 0.0f;
+    if (game.phase == Phase::Attack && FocusBox(game, TowerGeo(lay, game.activeTower), left, top, right, bottom)) {
+        taken.push_back({left - 2.0f, top - 2.0f, right + 2.0f, bottom + 2.0f});
+        if (Misfit(game)) {
+            const float middle = (top + bottom) * 0.5f;
+            taken.push_back({right, middle - 6.0f,
+                             right + 7.0f + static_cast<float>(adv::text::Width(engine, Tr("passt nicht"))), middle + 6.0f});
+        }
+    }
+    const float stageTop = static_cast<float>(lay.stage.y), stageBottom = static_cast<float>(lay.stage.y + lay.stage.h);
+    const int steps = lay.stage.h / 16 + 1;
+    std::vector<Chip> chips;
+    for (const Target& shot : game.targets) {
+        Chip chip;
+        chip.tower = shot.tower;
+        if (!ChipPlace(game, TowerGeo(lay, shot.tower), lay.cell, shot, chip.cx, chip.cy)) continue;
+        const bool ready = game.TargetOpen(shot).empty();
+        chip.text = Tr(ready ? "✓ Ersatz bereit" : "✓ teilweise bereit");
+        chip.colour = ready ? pge::Pixel(31, 154, 74) : pge::Pixel(93, 138, 42);
+        chip.w = static_cast<float>(adv::text::Width(engine, chip.text) + 10);
+        // The halo and a pixel beside it, 16 high: the step by which a chip gives way.
+        const auto box = [&chip](float cy) {
+            return Box{chip.cx - chip.w * 0.5f - 2.0f, cy - 8.5f, chip.cx + chip.w * 0.5f + 2.0f, cy + 8.5f};
+        };
+        const auto free = [&](float cy) {
+            return std::none_of(taken.begin(), taken.end(), [&](const Box& b) { return b.Meets(box(cy)); });
+        };
+        // Where it belongs, else the nearest free place above within the stage, else below;
+        // with none at all, where it belongs.
+        const auto place = [&]() -> float {
+            if (free(chip.cy)) return chip.cy;
+            for (const float dir : {-16.0f, 16.0f})
+                for (int k = 1; k <= steps; ++k) {
+                    const float cy = chip.cy + dir * static_cast<float>(k);
+                    if (box(cy).y0 < stageTop || box(cy).y1 > stageBottom) break;
+                    if (free(cy)) return cy;
+                }
+            return chip.cy;
+        };
+        chip.cy = place();
+        taken.push_back(box(chip.cy));
+        chips.push_back(chip);
+    }
+    return chips;
+}
+
+void TowerView::DrawBalls(pge::Sprite* target, const Game& game, const Layout& lay) const {
+    for (const Target& shot : game.targets)
+        DrawBall(target, game, TowerGeo(lay, shot.tower), lay.stage, lay.cell, shot,
+                 CentreOf(game, AimedCells(game, shot)));
 }
 
 void TowerView::DrawTowerLabels(pge::PixelEngine& engine, const Game& game, const Layout& lay, int tower) {
@@ -224,14 +306,9 @@ void TowerView::DrawTowerLabels(pge::PixelEngine& engine, const Game& game, cons
     }
     if (active) DrawStanding(engine, game, lay, tower);
 
-    // 5. The targets: the chip over their replacements and the ball on its way.
-    for (const Target& shot : game.targets) {
-        if (shot.tower != tower) continue;
-        if (std::any_of(shot.preps.begin(), shot.preps.end(),
-                        [&](const Prep& prep) { return g.Visible(game.ColumnCentre(prep.cells)); }))
-            DrawPrepChip(engine, game, g, cell, shot);
-        DrawBall(target, game, g, lay.stage, cell, shot, CentreOf(game, AimedCells(game, shot)));
-    }
+    // 5. The chips over the targets' replacements; the balls follow over all towers' labels.
+    for (const Chip& chip : PrepChips(engine, game, lay))
+        if (chip.tower == tower) DrawChip(engine, chip);
 
     // 6. The seconds each hole has left before what stands above it falls.
     for (const Hole& hole : game.holes) {

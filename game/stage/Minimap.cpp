@@ -60,7 +60,7 @@ void TowerView::DrawEdgeArrows(pge::PixelEngine& engine, const Game& game, const
         const std::vector<pge::vf2d> triangle = {{x, y}, {x + dir * 12.0f, y - 8.0f}, {x + dir * 12.0f, y + 8.0f}};
         cv::FillPolygon(target, triangle, colour);
         cv::Polyline(target, triangle, pge::Pixel(0, 0, 0, 160), 1.0f, true);
-        const std::string text = Trf("{0} Sp", {std::to_string(std::lround(std::fabs(arrow.d)))}) + "  " +
+        const std::string text = Trn("{0} Sp", std::lround(std::fabs(arrow.d))) + "  " +
                                  Decimal(std::max(arrow.left, 0.0f)) + " s";
         adv::text::DrawOutlined(engine, static_cast<int>(x + dir * 16.0f), static_cast<int>(y) - 4, text, colour,
                                 pge::Pixel(0, 0, 0, 170), 1,

@@ -71,8 +71,9 @@ void TowerView::Draw(pge::PixelEngine& engine, const Game& game, const StageRect
     DrawBackground(engine, game, layout, time);
     const int towers = static_cast<int>(game.towers.size());
     for (int t = 0; t < towers; ++t) DrawTower(engine, game, layout, t);
-    // No tower is drawn over another's labels.
+    // No tower is drawn over another's labels, and no label over a ball.
     for (int t = 0; t < towers; ++t) DrawTowerLabels(engine, game, layout, t);
+    DrawBalls(engine.GetDrawTarget(), game, layout);
 
     const Phase phase = game.phase;
     if (phase != Phase::Build && phase != Phase::Inspect && phase != Phase::Attack) {

@@ -156,6 +156,22 @@ public:
     void DrawCarouselHorizontal(pge::PixelEngine& engine, const Game& game, const Layout& layout);
     void DrawCarouselVertical(pge::PixelEngine& engine, const Game& game, const Layout& layout);
     void DrawTowerLabels(pge::PixelEngine& engine, const Game& game, const Layout& layout, int tower);
+    // A chip over the replacements laid out for a target: its tower, text and colour, and
+    // the middle and width of its body, 13 high, within a halo one pixel wider all round.
+    struct Chip {
+        int32_t tower = 0;
+        std::string text;
+        pge::Pixel colour;
+        float cx = 0.0f;
+        float cy = 0.0f;
+        float w = 0.0f;
+    };
+    // The chips of every tower, in the order of the targets. Each stands centred over its
+    // replacements, or, where it would meet a chip before it or the focus's marks, as little
+    // higher as it takes (lower, where the stage's top leaves no room above).
+    std::vector<Chip> PrepChips(pge::PixelEngine& engine, const Game& game, const Layout& layout) const;
+    // The cannon balls on their way, over every tower's labels, so that no chip hides one.
+    void DrawBalls(pge::Sprite* target, const Game& game, const Layout& layout) const;
     // The dangers beyond a ring's view, most urgent first, placed at the stage's edges.
     std::vector<EdgeArrow> EdgeArrows(const Game& game, const Layout& layout) const;
     void DrawEdgeArrows(pge::PixelEngine& engine, const Game& game, const Layout& layout, float time);

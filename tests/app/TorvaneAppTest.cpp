@@ -2,6 +2,7 @@
 
 #include "engine/Assets.h"
 #include "engine/Mixer.h"
+#include "game/rules/FrameSteps.h"
 #include "game/rules/Level.h"
 #include "pge/Headless.h"
 #include "tests/ScratchPath.h"
@@ -14,6 +15,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <functional>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -267,19 +269,118 @@ TEST(TorvaneAppFrame, ExitOnFiresOnAChangeNotAtStart) {
     EXPECT_FALSE(run.Running());
 }
 
-TEST(TorvaneAppFrame, LazyBotLosesAndTheRunEndsAtTheOverPhase) {
+// "--level=N --exit-on=CARD" with the bot, on every seed: the application sees the first
+// change to the card that the rules put up, in the frame in which it comes, and holds the
+// bot there, so the run ends 0.3 s later on that card. Each seed's game is played without
+// pictures, by the frame steps the application runs, up to the frame before the change;
+// that frame is the application's own. One application serves all seeds, the last of
+// which runs on to its end.
+struct CardExit {
+    torvane::Phase card;
+    const char* name;
+    int level; // where the bot's step and the change fell into one frame before
+    bool lazy;
+    bool classic;
+};
+
+class TorvaneAppCardExit : public testing::TestWithParam<CardExit> {};
+
+TEST_P(TorvaneAppCardExit, EndsAtTheFirstCardOnEverySeed) {
+    using torvane::Phase;
+    const OfflineAudio audio;
+    const CardExit c = GetParam();
+    torvane::GetSettings().classic = c.classic;
+    const std::string exitOn = std::string("--exit-on=") + c.name;
+    const std::string level = "--level=" + std::to_string(c.level);
     TorvaneApp app;
-    Apply(app, {"--level=3", "--exit-on=over", "--autoplay=lazy"});
+    Apply(app, {"--seed=1", level.c_str(), c.lazy ? "--autoplay=lazy" : "--autoplay", exitOn.c_str()});
     pge::Headless run(app);
     ASSERT_TRUE(run.Create());
-    EXPECT_LT(app.logoTime, 0.0f);
+
+    // The application's frame without its pictures: the rules, its camera and the bot.
+    const auto step = [&app](const std::function<void()>& stepped) {
+        torvane::frame::Hooks hooks;
+        hooks.camera = [&app](float dt) {
+            app.camera.Update(app.game, dt);
+            app.game.viewCentre = app.camera.angle;
+            app.game.viewKnown = true;
+        };
+        hooks.rulesStepped = stepped;
+        torvane::frame::RunRules({app.game, app.autoPlayer, app.autoTimer, app.lastPhase, app.lastLevel, true, false},
+                                 0.05f, hooks);
+        app.game.TakeEvents();
+    };
+    // What a frame without pictures changes, kept now and then to go back to.
+    struct Course {
+        torvane::Game game;
+        torvane::AutoPlayer bot;
+        float timer;
+        Phase phase;
+        int32_t level;
+        torvane::RingCamera camera;
+    };
+    for (unsigned seed = 1; seed <= 200; ++seed) {
+        if (seed > 1) { // the game that "--seed" and "--level" start
+            app.game = torvane::Game(seed);
+            app.game.NewGame();
+            if (c.level > 1) app.game.StartLevel(c.level);
+            app.game.TakeEvents();
+            app.lastPhase = app.game.phase;
+            app.lastLevel = app.game.level;
+            app.autoTimer = 0.0f;
+            app.autoPlayer.tries = 0;
+            app.camera = torvane::RingCamera();
+            app.exitAt = 0.0f;
+        }
+        Course mark{app.game, app.autoPlayer, app.autoTimer, app.lastPhase, app.lastLevel, app.camera};
+        int frames = 0, marked = 0, cardLevel = 0;
+        for (; cardLevel == 0 && frames < 20000; ++frames) {
+            if (frames % 64 == 0) {
+                mark = {app.game, app.autoPlayer, app.autoTimer, app.lastPhase, app.lastLevel, app.camera};
+                marked = frames;
+            }
+            const Phase before = app.game.phase;
+            step([&] {
+                if (app.game.phase == c.card && before != c.card) cardLevel = app.game.level;
+            });
+        }
+        ASSERT_NE(cardLevel, 0) << "seed " << seed << ": no " << c.name;
+        // Back to the frame before the change.
+        app.game = mark.game;
+        app.autoPlayer = mark.bot;
+        app.autoTimer = mark.timer;
+        app.lastPhase = mark.phase;
+        app.lastLevel = mark.level;
+        app.camera = mark.camera;
+        for (int i = marked; i < frames - 1; ++i) step(nullptr);
+
+        ASSERT_TRUE(run.Frame(0.05f));
+        EXPECT_EQ(app.lastPhase, c.card) << "seed " << seed;
+        EXPECT_EQ(app.game.phase, c.card) << "seed " << seed;
+        EXPECT_EQ(app.game.level, cardLevel) << "seed " << seed;
+        EXPECT_FLOAT_EQ(app.exitAt, app.clock + 0.3f) << "seed " << seed;
+        EXPECT_FLOAT_EQ(app.autoTimer, 2.0f) << "seed " << seed;
+    }
     int frames = 0;
-    while (run.Frame(0.05f) && frames < 40000) ++frames;
-    ASSERT_FALSE(run.Running()) << "still " << int(app.game.phase) << " after " << frames << " frames";
-    EXPECT_EQ(app.game.phase, torvane::Phase::Over);
+    while (run.Frame(0.05f) && frames < 20) ++frames;
+    ASSERT_FALSE(run.Running());
+    EXPECT_EQ(app.game.phase, c.card);
+    EXPECT_NEAR(app.clock - app.phaseStart, 0.325f, 0.026f);
     EXPECT_FALSE(app.nameEntry);
-    EXPECT_NEAR(app.clock - app.phaseStart, 0.3f, 0.051f);
+    torvane::GetSettings().classic = 0;
 }
+
+INSTANTIATE_TEST_SUITE_P(
+    , TorvaneAppCardExit,
+    testing::Values(CardExit{torvane::Phase::Announce, "announce", 1, false, false},
+                    CardExit{torvane::Phase::Announce, "announce", 1, false, true},
+                    CardExit{torvane::Phase::Eval, "eval", 3, false, false},
+                    CardExit{torvane::Phase::Eval, "eval", 3, false, true},
+                    CardExit{torvane::Phase::Over, "over", 3, true, false},
+                    CardExit{torvane::Phase::Over, "over", 3, true, true}),
+    [](const testing::TestParamInfo<CardExit>& info) {
+        return std::string(info.param.name) + (info.param.classic ? "Classic" : "Ring");
+    });
 
 TEST(TorvaneAppFrame, LogoRunsForItsTimeOrUntilSkipped) {
     {

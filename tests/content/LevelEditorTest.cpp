@@ -61,6 +61,7 @@ TEST_F(LevelEditorTest, NewPackIsNamedCountedAndSaved) {
     editor.row = 2;
     editor.Handle(Key::Enter);
     EXPECT_EQ(editor.message, "Bitte einen Namen eingeben");
+    EXPECT_TRUE(editor.GetView().warning);
     EXPECT_EQ(editor.row, 0);
     editor.Type("??\x01?\x7f");
     EXPECT_EQ(editor.newName, "???");
@@ -69,6 +70,7 @@ TEST_F(LevelEditorTest, NewPackIsNamedCountedAndSaved) {
     EXPECT_EQ(editor.row, 1);
     EXPECT_EQ(editor.pack.file, "Levelpack.tpack");
     EXPECT_EQ(editor.message, "Gespeichert");
+    EXPECT_FALSE(editor.GetView().warning);
     const LevelPack saved = Stored("Levelpack.tpack");
     EXPECT_EQ(saved.name, "???");
     ASSERT_EQ(saved.levels.size(), 29u);
@@ -137,8 +139,10 @@ TEST_F(LevelEditorTest, DeletingALevelAsksFirst) {
     editor.Handle(Key::Del);
     EXPECT_EQ(editor.message, "Nochmal Del: Level löschen");
     EXPECT_EQ(editor.pack.levels.size(), 3u);
+    EXPECT_TRUE(editor.GetView().warning);
     editor.Handle(Key::Del);
     EXPECT_EQ(editor.message, "Level gelöscht");
+    EXPECT_FALSE(editor.GetView().warning);
     EXPECT_EQ(editor.pack.levels.size(), 2u);
     EXPECT_EQ(editor.row, 2);
     EXPECT_FALSE(editor.confirmDelete);
@@ -263,6 +267,7 @@ TEST_F(LevelEditorTest, AFailedSaveIsShownAndThePageChangesAnyway) {
     *store.failWrites = true;
     editor.Handle(Key::Esc);
     EXPECT_EQ(editor.message, "Speichern fehlgeschlagen");
+    EXPECT_TRUE(editor.GetView().warning);
     EXPECT_EQ(editor.page, 0);
     EXPECT_FALSE(LevelEditor{}.Save()); // no store at all
 }
@@ -323,6 +328,15 @@ TEST_F(LevelEditorTest, ViewsOfThePages) {
     editor.pack.levels[1].interval = 35;
     EXPECT_EQ(editor.GetView().rows[7].value, "3.5 s"); // a point in both languages
     EXPECT_EQ(level.hints.size(), 5u);
+    // One shot, one level: the singular.
+    editor.pack.levels[1].shots = 1;
+    editor.Handle(Key::Esc);
+    EXPECT_EQ(editor.GetView().rows[2].value, "Sturm · N · 1 shot");
+    editor.row = 1;
+    editor.Handle(Key::Del);
+    editor.Handle(Key::Del);
+    editor.Handle(Key::Esc);
+    EXPECT_EQ(editor.GetView().rows[1].value, "1 level");
 }
 
 } // namespace

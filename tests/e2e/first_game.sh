@@ -1,14 +1,16 @@
 #!/usr/bin/env bash
 # A new player's first game with real key presses and a fresh data folder: the first
 # title page, Enter to start and to end the build, the announce card that ignores a
-# Space not pressed at it, a tower that falls without repairs, a typed name on the over
-# card, the list with that row lit, highscores.txt; and in a second run, with a title
+# Space not pressed at it, a tower that falls without repairs, a name typed on the over
+# card with capitals and umlauts (on a German keyboard, as a typing tool types it), the
+# list with that row lit, highscores.txt in UTF-8; and in a second run, with a title
 # picture, the idle score card that shows the name.
 set -euo pipefail
 BUILD=$1
 HERE=$(cd "$(dirname "$0")" && pwd)
 source "$HERE/lib/xvfb.bash"
 start_xvfb_in_workdir
+setxkbmap de # Ü and Ö have keys of their own, and Ö is a shifted one
 mkdir -p assets/torvane # an asset tree of our own: no title picture yet
 
 PANEL=232c36   # card body
@@ -52,9 +54,9 @@ px wait "$window" 125 150 "$PANEL" 5 gone || fail "a Space pressed at the card d
 # Nothing is repaired: the over card comes with its name field.
 px wait "$window" 115 150 "$PANEL" 150 || fail "the tower did not fall"
 sleep 0.3
-for key in a n n a; do tap "$key"; done
+xdotool type --delay 120 "Jürgen Ö"
 tap Return
-grep -q $'\tanna$' "$XDG_DATA_HOME/Torvane/highscores.txt" || fail "highscores.txt: $(cat "$XDG_DATA_HOME/Torvane/highscores.txt" 2>&1)"
+grep -q $'\tJürgen Ö$' "$XDG_DATA_HOME/Torvane/highscores.txt" || fail "highscores.txt: $(cat "$XDG_DATA_HOME/Torvane/highscores.txt" 2>&1)"
 # The list with the fresh row in chestnut: its place and name.
 sleep 0.3
 lit=$(px count "$window" 150 189 200 197 "$CHESTNUT")
@@ -66,7 +68,7 @@ sleep 0.1
 key_up "$window" Escape
 wait "$GAME" || fail "first run ended with $?"
 
-# Second run with a title picture: untouched for 15 s, the idle card lists anna.
+# Second run with a title picture: untouched for 15 s, the idle card lists the name.
 python3 "$HERE/lib/png_rect.py" make assets/torvane/title.png 320 200
 "$BUILD/torvane" --windowed --no-sound --skip-intro --exit-after=16.5 --screenshot=idle.png 2>/dev/null \
     || fail "second run"

@@ -1,15 +1,16 @@
 #!/usr/bin/env bash
 # Level packs and the editor in a fresh data folder: the first start copies the packs
 # that come with the game (again after a start on a full disk), a deleted pack stays
-# deleted, an empty one is copied again, an editor script writes
-# exactly the expected file, a test run from the editor returns to it with Esc, and
-# P on the title picks a pack.
+# deleted, an empty one is copied again, an editor script writes exactly the expected
+# file, names typed into the editor keep their capitals and umlauts, a test run from the
+# editor returns to it with Esc, and P on the title picks a pack.
 set -euo pipefail
 BUILD=$1
 HERE=$(cd "$(dirname "$0")" && pwd)
 SHIPPED="$HERE/../../assets/torvane/levelpacks"
 source "$HERE/lib/xvfb.bash"
 start_xvfb_in_workdir
+setxkbmap de # Ü and Ö have keys of their own, and Ö is a shifted one
 export XDG_DATA_HOME="$WORK/data"
 PACKS="$XDG_DATA_HOME/Torvane/levelpacks"
 
@@ -74,6 +75,21 @@ prep=yes
 new_tower=no
 TEXT
 diff expected.tpack "$PACKS/Burg_am_See.tpack" || fail "the saved pack differs"
+
+# Names typed with real key presses, as a typing tool types them: a new pack, Enter, and
+# Enter on its first level, whose name row is then chosen; Esc twice saves the pack.
+game --editor=enter --exit-after=6 &
+run=$!
+window=$(timeout 20 xdotool search --sync --name '^Torvane$' | head -1) || fail "no window"
+xdotool windowfocus --sync "$window" || true
+sleep 1.5
+xdotool type --delay 120 "Jürgen Ö"
+xdotool key --delay 300 Return Return
+xdotool type --delay 120 "Tür 7"
+xdotool key --delay 300 Escape Escape
+wait "$run" || fail "typing run"
+grep -qx "name=Jürgen Ö" "$PACKS/Jrgen.tpack" || fail "the pack's name: $(grep name= "$PACKS/Jrgen.tpack")"
+grep -qx "name=Tür 7" "$PACKS/Jrgen.tpack" || fail "the level's name: $(grep name= "$PACKS/Jrgen.tpack")"
 
 # T on the page of a pack's third level plays it; Esc returns to the editor on that
 # page. The picture after the return equals that of the page reached directly.

@@ -4,6 +4,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <utility>
+#include <vector>
+
 namespace {
 
 class Idle : public pge::PixelEngine {
@@ -39,19 +43,33 @@ TEST(PlatformKeysCurrent, FollowsTheHeldModifierKeys) {
     EXPECT_TRUE(adv::platformkeys::Current().ctrl);
 }
 
-TEST(PlatformKeysLastPress, AlwaysTheZeroRecord) {
+TEST(PlatformKeysLastPress, EachTypedPressInItsTurnOneAFrame) {
     Idle app;
     pge::Headless run(app);
     ASSERT_TRUE(run.Create());
     adv::platformkeys::Install(&app);
     adv::platformkeys::IgnoreKeyRepeat(true);
     adv::platformkeys::SetLogging(true);
-    for (int i = 0; i < 3; ++i) {
-        run.SetKey(pge::A, i % 2 == 0);
+    // The key state alone types nothing.
+    run.SetKey(pge::A, true);
+    run.Frame(0.01f);
+    EXPECT_EQ(adv::platformkeys::LastPress().serial, 0u);
+    // Three presses quicker than a frame wait for theirs, in order; then nothing is new.
+    run.Type('J');
+    run.Type(0xFC);
+    run.Type(1, true);
+    const std::vector<std::pair<uint16_t, bool>> seen = {{'J', false}, {0xFC, false}, {1, true}, {1, true}};
+    for (size_t i = 0; i < seen.size(); ++i) {
         run.Frame(0.01f);
         const adv::platformkeys::KeyPress p = adv::platformkeys::LastPress();
-        EXPECT_EQ(p.serial, 0u);
-        EXPECT_EQ(p.code, 0);
-        EXPECT_FALSE(p.ctrl || p.command);
+        EXPECT_EQ(p.code, seen[i].first) << i;
+        EXPECT_EQ(p.ctrl, seen[i].second) << i;
+        EXPECT_FALSE(p.command);
+        EXPECT_EQ(p.serial, std::min<uint64_t>(i + 1, 3)) << i;
     }
+    // A character beyond 16 bits is a press of its own, of code 0.
+    run.Type(0x1F600);
+    run.Frame(0.01f);
+    EXPECT_EQ(adv::platformkeys::LastPress().code, 0);
+    EXPECT_EQ(adv::platformkeys::LastPress().serial, 4u);
 }

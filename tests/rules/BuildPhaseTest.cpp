@@ -93,6 +93,21 @@ TEST_F(BuildCursor, EdgesEnterTheNextTowerOrWrapOnTheRing) {
     ring.cursorX = 31;
     ring.Move(1);
     EXPECT_EQ(ring.cursorX, 0);
+
+    // Building in the attack, a switch keeps the cursor's row, here inside the other
+    // tower's wall: the ghost shows where the drop puts the piece, on top of that wall.
+    GetSettings().difficulty = 3;
+    Game attack = ClassicGame(2);
+    attack.phase = Phase::Attack;
+    attack.supply = {'O'};
+    for (int x = 0; x < 8; ++x) FillColumn(attack, 1, x, 0, 6);
+    attack.cursorX = 2;
+    attack.cursorY = 2;
+    attack.SwitchTower(1);
+    ASSERT_EQ(attack.cursorY, 2);
+    EXPECT_EQ(attack.GhostY(), 6);
+    attack.Drop();
+    EXPECT_TRUE(Occupied(attack, 1, 2, 6) && Occupied(attack, 1, 3, 7));
 }
 
 TEST_F(BuildCursor, RotationKicksTryZeroLeftRightThenTwoLeftTwoRight) {

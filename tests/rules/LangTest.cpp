@@ -3,6 +3,7 @@
 
 #include <regex>
 #include <set>
+#include <tuple>
 
 using namespace torvane;
 using namespace torvane::testing_support;
@@ -33,9 +34,27 @@ TEST_F(LangTr, TrfFillsPlaceholdersOnceAfterTranslation) {
     EXPECT_EQ(Trf("+{0} Reihe!", {"140"}), "+140 row!");
 }
 
+TEST_F(LangTr, TrnTakesTheFormForOneOrForAnyOtherCount) {
+    const std::string fell = "Eingestürzt: {0} Feld|Eingestürzt: {0} Felder";
+    for (const auto& [language, count, expected] : std::vector<std::tuple<Language, long long, std::string>>{
+             {Language::German, 1, "Eingestürzt: 1 Feld"},
+             {Language::German, 0, "Eingestürzt: 0 Felder"},
+             {Language::German, 12, "Eingestürzt: 12 Felder"},
+             {Language::English, 1, "Collapsed: 1 block"},
+             {Language::English, -1, "Collapsed: -1 blocks"},
+         }) {
+        SetLanguage(language);
+        EXPECT_EQ(Trn(fell, count), expected);
+    }
+    // One form in German, two in English.
+    EXPECT_EQ(Trn("{0} Level", 1), "1 level");
+    SetLanguage(Language::German);
+    EXPECT_EQ(Trn("{0} Level", 1), "1 Level");
+}
+
 // Every literal handed directly to Tr or Trf in the game's sources, in all its folders.
 std::set<std::string> LiteralKeys() {
-    const std::regex call(R"re(\bTrf?\(\s*"((?:[^"\\]|\\.)*)")re");
+    const std::regex call(R"re(\bTr[fn]?\(\s*"((?:[^"\\]|\\.)*)")re");
     std::set<std::string> keys;
     for (const std::string& file : SourceFiles("game")) {
         const std::string s = ReadSource(file);

@@ -2,7 +2,11 @@
 // panel's placement, the buttons a frame registers, the HUD's end button, the banner's
 // fade, the sentence of parts and the help bar's hints.
 #include "engine/Canvas.h"
+#include "game/content/Highscores.h"
+#include "game/rules/LevelPack.h"
 #include "tests/screens/ScreensFixture.h"
+
+#include <functional>
 
 namespace torvane::testing_support {
 namespace {
@@ -152,6 +156,70 @@ TEST(PartList, ByDirectionByTowerOrNothing) {
     EXPECT_EQ(TorvaneApp::PartList(stats, config), " By direction: North 60 %, East 30 %.");
 }
 
+TEST_F(CardTest, AnEmptyNameFieldHasItsCursorBeforeThePlaceholder) {
+    Start({"--level=1"});
+    app.game.phase = Phase::Over;
+    Frame();
+    ASSERT_TRUE(app.nameEntry);
+    ASSERT_TRUE(app.playerName.empty());
+    app.clock = 20.25f; // the cursor is lit
+    Compose();
+    // The cursor: a column of ten lit pixels, 21 right of the card's edge.
+    const int cursorX = (640 - 420) / 2 + 21;
+    int top = -1;
+    for (int y = 30; y < 380 && top < 0; ++y)
+        if (Screen().GetPixel(cursorX, y) == kFg && Screen().GetPixel(cursorX, y + 9) == kFg &&
+            Screen().GetPixel(cursorX - 1, y) == kBg)
+            top = y;
+    ASSERT_GE(top, 0);
+    int before = 0, behind = 0;
+    for (int y = top; y < top + 10; ++y)
+        for (int x = cursorX - 8; x < cursorX + 60; ++x)
+            (x <= cursorX + 1 ? before : behind) += Screen().GetPixel(x, y) == kMuted ? 1 : 0;
+    EXPECT_EQ(before, 0);
+    EXPECT_GT(behind, 20);
+}
+
+TEST_F(CardTest, ANameTooLongForTheScoreTableIsCutBeforeItsLevelAndScore) {
+    Start({"--level=1"});
+    app.game.phase = Phase::Over;
+    Frame();
+    app.nameEntry = false;
+    app.scoreSaved = true;
+    app.scores = highscores::Parse("9800\t5\t0\t" + std::string(300, 'W') + "\n4570\t2\t0\tAnna\n");
+    ASSERT_EQ(app.scores.size(), 2u);
+    Compose();
+    // The scores card is 380 wide; the scores end 14 inside its right edge.
+    const int right = (640 - 380) / 2 + 380 - 14;
+    int beyond = 0, level = 0;
+    for (int y = 30; y < 380; ++y) {
+        for (int x = right; x < 640; ++x) beyond += Screen().GetPixel(x, y) == kFg ? 1 : 0;
+        for (int x = right - 100; x < right; ++x) level += Screen().GetPixel(x, y) == kMuted ? 1 : 0;
+    }
+    EXPECT_EQ(beyond, 0);
+    EXPECT_GT(level, 20); // "Level 5" still stands before the score
+}
+
+TEST(HeldText, AHarderAttackFollowsUnlessThePackIsDone) {
+    const Language language = CurrentLanguage();
+    SetLanguage(Language::German);
+    const LevelPack pack{"Burg", "Burg.tpack", {PackLevel{}, PackLevel{}}};
+    SetActivePack(&pack);
+    Game game(1);
+    game.NewGame();
+    const std::string next = " Der nächste Angriff wird härter: weniger Vorwarnung, mehr Schüsse.";
+    const std::string done = " Das war das letzte Level des Levelpacks.";
+    const auto endsWith = [](const std::string& text, const std::string& end) {
+        return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
+    };
+    EXPECT_TRUE(endsWith(TorvaneApp::HeldText(game), next));
+    game.StartLevel(2);
+    EXPECT_TRUE(endsWith(TorvaneApp::HeldText(game), done));
+    EXPECT_EQ(TorvaneApp::HeldText(game).find("nächste"), std::string::npos);
+    SetActivePack(nullptr);
+    SetLanguage(language);
+}
+
 TEST_F(CardTest, HelpBarFollowsThePhaseAndCountsTheUndoDown) {
     SetLanguage(Language::German);
     GetSettings().piece_choice = true;
@@ -174,7 +242,13 @@ TEST_F(CardTest, HelpBarFollowsThePhaseAndCountsTheUndoDown) {
 
     app.paused = true;
     EXPECT_EQ(app.HelpPairs(), (Pairs{{"Esc", "weiter"}, {"Q", "zurück zum Titel"}}));
-    app.paused = false;
+    // The settings over the pause: their own keys.
+    app.settingsOpen = true;
+    EXPECT_EQ(app.HelpPairs(), (Pairs{{"D R A T", "ändern"}, {"Esc", "zurück"}}));
+    GetSettings().classic = 1;
+    EXPECT_EQ(app.HelpPairs()[0].first, "D R T");
+    GetSettings().classic = 0;
+    app.settingsOpen = app.paused = false;
     // The automatic repair on a ring: the turn by hand only with auto_rotate off.
     app.game.phase = Phase::Attack;
     GetSettings().difficulty = 0;
@@ -187,6 +261,61 @@ TEST_F(CardTest, HelpBarFollowsThePhaseAndCountsTheUndoDown) {
     for (Phase p : {Phase::Inspect, Phase::Announce, Phase::Eval, Phase::Over}) {
         app.game.phase = p;
         EXPECT_TRUE(app.HelpPairs().empty()) << int(p);
+    }
+}
+
+// Every case of the help bar, in both languages and beside each landscape's name: no hint
+// is left out for lack of room, and neither is the level's name, but for the seconds in
+// which the hint to take a piece back stands too.
+TEST_F(CardTest, HelpBarKeepsEveryHintAndTheLevelsNameInBothLanguages) {
+    Start({"--level=1"});
+    Game& game = app.game;
+    struct Case {
+        const char* name;
+        bool classic;
+        std::function<void(Settings&)> set;
+        size_t pairs;
+        bool takesBack; // the hint to take the last piece back can show
+    };
+    const std::vector<Case> cases = {
+        {"pause", false, [&](Settings&) { app.paused = true; }, 2, false},
+        {"settings over the pause", false, [&](Settings&) { app.paused = app.settingsOpen = true; }, 2, false},
+        {"settings over the pause, classic", true, [&](Settings&) { app.paused = app.settingsOpen = true; }, 2,
+         false},
+        {"build, choosing pieces", false, [&](Settings& s) { s.piece_choice = true; }, 5, true},
+        {"free repair", false, [&](Settings& s) { s.repair_mode = 0, game.phase = Phase::Attack; }, 4, true},
+        {"building in the attack", false, [&](Settings& s) { s.difficulty = 3, game.phase = Phase::Attack; }, 4,
+         true},
+        {"automatic repair, the ring turned by hand", false,
+         [&](Settings& s) { s.repair_mode = 1, s.auto_rotate = false, game.phase = Phase::Attack; }, 4, false},
+        {"automatic repair, classic", true, [&](Settings& s) { s.repair_mode = 1, game.phase = Phase::Attack; }, 4,
+         false},
+    };
+    for (Language language : {Language::German, Language::English}) {
+        SetLanguage(language);
+        for (const Case& c : cases) {
+            for (bool undo : {false, true}) {
+                GetSettings() = saved;
+                GetSettings().classic = c.classic;
+                app.paused = app.settingsOpen = false;
+                game.StartLevel(c.classic ? 3 : 1);
+                c.set(GetSettings());
+                game.undo.valid = undo;
+                game.undo.phase = game.phase;
+                game.undo.until = game.clock + 5.0f;
+                const bool takingBack = undo && c.takesBack;
+                const size_t pairs = c.pairs + (takingBack ? 1 : 0);
+                ASSERT_EQ(app.HelpPairs().size(), pairs) << c.name;
+                for (int level = 1; level <= 5; ++level) {
+                    game.level = level;
+                    const TorvaneApp::HelpLine line = app.LayOutHelp();
+                    EXPECT_EQ(line.pairs.size(), pairs) << c.name << (undo ? " with the undo" : "") << ", " << line.name;
+                    if (!takingBack) {
+                        EXPECT_TRUE(line.nameFits) << c.name << ", " << line.name;
+                    }
+                }
+            }
+        }
     }
 }
 

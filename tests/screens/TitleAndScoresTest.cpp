@@ -20,6 +20,14 @@ protected:
         all << in.rdbuf();
         return all.str();
     }
+    // A game at `level` lost with `score` points, its over card open with the name field.
+    void OpenNameField(const char* level, int32_t score) {
+        Start({level});
+        app.game.phase = Phase::Over;
+        app.game.score = score;
+        Frame();
+        ASSERT_TRUE(app.nameEntry); // an empty list takes any score
+    }
 };
 using ScoresTest = TitleTest;
 
@@ -112,11 +120,7 @@ TEST_F(TitleTest, IdleScoresAfterFifteenSecondsForTenAndConfirmStarts) {
 }
 
 TEST_F(ScoresTest, NameFieldTakesFourteenCodePointsAndNoLeadingBlank) {
-    Start({"--level=1"});
-    app.game.phase = Phase::Over;
-    app.game.score = 500;
-    Frame();
-    ASSERT_TRUE(app.nameEntry); // an empty list takes any score
+    OpenNameField("--level=1", 500);
     ASSERT_TRUE(Tap(pge::SPACE));
     EXPECT_EQ(app.playerName, "");
     for (pge::Key k : {pge::A, pge::N, pge::K1, pge::SPACE, pge::B}) ASSERT_TRUE(Tap(k));
@@ -140,13 +144,24 @@ TEST_F(ScoresTest, NameFieldTakesFourteenCodePointsAndNoLeadingBlank) {
     EXPECT_TRUE(HasButton(ButtonId::ToTitle));
 }
 
+TEST_F(ScoresTest, RawPressesTypeCapitalsAndUmlautsEachOnce) {
+    OpenNameField("--level=1", 500);
+    TypeText("Jürgen Ö");
+    EXPECT_EQ(app.playerName, "Jürgen Ö");
+    // Characters the font can't draw, control characters and Ctrl with a letter type nothing.
+    for (uint32_t code : {0xE9u, 0x20ACu, 0x1F600u, 1u}) run->Type(code, code == 1u);
+    for (int i = 0; i < 4; ++i) Frame(); // one press a frame
+    EXPECT_EQ(app.playerName, "Jürgen Ö");
+    TypeText("\b");
+    EXPECT_EQ(app.playerName, "Jürgen ");
+    TypeText("Öß\r");
+    EXPECT_TRUE(app.scoreSaved);
+    EXPECT_NE(ReadData("highscores.txt").find("\tJürgen Öß\n"), std::string::npos) << ReadData("highscores.txt");
+}
+
 TEST_F(ScoresTest, EnterSavesToDiskAndTheNextTitleReadsIt) {
     // Another run wrote in the meantime: the entry adds to the disk, not to the old copy.
-    Start({"--level=2"});
-    app.game.phase = Phase::Over;
-    app.game.score = 700;
-    Frame();
-    ASSERT_TRUE(app.nameEntry);
+    OpenNameField("--level=2", 700);
     ASSERT_TRUE(highscores::Save({{"Early", 900, 4, 10}, {"Late", 100, 1, 20}}));
     for (pge::Key k : {pge::J, pge::O}) ASSERT_TRUE(Tap(k));
     ASSERT_TRUE(Tap(pge::ENTER));

@@ -150,6 +150,52 @@ TEST_F(OverlayPictureTest, RingUnderFire) {
     ExpectMatchesReference(Screen(), "ring_under_fire");
 }
 
+// Two targets side by side with their replacements laid out, under the focus on a hole
+// just above them that the piece in hand fits: the chips give way upwards, the one over
+// the other, and stand free of the focus's corners.
+TEST_F(OverlayPictureTest, ChipsGiveWayToEachOtherAndToTheFocus) {
+    Game g = Started(false, 11, 5);
+    const int top = g.ColumnTop(0, 0);
+    for (int x = 0; x < 32; x += 2) Lay(g, 0, 'O', 0, x, top);
+    const int left = Lay(g, 0, 'O', 0, 0, top + 2), right = Lay(g, 0, 'O', 0, 2, top + 2);
+    g.phase = Phase::Attack;
+    g.clock = 10.0f;
+    for (const int piece : {left, right}) {
+        const std::vector<Cell>& cells = g.pieces.at(piece).cells;
+        g.targets.push_back(Target{piece, piece, 0, 9.0f, 14.0f, cells, {Prep{'O', cells}}});
+    }
+    g.holes.push_back(Hole{99, 0, {{1, top + 5}, {2, top + 5}}, 9.0f, 12.0f, 0});
+    g.focus = {Focus::Hole, 99};
+    g.supply = {'2'};
+    g.selected = 0;
+    DrawAt(g, 2.0f, 1.0f);
+    ExpectMatchesReference(Screen(), "ring_chips");
+
+    // The focus's box, 3 pixels out from its cells' corners, as its marks are drawn.
+    const TowerView::Geo geo = view.TowerGeo(view.layout, 0);
+    float x0 = 1e9f, y0 = 1e9f, x1 = -1e9f, y1 = -1e9f;
+    for (const Cell& c : g.FocusCells(g.focus))
+        for (const int i : {0, 1})
+            for (const int j : {0, 1}) {
+                const pge::vf2d p = geo.P(static_cast<float>(c.x + i), static_cast<float>(c.y + j), 1.0f);
+                x0 = std::min(x0, p.x - 3.0f), x1 = std::max(x1, p.x + 3.0f);
+                y0 = std::min(y0, p.y - 3.0f), y1 = std::max(y1, p.y + 3.0f);
+            }
+    const std::vector<TowerView::Chip> chips = view.PrepChips(engine, g, view.layout);
+    ASSERT_EQ(chips.size(), 2u);
+    // Each chip's halo, one pixel wider than its body all round.
+    const auto meets = [](const TowerView::Chip& c, float bx0, float by0, float bx1, float by1) {
+        return c.cx - c.w * 0.5f - 1.0f < bx1 && bx0 < c.cx + c.w * 0.5f + 1.0f && c.cy - 7.5f < by1 &&
+               by0 < c.cy + 7.5f;
+    };
+    for (const TowerView::Chip& c : chips) {
+        EXPECT_FALSE(meets(c, x0, y0, x1, y1)) << c.cx << ", " << c.cy;
+        EXPECT_LT(c.cy, y0); // above the focus, not below their replacements
+    }
+    const TowerView::Chip& a = chips[0];
+    EXPECT_FALSE(meets(chips[1], a.cx - a.w * 0.5f - 1.0f, a.cy - 7.5f, a.cx + a.w * 0.5f + 1.0f, a.cy + 7.5f));
+}
+
 // Three classic towers in the attack: the full carousel, the towers' shares, and the
 // alarm over the third, where a ball is on its way while the player works on the first.
 TEST_F(OverlayPictureTest, ClassicThreeTowersWithAlarm) {
