@@ -1,6 +1,7 @@
 #include "engine/Mixer.h"
 
 #include "pge/Files.h"
+#include "pge/SdlSubsystem.h"
 
 #include <SDL.h>
 #include <mpg123.h>
@@ -287,10 +288,8 @@ void SoundDeleter::operator()(Sound* sound) const {
 
 EnginePtr Init() {
     if (s_offlineRate > 0) return InitOffline(s_offlineRate);
-    // SDL would take SIGTERM and SIGINT for a quit event that nobody reads, and the game would
-    // not end on them; the framework handles both.
-    SDL_SetHint(SDL_HINT_NO_SIGNAL_HANDLERS, "1");
-    if (SDL_InitSubSystem(SDL_INIT_AUDIO) != 0) return nullptr;
+    // SIGTERM and SIGINT stay the framework's.
+    if (!pge::StartSdlSubsystem(SDL_INIT_AUDIO)) return nullptr;
     EnginePtr engine(new Engine);
     SDL_AudioSpec want{};
     want.freq = kDeviceRate;

@@ -5,7 +5,9 @@
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <cstdio>
+#include <future>
 #include <thread>
 #include <vector>
 
@@ -46,6 +48,18 @@ struct Pending {
 };
 Pending s_pending;
 
+// A track being opened on a thread of its own, so that a frame never waits for its file; it
+// starts at the first Update after it is there. Openings overtaken by a newer one are let go
+// once they are done.
+struct Opening {
+    std::string path;
+    bool loop = false;
+    float fade = 0.0f;
+    std::future<mixer::SoundPtr> track;
+};
+Opening s_opening;
+std::vector<std::future<mixer::SoundPtr>> s_overtaken;
+
 void NoDevice() { std::fprintf(stderr, "[musik] Kein Tongeraet verfuegbar - das Spiel laeuft ohne Musik.\n"); }
 
 // Waits for the opener, if one runs, and takes its engine; whether there was one.
@@ -62,6 +76,32 @@ bool JoinOpener() {
 }
 
 uint32_t Milliseconds(float seconds) { return seconds > 0.0f ? uint32_t(seconds * 1000.0f) : 0; }
+
+bool Ready(const std::future<mixer::SoundPtr>& f) {
+    return f.wait_for(std::chrono::seconds(0)) == std::future_status::ready;
+}
+
+void DropOpening() {
+    if (s_opening.track.valid()) s_overtaken.push_back(std::move(s_opening.track));
+    s_opening = Opening();
+}
+
+std::string FileOf(const std::string& path) { return Assets::Root() + "/" + path; }
+
+// Cross-fades from the current track to an opened one, or says that it could not be opened.
+void StartTrack(mixer::SoundPtr track, const std::string& path, bool loop, float fadeSeconds) {
+    if (!track) {
+        std::fprintf(stderr, "[musik] Konnte '%s' nicht laden - die Musik laeuft weiter.\n", FileOf(path).c_str());
+        return;
+    }
+    Stop(fadeSeconds);
+    mixer::SetLooping(*track, loop);
+    mixer::SetVolume(*track, s_volume);
+    if (fadeSeconds > 0.0f) mixer::FadeIn(*track, Milliseconds(fadeSeconds));
+    mixer::Start(*track);
+    s_current = std::move(track);
+    s_currentPath = path;
+}
 
 } // namespace
 
@@ -90,6 +130,9 @@ void InitInBackground() {
 void Shutdown() {
     JoinOpener();
     s_pending = Pending();
+    // Openings finish before their engine goes.
+    DropOpening();
+    s_overtaken.clear();
     if (!s_engine) return;
     Sound::StopAll();
     s_fading.clear();
@@ -110,24 +153,25 @@ void Play(const std::string& path, bool loop, float fadeSeconds) {
         return;
     }
     if (!s_engine || path.empty()) return;
-    if (s_current && path == s_currentPath && !mixer::AtEnd(*s_current)) return;
-    const std::string name = Assets::Root() + "/" + path;
-    mixer::SoundPtr track = mixer::InitFromFile(*s_engine, name);
-    if (!track) {
-        std::fprintf(stderr, "[musik] Konnte '%s' nicht laden - die Musik laeuft weiter.\n", name.c_str());
+    if (s_current && path == s_currentPath && !mixer::AtEnd(*s_current)) {
+        DropOpening();
         return;
     }
-    Stop(fadeSeconds);
-    mixer::SetLooping(*track, loop);
-    mixer::SetVolume(*track, s_volume);
-    if (fadeSeconds > 0.0f) mixer::FadeIn(*track, Milliseconds(fadeSeconds));
-    mixer::Start(*track);
-    s_current = std::move(track);
-    s_currentPath = path;
+    if (s_opening.track.valid() && s_opening.path == path) return;
+    DropOpening();
+    // Tests drive an engine without a device and see the track at once.
+    if (mixer::Offline()) {
+        StartTrack(mixer::InitFromFile(*s_engine, FileOf(path)), path, loop, fadeSeconds);
+        return;
+    }
+    mixer::Engine* engine = s_engine.get();
+    s_opening = {path, loop, fadeSeconds,
+                 std::async(std::launch::async, [engine, file = FileOf(path)] { return mixer::InitFromFile(*engine, file); })};
 }
 
 void Stop(float fadeSeconds) {
     s_pending = Pending();
+    DropOpening();
     if (!s_engine || !s_current) return;
     mixer::StopWithFade(*s_current, Milliseconds(fadeSeconds));
     s_fading.push_back({std::move(s_current), fadeSeconds + kFadeMargin});
@@ -137,6 +181,12 @@ void Stop(float fadeSeconds) {
 void Update(float dt) {
     if (s_opened) JoinOpener();
     if (!s_engine) return;
+    if (s_opening.track.valid() && Ready(s_opening.track)) {
+        Opening opened = std::move(s_opening);
+        s_opening = Opening();
+        StartTrack(opened.track.get(), opened.path, opened.loop, opened.fade);
+    }
+    s_overtaken.erase(std::remove_if(s_overtaken.begin(), s_overtaken.end(), Ready), s_overtaken.end());
     for (Fading& f : s_fading) f.remaining -= dt;
     s_fading.erase(std::remove_if(s_fading.begin(), s_fading.end(), [](const Fading& f) { return f.remaining <= 0.0f; }),
                    s_fading.end());

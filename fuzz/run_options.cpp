@@ -14,7 +14,10 @@
 #include "game/rules/Lang.h"
 #include "game/rules/Level.h"
 #include "pge/Headless.h"
+#include "pge/SdlSubsystem.h"
 #include "tests/content/MemoryStore.h"
+
+#include <SDL.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -74,6 +77,9 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
     unsetenv("XDG_DATA_HOME");
     unsetenv("HOME");
     adv::Music::Disable();
+    // Each input's game starts SDL's pad subsystem and stops it again; held up here for the
+    // whole run, that is only a count going up and down, not a search for devices.
+    pge::StartSdlSubsystem(SDL_INIT_GAMECONTROLLER);
     return 0;
 }
 

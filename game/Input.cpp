@@ -37,6 +37,14 @@ void AppendToName(std::string& name, const std::string& text) {
     }
 }
 
+// The repeat of a held arrow or D-pad button: whether it acts again in this frame. `timer`
+// was set to the delay at the press, and counts down in the frame of the press already.
+bool RepeatDue(float& timer, float dt) {
+    if ((timer -= dt) > 0.0f) return false;
+    timer += GetSettings().keyRepeat;
+    return true;
+}
+
 } // namespace
 
 bool TorvaneApp::AnyInput() {
@@ -122,7 +130,23 @@ void TorvaneApp::Press(ButtonId id, int arg) {
     preferences::Save();
 }
 
+pad::Context TorvaneApp::PadContext() const {
+    if (editorOpen) return editor.Typing() ? pad::Context::EditorTyping : pad::Context::Editor;
+    if (settingsOpen) return pad::Context::Settings;
+    if (paused) return pad::Context::Pause;
+    if (logoTime >= 0.0f) return pad::Context::Play;
+    if (game.phase == Phase::Title) return pad::Context::Title;
+    if (game.phase == Phase::Over && nameEntry) return pad::Context::NameEntry;
+    return pad::Context::Play;
+}
+
 void TorvaneApp::HandleInput(float dt) {
+    // A window that loses the keyboard focus in the middle of play pauses, as Esc does there;
+    // the focus coming back leaves the pause to the player.
+    const bool focused = IsFocused();
+    if (hadFocus && !focused && (game.phase == Phase::Build || game.phase == Phase::Attack)) paused = true;
+    hadFocus = focused;
+
     if (GetMouse(0).bPressed) {
         const pge::vi2d m = GetMousePos();
         for (const Button& b : buttons) {
@@ -191,7 +215,7 @@ void TorvaneApp::HandleInput(float dt) {
         if (leaveTest) {
             Press(ButtonId::ToTitle, 0);
         } else if (nameEntry) {
-            HandleNameEntry();
+            if (!HandlePadName(dt)) HandleNameEntry();
         } else if (!HandleScoreTableKeys() && confirm) {
             Press(ButtonId::ToTitle, 0);
         }
@@ -277,9 +301,8 @@ void TorvaneApp::HandlePlayInput(float dt) {
         if (repeatKey != pge::NONE) {
             if (!held(repeatKey)) {
                 repeatKey = pge::NONE;
-            } else if ((repeatTimer -= dt) <= 0.0f) {
+            } else if (RepeatDue(repeatTimer, dt)) {
                 act(sideways(repeatKey));
-                repeatTimer += settings.keyRepeat;
             }
         }
     } else if (manualCamera) {
@@ -304,6 +327,52 @@ void TorvaneApp::HandlePlayInput(float dt) {
 } // namespace torvane
 
 namespace torvane {
+
+bool TorvaneApp::HandlePadName(float dt) {
+    const auto pressed = [this](pge::PadButton b) { return GetPadButton(b).bPressed; };
+    if (pressed(pge::PAD_START)) {
+        Press(ButtonId::SaveScore, 0);
+        return true;
+    }
+    if (pressed(pge::PAD_B)) {
+        nameEntry = false;
+        return true;
+    }
+    // Left goes back a place, erasing the letter under the cursor; right (or A) goes on with
+    // a new letter, which starts where up from nothing starts: at "A".
+    if (pressed(pge::PAD_LEFT)) PopChar(playerName);
+    if (pressed(pge::PAD_RIGHT) || pressed(pge::PAD_A)) AppendToName(playerName, pad::StepLetter({}, 1));
+    // Up and down turn the letter under the cursor, the last one; held, they repeat as a
+    // held arrow key does in the game.
+    const auto way = [](pge::PadButton b) { return b == pge::PAD_UP ? 1 : -1; };
+    int steps = 0;
+    for (const pge::PadButton b : {pge::PAD_UP, pge::PAD_DOWN}) {
+        if (!pressed(b)) continue;
+        steps += way(b);
+        padRepeat = b;
+        repeatTimer = kRepeatDelay;
+    }
+    if (padRepeat != pge::PAD_BUTTONS) {
+        if (!GetPadButton(padRepeat).bHeld) {
+            padRepeat = pge::PAD_BUTTONS;
+        } else if (RepeatDue(repeatTimer, dt)) {
+            steps += way(padRepeat);
+        }
+    }
+    if (steps != 0) {
+        std::string letter;
+        if (!playerName.empty()) {
+            const std::string before = playerName;
+            PopChar(playerName);
+            letter = before.substr(playerName.size());
+        }
+        std::string turned = pad::StepLetter(letter, steps);
+        // The first place takes no blank: turn on past it.
+        if (playerName.empty() && turned == " ") turned = pad::StepLetter(turned, steps);
+        AppendToName(playerName, turned);
+    }
+    return false;
+}
 
 void TorvaneApp::HandleNameEntry() {
     const typing::Keys keys = typing::Read(*this, lastKeySerial);

@@ -28,6 +28,9 @@ constexpr float kLogoSeconds = 3.3f;
 constexpr StageRect kStage{0, 18, 640, 368};
 constexpr const char* kLogoKey = "logo/logo.jpg";
 constexpr const char* kTitleKey = "torvane/title.png";
+// Window pixels per logical pixel that "--scale=" takes.
+constexpr int32_t kMinScale = 1;
+constexpr int32_t kMaxScale = 8;
 
 // The phases' words, as "--exit-on=" takes them.
 constexpr const char* kNames[] = {"title", "build", "inspect", "announce", "attack", "eval", "over"};
@@ -65,8 +68,8 @@ replay::Session TorvaneApp::Session() {
 
 void TorvaneApp::Do(replay::Op op, float dt) { recorder.Do(Session(), op, dt); }
 
-bool ApplyRunOptions(TorvaneApp& app, int argc, const char* const* argv) {
-    bool windowed = false;
+WindowOptions ApplyRunOptions(TorvaneApp& app, int argc, const char* const* argv) {
+    WindowOptions window;
     for (int i = 1; i < argc; ++i) {
         const std::string arg = argv[i] ? argv[i] : "";
         std::string rest;
@@ -93,7 +96,17 @@ bool ApplyRunOptions(TorvaneApp& app, int argc, const char* const* argv) {
             app.titlePage = std::stoi(rest);
             app.skipIntro = true;
         } else if (arg == "--windowed") {
-            windowed = true;
+            window.windowed = true;
+        } else if (TakePrefix(arg, "--scale=", rest)) {
+            window.scale = std::clamp(std::stoi(rest), kMinScale, kMaxScale);
+        } else if (arg == "--pixel-perfect") {
+            window.pixelPerfect = true;
+        } else if (arg == "--vsync") {
+            window.vsync = true;
+        } else if (TakePrefix(arg, "--fps=", rest)) {
+            window.fps = std::max(std::stoi(rest), 0);
+        } else if (TakePrefix(arg, "--pad-script=", rest)) {
+            app.padScriptText = rest;
         } else if (arg == "--autoplay") {
             app.autoplay = true;
             app.autoPlayer.repairs = true;
@@ -117,7 +130,7 @@ bool ApplyRunOptions(TorvaneApp& app, int argc, const char* const* argv) {
             app.skipIntro = true;
         }
     }
-    return windowed;
+    return window;
 }
 
 bool TorvaneApp::OnUserCreate() {
@@ -126,6 +139,8 @@ bool TorvaneApp::OnUserCreate() {
     adv::platformkeys::IgnoreKeyRepeat(true);
     // The device opens in the background; the effects are made once it is there.
     adv::Music::InitInBackground();
+    // Without pads the game is the same.
+    if (EnablePads() && !padScriptText.empty()) padScript = std::make_unique<PadScript>(padScriptText);
 
     if (!adv::Assets::Missing(kTitleKey)) {
         if (const pge::Sprite* picture = adv::Assets::Sprite(kTitleKey)->Sprite())
@@ -156,6 +171,8 @@ bool TorvaneApp::OnUserCreate() {
     }
     lastPhase = game.phase;
     lastLevel = game.level;
+    // The first landscape is made while the window's first frame comes up.
+    view.Prepare(game.level, kStage);
 
     if (skipIntro || startLevel != 0 || autoplay) {
         PlayMusicFor(game.phase);
@@ -163,6 +180,7 @@ bool TorvaneApp::OnUserCreate() {
         logoTime = 0.0f; // the music follows the logo
     }
     Do({replay::Op::DropEvents});
+    SetPadKeys(pad::KeysFor(PadContext()));
     if (!replayPath.empty()) StartWatching(replayPath);
     return true;
 }
@@ -179,6 +197,8 @@ bool TorvaneApp::Step(float elapsed) {
     adv::Sound::Update();
     adv::Music::Update(dt);
     sounds::Init();
+    if (padScript) padScript->Step(elapsed, kNames[int(game.phase)]);
+    if (GetKey(pge::F11).bPressed) SetFullScreen(!IsFullScreen());
 
     logoFrame = logoTime >= 0.0f;
     if (logoFrame) {
@@ -201,13 +221,14 @@ bool TorvaneApp::Step(float elapsed) {
         };
         hooks.phaseChanged = [this](Phase from, Phase to) { OnPhaseChanged(from, to); };
         ProcessEvents(recorder.Frame(Session(), dt, hooks));
+    }
+    PrepareAhead();
 
-        if (testHintAt >= 0.0f && clock >= testHintAt) {
-            testHintAt = -1.0f;
-            if (testing) {
-                message = Tr("Test: Esc führt zurück in den Editor");
-                messageUntil = clock + 3.0f;
-            }
+    if (testHintAt >= 0.0f && clock >= testHintAt) {
+        testHintAt = -1.0f;
+        if (testing) {
+            message = Tr("Test: Esc führt zurück in den Editor");
+            messageUntil = clock + 3.0f;
         }
     }
     return true;
@@ -239,6 +260,8 @@ bool TorvaneApp::OnUserDestroy() {
     // The game in play when the run ends keeps its recording.
     if (watching) StopWatching();
     recorder.End(Session());
+    // The virtual pad goes before the engine lets go of the pads.
+    padScript.reset();
     adv::Music::Shutdown();
     // Also forgets the effects' ids, so that a later start in this process makes them anew.
     sounds::Clear();
@@ -247,6 +270,18 @@ bool TorvaneApp::OnUserDestroy() {
 }
 
 void TorvaneApp::PlayMusicFor(Phase phase) { sounds::PlayMusicFor(phase); }
+
+void TorvaneApp::PrepareAhead() {
+    switch (game.phase) {
+    case Phase::Title:
+    case Phase::Over: view.Prepare(1, kStage); break;
+    case Phase::Eval: view.Prepare(game.LastLevel() ? 1 : game.level + 1, kStage); break;
+    case Phase::Build:
+    case Phase::Inspect:
+    case Phase::Announce: sounds::PrepareWhistle(game.config.flightTime); break;
+    case Phase::Attack: break;
+    }
+}
 
 void TorvaneApp::OnPhaseChanged(Phase, Phase to) {
     PlayMusicFor(to);
@@ -291,6 +326,8 @@ void TorvaneApp::ProcessEvents(const std::vector<Event>& events) {
 }
 
 bool TorvaneApp::FinishFrame() {
+    // The next frame's pad buttons stand for the keys of what this frame left on the screen.
+    SetPadKeys(pad::KeysFor(PadContext()));
     // Only a time above 0 counts, so a NaN never ends the run.
     if (!(exitAt > 0.0f) || exitAt > clock) return true;
     quit = true;

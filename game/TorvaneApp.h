@@ -4,6 +4,8 @@
 #include "game/content/PackStorage.h"
 #include "game/content/Highscores.h"
 #include "game/content/Replay.h"
+#include "game/PadControls.h"
+#include "game/PadScript.h"
 #include "game/rules/AutoPlayer.h"
 #include "game/stage/RingCamera.h"
 #include "game/rules/TorvaneGame.h"
@@ -125,6 +127,11 @@ public:
     bool skipIntro = false;
     float logoTime = -1.0f; // seconds of the logo; negative when none is running
     bool logoFrame = false;  // the frame being made began with the logo
+    // From "--pad-script=", a testing aid: played into a virtual pad from the first frame on.
+    std::string padScriptText;
+    std::unique_ptr<PadScript> padScript;
+    bool hadFocus = false;                         // the window's keyboard focus in the frame before
+    pge::PadButton padRepeat = pge::PAD_BUTTONS;   // the held D-pad button of the name field
 
     // ---- replays ----
     // Every game's inputs reach the rules through the recorder.
@@ -280,6 +287,10 @@ private:
     void HandleTitleInput(bool confirm);
     // The over card's name field: raw presses first, else the key state.
     void HandleNameEntry();
+    // The name field on a pad, arcade style; whether it saved or left the field.
+    bool HandlePadName(float dt);
+    // What the pad's buttons stand for after this frame.
+    pad::Context PadContext() const;
     // Build and attack: the cursor with key repeat, or the camera, then the acts.
     void HandlePlayInput(float dt);
 
@@ -292,6 +303,10 @@ private:
     void LoadScores();
 
     void PlayMusicFor(Phase phase);
+    // What a level's start and its first shot would otherwise open or make in their frame:
+    // while a card stands, the landscape of the level that comes next and the runner's sheets;
+    // before the attack, the whistle of its balls' flight.
+    void PrepareAhead();
     void OnPhaseChanged(Phase from, Phase to);
     // Hands the rules' events on: messages, the banner, sounds and the view.
     void ProcessEvents(const std::vector<Event>& events);
@@ -322,9 +337,18 @@ private:
     void DrawTitleFoot();
 };
 
+// How main makes the window and runs its frames.
+struct WindowOptions {
+    bool windowed = false;
+    int32_t scale = 2;         // window pixels per logical pixel, 1 to 8
+    bool pixelPerfect = false; // whole-number scales only, centred, black around
+    bool vsync = false;        // one swap per refresh of the screen
+    int32_t fps = 0;           // frames a second at most; 0 as fast as they go
+};
+
 // Applies the run options argv[1..argc-1] to the application, left to right; unknown
-// ones are ignored. Returns whether "--windowed" was given. A malformed number throws
+// ones are ignored. Returns what they say of the window. A malformed number throws
 // what std::stoi, std::stoul or std::stof throw.
-bool ApplyRunOptions(TorvaneApp& app, int argc, const char* const* argv);
+WindowOptions ApplyRunOptions(TorvaneApp& app, int argc, const char* const* argv);
 
 } // namespace torvane

@@ -6,8 +6,9 @@
 
 namespace torvane::sounds {
 
-// Builds the clips of the fixed effects once the audio engine is there; called each frame,
-// it does nothing before and after.
+// Builds the clips of the fixed effects once the audio engine is there, synthesised on a
+// thread of their own and taken in by a later call; called each frame, it does nothing
+// before and after.
 void Init();
 // Forgets every clip, the effects' and all others (adv::Sound::Clear), so that a later Init
 // builds them anew.
@@ -15,6 +16,9 @@ void Clear();
 // Plays an effect; for Sfx::Whistle, `seconds` is the flight time, and each length in whole
 // milliseconds is synthesised once.
 void Play(Sfx effect, float seconds);
+// Synthesises the whistle of a flight time on a thread of its own, so that the first shot of
+// a level does not wait for it; nothing without an audio engine or when it exists already.
+void PrepareWhistle(float seconds);
 
 struct Track {
     std::string path; // asset path; empty: no music for that phase

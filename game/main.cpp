@@ -7,8 +7,10 @@ int main(int argc, char** argv) {
     adv::Assets::Init(adv::Assets::ProgramPath(argc > 0 ? argv[0] : nullptr));
 
     torvane::TorvaneApp app;
-    const bool windowed = torvane::ApplyRunOptions(app, argc, argv);
-    if (app.Construct(640, 400, 2, 2, !windowed, false, false, false)) {
+    const torvane::WindowOptions window = torvane::ApplyRunOptions(app, argc, argv);
+    app.SetFrameRateCap(window.fps);
+    if (app.Construct(640, 400, window.scale, window.scale, !window.windowed, window.vsync, window.pixelPerfect,
+                      false)) {
         // Without an X server the window cannot open: the platform has said why.
         if (!app.Start()) return 1;
     }

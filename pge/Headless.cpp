@@ -18,6 +18,7 @@ public:
         title = s;
         return OK;
     }
+    rcode SetFullScreen(bool) override { return OK; }
     rcode StartSystemEventLoop() override { return OK; }
     rcode HandleSystemEvent() override { return OK; }
 
@@ -58,6 +59,7 @@ Headless::Headless(PixelEngine& e, int32_t w, int32_t h) : engine(e) {
 
 Headless::~Headless() {
     if (running) engine.OnUserDestroy();
+    engine.pads.Close();
 }
 
 bool Headless::Create() {
@@ -75,13 +77,16 @@ bool Headless::Frame(float elapsed) {
     if (!bAtomActive) {
         running = false;
         engine.OnUserDestroy();
+        engine.pads.Close();
     }
     return running;
 }
 
 void Headless::Close() { closeRequested = true; }
 
-void Headless::SetKey(Key k, bool down) { engine.pKeyNewState[k] = down; }
+void Headless::SetKey(Key k, bool down) { engine.pge_SetKeyboardKey(k, down); }
+
+void Headless::SetFocus(bool focused) { engine.pge_UpdateKeyFocus(focused); }
 
 void Headless::Type(uint32_t code, bool ctrl) { engine.pge_KeyTyped(code, ctrl); }
 

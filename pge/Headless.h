@@ -12,7 +12,8 @@
 // A state set before a frame is what that frame sees, as if the key event had
 // arrived just before it; setting and clearing a key before one frame shows nothing,
 // as with a real keyboard. The application draws into its real draw target;
-// textures are not made (decals stay empty). Only one engine may run at a time.
+// textures are not made (decals stay empty). Pads work as in a window: plug in a
+// pge::VirtualPad once the application has enabled them. Only one engine may run at a time.
 #include "pge/PixelEngine.h"
 
 #include <string>
@@ -48,6 +49,8 @@ public:
     void Wheel(int32_t delta);
     // As if the user resized the window to w by h window pixels.
     void ResizeWindow(int32_t w, int32_t h);
+    // As if the window gained or lost the keyboard focus.
+    void SetFocus(bool focused);
 
     // The title the window would show now.
     const std::string& Title() const;

@@ -117,6 +117,7 @@ void PixelEngine::EngineThread() {
         while (bAtomActive) pge_CoreUpdate();
         if (!OnUserDestroy()) bAtomActive = true;
     }
+    pads.Close();
     platform->ThreadCleanUp();
 }
 
@@ -132,6 +133,7 @@ void PixelEngine::pge_PrepareEngine() {
     layer.bUpdate = true;
     pDrawTarget = layer.pDrawTarget.Sprite();
     m_tp1 = m_tp2 = std::chrono::system_clock::now();
+    nextFrameAt = std::chrono::steady_clock::now();
 }
 
 Sprite* PixelEngine::GetFontSprite() {
@@ -152,6 +154,25 @@ void PixelEngine::pge_CoreUpdate() {
     const int64_t elapsed = ticks(m_tp2) - ticks(m_tp1);
     m_tp1 = m_tp2;
     pge_Frame(FrameSeconds(elapsed));
+    pge_WaitForNextFrame();
+}
+
+void PixelEngine::SetFrameRateCap(int32_t fps) {
+    frameShare = fps > 0 ? std::chrono::duration_cast<std::chrono::steady_clock::duration>(
+                               std::chrono::duration<double>(1.0 / double(fps)))
+                         : std::chrono::steady_clock::duration::zero();
+}
+
+void PixelEngine::pge_WaitForNextFrame() {
+    if (frameShare == std::chrono::steady_clock::duration::zero()) return;
+    const auto now = std::chrono::steady_clock::now();
+    nextFrameAt += frameShare;
+    // A frame that ran late starts the count afresh rather than rushing to catch up.
+    if (nextFrameAt < now) {
+        nextFrameAt = now;
+        return;
+    }
+    std::this_thread::sleep_until(nextFrameAt);
 }
 
 namespace {
@@ -178,7 +199,10 @@ void PixelEngine::pge_Frame(float fElapsedTime) {
     fLastElapsed = fElapsedTime;
     platform->HandleSystemEvent();
 
-    ScanButtons(pKeyboardState, pKeyNewState, pKeyOldState, 256);
+    bool keys[256];
+    std::copy(std::begin(pKeyNewState), std::end(pKeyNewState), keys);
+    pge_ReadPads(keys);
+    ScanButtons(pKeyboardState, keys, pKeyOldState, 256);
     ScanButtons(pMouseState, pMouseNewState, pMouseOldState, kMouseButtons);
     std::copy(std::begin(pMousePressCache), std::end(pMousePressCache), pMousePresses);
     std::fill(std::begin(pMousePressCache), std::end(pMousePressCache), 0);
@@ -239,7 +263,39 @@ void PixelEngine::pge_UpdateMouseState(int32_t button, bool state) {
 
 void PixelEngine::pge_UpdateKeyState(int32_t key, bool state) {
     // A native code that is not in the table counts as NONE.
-    pKeyNewState[mapKeys[size_t(key)]] = state;
+    pge_SetKeyboardKey(mapKeys[size_t(key)], state);
+}
+
+void PixelEngine::pge_SetKeyboardKey(uint8_t key, bool state) {
+    if (state && !pKeyNewState[key] && key != NONE) ++nKeyboardPresses;
+    pKeyNewState[key] = state;
+}
+
+bool PixelEngine::EnablePads() { return pads.Open(); }
+
+void PixelEngine::SetPadKeys(const PadKeys& keys) {
+    for (uint8_t b = 0; b < PAD_BUTTONS; ++b)
+        if (keys[b] != padKeys[b] && pPadState[b].bHeld) pPadLatched[b] = true;
+    padKeys = keys;
+}
+
+void PixelEngine::pge_ReadPads(bool keys[256]) {
+    bool held[PAD_BUTTONS];
+    pads.Poll(held);
+    ScanButtons(pPadState, held, pPadOldState, PAD_BUTTONS);
+    for (uint8_t b = 0; b < PAD_BUTTONS; ++b) {
+        if (pPadState[b].bPressed) bPadUsedLast = true;
+        if (!held[b]) pPadLatched[b] = false;
+        if (held[b] && !pPadLatched[b] && padKeys[b] != NONE) keys[padKeys[b]] = true;
+    }
+    // A key typed on the keyboard in the same frame has the last word.
+    if (nKeyboardPresses > 0) bPadUsedLast = false;
+    nKeyboardPresses = 0;
+}
+
+void PixelEngine::SetFullScreen(bool full) {
+    if (full == bFullScreen) return;
+    if (platform->SetFullScreen(full) == OK) bFullScreen = full;
 }
 
 void PixelEngine::pge_KeyTyped(uint32_t code, bool ctrl) {
@@ -250,6 +306,14 @@ void PixelEngine::pge_KeyTyped(uint32_t code, bool ctrl) {
 void PixelEngine::pge_UpdateViewport() {
     const int32_t ww = vWindowSize.x;
     const int32_t wh = vWindowSize.y;
+    // Pixel cohesion: the largest whole scale that fits, centred, so that every logical pixel
+    // has the same size; a window smaller than the screen itself takes the fit below.
+    const int32_t whole = std::min(ww / vScreenSize.x, wh / vScreenSize.y);
+    if (bPixelCohesion && whole >= 1) {
+        vViewSize = {vScreenSize.x * whole, vScreenSize.y * whole};
+        vViewPos = {(ww - vViewSize.x) / 2, (wh - vViewSize.y) / 2};
+        return;
+    }
     const float aspect = float(vScreenSize.x * vPixelSize.x) / float(vScreenSize.y * vPixelSize.y);
     const int32_t h = int32_t(float(ww) / aspect);
     if (h <= wh) {

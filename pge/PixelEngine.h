@@ -3,9 +3,11 @@
 // key and mouse state. An application derives from PixelEngine and overrides
 // OnUserCreate, OnUserUpdate and OnUserDestroy.
 #include "pge/Decal.h"
+#include "pge/Gamepad.h"
 #include "pge/Pixel.h"
 #include "pge/Sprite.h"
 
+#include <array>
 #include <atomic>
 #include <chrono>
 #include <cstdint>
@@ -113,6 +115,30 @@ public:
     const vi2d& GetViewPos() const { return vViewPos; }
     const vi2d& GetViewSize() const { return vViewSize; }
 
+    // ---- the window ----
+    bool IsFullScreen() const { return bFullScreen; }
+    // Between window and full screen while the run goes on.
+    void SetFullScreen(bool full);
+    // At most this many frames a second: each frame sleeps what is left of its share, by a
+    // steady clock; 0 (the default) runs as fast as the machine and the swap allow.
+    void SetFrameRateCap(int32_t fps);
+
+    // ---- pads ----
+    // Starts SDL's game controller subsystem; from OnUserCreate, on the engine thread. False
+    // without it, and the run goes on with the keyboard and the mouse.
+    bool EnablePads();
+    // What each pad button stands for: the key it holds down, NONE for nothing. Key state
+    // is the keyboard's and the pad's together, so a pad press is that key's press. A button
+    // that is held while its key changes acts only once it has been let go.
+    using PadKeys = std::array<Key, PAD_BUTTONS>;
+    void SetPadKeys(const PadKeys& keys);
+    // The playing pad's own buttons, whatever they stand for.
+    HWButton GetPadButton(PadButton b) const { return b < PAD_BUTTONS ? pPadState[b] : HWButton(); }
+    // From a press on the playing pad until the next key pressed on the keyboard.
+    bool PadUsedLast() const { return bPadUsedLast; }
+    // The engine's pads, for plugging in a virtual one and asking what is plugged in.
+    Gamepads& Pads() { return pads; }
+
     // Writes p to every pixel of the draw target, alpha included, without blending.
     void Clear(Pixel p);
 
@@ -120,6 +146,7 @@ public:
     void pge_UpdateMouse(int32_t x, int32_t y);
     void pge_UpdateMouseWheel(int32_t delta);
     void pge_UpdateMouseState(int32_t button, bool state);
+    // A native key code from the window's events.
     void pge_UpdateKeyState(int32_t key, bool state);
     // A physical press (no key repeat) that typed the character `code`.
     void pge_KeyTyped(uint32_t code, bool ctrl);
@@ -145,6 +172,12 @@ private:
     void pge_CoreUpdate();
     // One frame with a given duration: input, the application, the picture.
     void pge_Frame(float fElapsedTime);
+    // Sleeps until the frame rate cap allows the next frame.
+    void pge_WaitForNextFrame();
+    // A key of the keyboard goes down or up.
+    void pge_SetKeyboardKey(uint8_t key, bool state);
+    // Reads the playing pad and folds the keys its buttons stand for into `keys`.
+    void pge_ReadPads(bool keys[256]);
 
     Sprite* pDrawTarget = nullptr;
     vi2d vScreenSize{256, 240};
@@ -184,6 +217,15 @@ private:
     std::deque<TypedKey> typedCache; // written by the event handler, taken one a frame
     TypedKey typedKey;
     Renderable fontRenderable;
+    uint32_t nKeyboardPresses = 0; // since the last frame
+    Gamepads pads;
+    PadKeys padKeys{};
+    bool pPadOldState[PAD_BUTTONS] = {};
+    HWButton pPadState[PAD_BUTTONS] = {};
+    bool pPadLatched[PAD_BUTTONS] = {}; // held while its key changed: acts once let go
+    bool bPadUsedLast = false;
+    std::chrono::steady_clock::duration frameShare{0}; // 0: no cap
+    std::chrono::steady_clock::time_point nextFrameAt;
 };
 
 } // namespace pge

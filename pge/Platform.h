@@ -23,6 +23,8 @@ public:
     // May change windowSize (full screen takes what the window manager gives).
     virtual rcode CreateWindowPane(const vi2d& windowPos, vi2d& windowSize, bool bFullScreen) = 0;
     virtual rcode SetWindowTitle(const std::string& s) = 0;
+    // Between window and full screen on an open window.
+    virtual rcode SetFullScreen(bool bFullScreen) = 0;
     virtual rcode StartSystemEventLoop() = 0;
     virtual rcode HandleSystemEvent() = 0;
 

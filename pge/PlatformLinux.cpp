@@ -22,6 +22,33 @@ int ConnectionLost(Display*) {
     std::_Exit(1);
 }
 
+// Adds or removes the full-screen state through the window manager (EWMH).
+void SendFullScreenState(Display* display, Window window, bool full) {
+    const Window root = DefaultRootWindow(display);
+    XEvent xev{};
+    xev.type = ClientMessage;
+    xev.xclient.window = window;
+    xev.xclient.message_type = XInternAtom(display, "_NET_WM_STATE", False);
+    xev.xclient.format = 32;
+    xev.xclient.data.l[0] = full ? 1 : 0; // add or remove
+    xev.xclient.data.l[1] = long(XInternAtom(display, "_NET_WM_STATE_FULLSCREEN", False));
+    XSendEvent(display, root, False, SubstructureRedirectMask | SubstructureNotifyMask, &xev);
+}
+
+// Whether a window manager that follows EWMH runs: it names itself on the root window.
+bool WindowManagerRuns(Display* display) {
+    Atom type = None;
+    int format = 0;
+    unsigned long count = 0, after = 0;
+    unsigned char* data = nullptr;
+    const Atom check = XInternAtom(display, "_NET_SUPPORTING_WM_CHECK", True);
+    if (check == None) return false;
+    XGetWindowProperty(display, DefaultRootWindow(display), check, 0, 1, False, AnyPropertyType, &type, &format,
+                       &count, &after, &data);
+    if (data) XFree(data);
+    return type != None && count > 0;
+}
+
 } // namespace
 
 void FillKeyTable() {
@@ -146,17 +173,8 @@ rcode Platform_Linux::CreateWindowPane(const vi2d& windowPos, vi2d& windowSize, 
     XStoreName(display, window, "Pixelrahmen");
 
     if (bFullScreen) {
-        Atom wmState = XInternAtom(display, "_NET_WM_STATE", False);
-        Atom fullScreen = XInternAtom(display, "_NET_WM_STATE_FULLSCREEN", False);
         XMapWindow(display, window);
-        XEvent xev{};
-        xev.type = ClientMessage;
-        xev.xclient.window = window;
-        xev.xclient.message_type = wmState;
-        xev.xclient.format = 32;
-        xev.xclient.data.l[0] = 1; // add
-        xev.xclient.data.l[1] = long(fullScreen);
-        XSendEvent(display, root, False, SubstructureRedirectMask | SubstructureNotifyMask, &xev);
+        SendFullScreenState(display, window, true);
         XFlush(display);
         XWindowAttributes gwa;
         XGetWindowAttributes(display, window, &gwa);
@@ -169,6 +187,28 @@ rcode Platform_Linux::CreateWindowPane(const vi2d& windowPos, vi2d& windowSize, 
 
 rcode Platform_Linux::SetWindowTitle(const std::string& s) {
     if (display) XStoreName(display, window, s.c_str());
+    return OK;
+}
+
+rcode Platform_Linux::SetFullScreen(bool bFullScreen) {
+    if (!display) return FAIL;
+    SendFullScreenState(display, window, bFullScreen);
+    if (!WindowManagerRuns(display)) {
+        if (bFullScreen) {
+            XWindowAttributes gwa;
+            XGetWindowAttributes(display, window, &gwa);
+            windowed[0] = gwa.x;
+            windowed[1] = gwa.y;
+            windowed[2] = gwa.width;
+            windowed[3] = gwa.height;
+            XWindowAttributes root;
+            XGetWindowAttributes(display, DefaultRootWindow(display), &root);
+            XMoveResizeWindow(display, window, 0, 0, unsigned(root.width), unsigned(root.height));
+        } else if (windowed[2] > 0 && windowed[3] > 0) {
+            XMoveResizeWindow(display, window, windowed[0], windowed[1], unsigned(windowed[2]), unsigned(windowed[3]));
+        }
+    }
+    XFlush(display);
     return OK;
 }
 

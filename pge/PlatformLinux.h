@@ -25,6 +25,9 @@ public:
     // Without an X server: one line on stderr and FAIL.
     rcode CreateWindowPane(const vi2d& windowPos, vi2d& windowSize, bool bFullScreen) override;
     rcode SetWindowTitle(const std::string& s) override;
+    // Asks the window manager; without one that knows full screen, the window covers the
+    // screen itself and goes back to its place after.
+    rcode SetFullScreen(bool bFullScreen) override;
     rcode StartSystemEventLoop() override;
     rcode HandleSystemEvent() override;
 
@@ -32,6 +35,7 @@ private:
     _XDisplay* display = nullptr;
     unsigned long window = 0;
     void* visualInfo = nullptr; // XVisualInfo*
+    int windowed[4] = {0, 0, 0, 0}; // x, y, width, height before the screen was covered
     // The last key release: the server's auto-repeat sends a release and a press of the same
     // key with the same time, and such a press types nothing.
     unsigned int releasedKey = 0;

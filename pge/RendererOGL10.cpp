@@ -31,7 +31,8 @@ rcode Renderer_OGL10::CreateDevice(std::vector<void*> handles, bool, bool bVSYNC
     using SwapInterval = void (*)(Display*, GLXDrawable, int);
     auto swapInterval = reinterpret_cast<SwapInterval>(
         glXGetProcAddress(reinterpret_cast<const GLubyte*>("glXSwapIntervalEXT")));
-    if (swapInterval && !bVSYNC) swapInterval(display, window, 0);
+    // One swap per refresh when vertical sync is asked for, else as fast as the frames go.
+    if (swapInterval) swapInterval(display, window, bVSYNC ? 1 : 0);
     if (!swapInterval) {
         std::printf("NOTE: Could not disable VSYNC, glXSwapIntervalEXT() was not found!\n");
         std::printf("      Don't worry though, things will still work, it's just the\n");

@@ -25,6 +25,7 @@ public:
         return inner->CreateWindowPane(windowPos, windowSize, bFullScreen);
     }
     pge::rcode SetWindowTitle(const std::string&) override { return inner->SetWindowTitle(title); }
+    pge::rcode SetFullScreen(bool bFullScreen) override { return inner->SetFullScreen(bFullScreen); }
     pge::rcode StartSystemEventLoop() override { return inner->StartSystemEventLoop(); }
     pge::rcode HandleSystemEvent() override { return inner->HandleSystemEvent(); }
 

@@ -5,6 +5,7 @@
 #include "game/stage/TowerView.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <cstring>
 
@@ -25,12 +26,50 @@ bool Cycled(const std::vector<adv::PaletteCycle>& cycles, int index) {
 
 } // namespace
 
-void TowerView::BuildBackground(const Game& game, const Layout& lay) {
-    const int W = lay.stage.w;
-    const int H = lay.stage.h;
-    background = std::make_unique<pge::Sprite>(W, H);
+namespace {
 
-    // The vignette: darker towards the corners, up to 71/255.
+// The stage's pixels from a paletted image at the stage's full width, hanging from the top of
+// the screen, under the vignette, and which of them cycle. Reads nothing but its arguments,
+// so that it can run on a thread of its own.
+TowerView::ImageLayer MakeImageLayer(const std::string& key, const std::string& path,
+                                     const std::vector<adv::PaletteCycle>& cycles, const std::vector<uint8_t>& vignette,
+                                     const StageRect& stage, float time) {
+    TowerView::ImageLayer layer;
+    layer.key = key;
+    layer.stage = stage;
+    const int W = stage.w;
+    const int H = stage.h;
+    auto image = std::make_unique<adv::IndexedImage>();
+    if (W <= 0 || H <= 0 || !image->Load(path) || image->width <= 0 || image->height <= 0) return layer;
+    const int iw = image->width;
+    const int ih = image->height;
+    const long sh = std::max(std::lround(static_cast<double>(ih) * W / iw), 1L);
+    const std::array<pge::Pixel, 256> pal = image->CycledPalette(cycles, time);
+    layer.pixels.resize(static_cast<size_t>(W) * static_cast<size_t>(H));
+    for (int y = 0; y < H; ++y) {
+        const int sy = static_cast<int>(
+            std::clamp((static_cast<long>(y + stage.y) * ih) / sh, 0L, static_cast<long>(ih - 1)));
+        for (int x = 0; x < W; ++x) {
+            const int sx = std::min((x * iw) / W, iw - 1);
+            const uint8_t idx = image->pixels[static_cast<size_t>(sy) * static_cast<size_t>(iw) + static_cast<size_t>(sx)];
+            const int32_t at = y * W + x;
+            layer.pixels[static_cast<size_t>(at)] = Darken(pal[idx], vignette[static_cast<size_t>(at)]);
+            if (Cycled(cycles, idx)) layer.cyclePixels.push_back({at, idx});
+        }
+    }
+    for (const adv::PaletteCycle& c : cycles) layer.cycleFrames.push_back(c.Frame(time));
+    layer.image = std::move(image);
+    return layer;
+}
+
+bool SameStage(const StageRect& a, const StageRect& b) { return a.w == b.w && a.h == b.h && a.y == b.y; }
+
+} // namespace
+
+void TowerView::MakeVignette(int W, int H) {
+    if (vignetteSize.w == W && vignetteSize.h == H && vignette.size() == size_t(std::max(W, 0)) * size_t(std::max(H, 0)))
+        return;
+    // Darker towards the corners, up to 71/255.
     vignette.assign(static_cast<size_t>(std::max(W, 0)) * static_cast<size_t>(std::max(H, 0)), 0);
     const float inner = static_cast<float>(std::min(W, H)) * 0.35f;
     const float outer = static_cast<float>(std::max(W, H)) * 0.75f;
@@ -42,6 +81,38 @@ void TowerView::BuildBackground(const Game& game, const Layout& lay) {
             vignette[static_cast<size_t>(y) * static_cast<size_t>(W) + static_cast<size_t>(x)] =
                 static_cast<uint8_t>(std::min(static_cast<int>((d - inner) / (outer - inner) * 71.0f), 71));
         }
+    vignetteSize = {0, 0, W, H};
+}
+
+void TowerView::Prepare(int level, const StageRect& stage) {
+    // The runner's sheets, one a call: each is a picture to decode and a texture to make. A
+    // missing one is left to the runner, who says so when he is drawn.
+    if (sheetsLoaded < RunnerSheets().size()) {
+        const char* sheet = RunnerSheets()[sheetsLoaded++];
+        if (!adv::Assets::Missing(sheet)) adv::Assets::Sprite(sheet);
+    }
+
+    const std::string& key = BackgroundFor(ThemeFor(level));
+    // Without an image file there is nothing to open: the landscape is painted.
+    if (key.empty() || adv::Assets::Missing(key)) return;
+    if (preparing.valid()) {
+        if (preparingKey == key && SameStage(preparingStage, stage)) return;
+        // Another landscape is wanted now; the one on its way is let go once it is there.
+        if (preparing.wait_for(std::chrono::seconds(0)) != std::future_status::ready) return;
+        preparing = {};
+    }
+    MakeVignette(stage.w, stage.h);
+    preparingKey = key;
+    preparingStage = stage;
+    preparing = std::async(std::launch::async, MakeImageLayer, key, adv::Assets::Root() + "/" + key,
+                           ColorCyclesFor(key), vignette, stage, lastTime);
+}
+
+void TowerView::BuildBackground(const Game& game, const Layout& lay) {
+    const int W = lay.stage.w;
+    const int H = lay.stage.h;
+    background = std::make_unique<pge::Sprite>(W, H);
+    MakeVignette(W, H);
 
     painted = false;
     indexed.reset();
@@ -52,34 +123,25 @@ void TowerView::BuildBackground(const Game& game, const Layout& lay) {
 
     const std::string& key = BackgroundFor(ThemeFor(game.level));
     const std::string path = adv::Assets::Root() + "/" + key;
-    pge::Pixel* out = background->GetData();
 
-    auto image = std::make_unique<adv::IndexedImage>();
-    if (!key.empty() && W > 0 && H > 0 && image->Load(path) && image->width > 0 && image->height > 0) {
-        indexed = std::move(image);
+    const bool file = !key.empty() && !adv::Assets::Missing(key);
+    // Made ahead while a card stood, or now.
+    ImageLayer layer;
+    if (preparing.valid() && preparingKey == key && SameStage(preparingStage, lay.stage)) {
+        layer = preparing.get();
+    } else if (file) {
+        layer = MakeImageLayer(key, path, ColorCyclesFor(key), vignette, lay.stage, lastTime);
+    }
+    if (layer.image) {
+        indexed = std::move(layer.image);
         cycles = ColorCyclesFor(key);
-        const int iw = indexed->width;
-        const int ih = indexed->height;
-        frame = TowerFrameFor(key, iw, ih);
-        frameScale = static_cast<float>(W) / static_cast<float>(iw);
-        // The image at the stage's full width, hanging from the top of the screen.
-        const long sh = std::max(std::lround(static_cast<double>(ih) * W / iw), 1L);
-        const std::array<pge::Pixel, 256> pal = indexed->CycledPalette(cycles, lastTime);
-        for (int y = 0; y < H; ++y) {
-            const int sy = static_cast<int>(std::clamp((static_cast<long>(y + lay.stage.y) * ih) / sh, 0L,
-                                                       static_cast<long>(ih - 1)));
-            for (int x = 0; x < W; ++x) {
-                const int sx = std::min((x * iw) / W, iw - 1);
-                const uint8_t idx = indexed->pixels[static_cast<size_t>(sy) * static_cast<size_t>(iw) +
-                                                    static_cast<size_t>(sx)];
-                const int32_t at = y * W + x;
-                out[at] = Darken(pal[idx], vignette[static_cast<size_t>(at)]);
-                if (Cycled(cycles, idx)) cyclePixels.push_back({at, idx});
-            }
-        }
-        for (const adv::PaletteCycle& c : cycles) cycleFrames.push_back(c.Frame(lastTime));
+        frame = TowerFrameFor(key, indexed->width, indexed->height);
+        frameScale = static_cast<float>(W) / static_cast<float>(indexed->width);
+        background->pColData = std::move(layer.pixels);
+        cyclePixels = std::move(layer.cyclePixels);
+        cycleFrames = std::move(layer.cycleFrames);
         painted = true;
-    } else if (!key.empty() && W > 0 && H > 0 && !adv::Assets::Missing(key)) {
+    } else if (file && W > 0 && H > 0) {
         const pge::Sprite source(path);
         if (source.width > 0 && source.height > 0) {
             frame = TowerFrameFor(key, source.width, source.height);
@@ -89,7 +151,7 @@ void TowerView::BuildBackground(const Game& game, const Layout& lay) {
             const std::unique_ptr<pge::Sprite> scaled = adv::canvas::Downscale(source, W, sh);
             for (int y = 0; y < H; ++y) {
                 const int sy = std::clamp(y + lay.stage.y, 0, sh - 1);
-                std::memcpy(out + static_cast<size_t>(y) * static_cast<size_t>(W),
+                std::memcpy(background->GetData() + static_cast<size_t>(y) * static_cast<size_t>(W),
                             scaled->GetData() + static_cast<size_t>(sy) * static_cast<size_t>(W),
                             static_cast<size_t>(W) * sizeof(pge::Pixel));
             }
@@ -97,8 +159,10 @@ void TowerView::BuildBackground(const Game& game, const Layout& lay) {
         }
     }
     if (!painted) BuildPaintedBackground(game, lay);
-    if (!indexed)
+    if (!indexed) {
+        pge::Pixel* out = background->GetData();
         for (size_t i = 0; i < vignette.size(); ++i) out[i] = Darken(out[i], vignette[i]);
+    }
 
     backgroundLevel = game.level;
     cachedStage = lay.stage;

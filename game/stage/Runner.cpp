@@ -36,6 +36,11 @@ void DrawFrame(pge::Sprite* target, const char* key, int frame, bool mirror, flo
 
 } // namespace
 
+const std::array<const char*, 5>& TowerView::RunnerSheets() {
+    static const std::array<const char*, 5> kSheets = {kRunRight, kRunLeft, kIdle, kDrop, kJump};
+    return kSheets;
+}
+
 void TowerView::ResetRunner() {
     runnerTower = -1;
     runnerColumn = 0.0f;

@@ -9,8 +9,10 @@
 #include "pge/PixelEngine.h"
 #include "pge/Sprite.h"
 
+#include <array>
 #include <cstdint>
 #include <functional>
+#include <future>
 #include <memory>
 #include <random>
 #include <string>
@@ -143,6 +145,8 @@ public:
     // ---- the runner on the rim ----
     void UpdateRunner(const Game& game, float dt, float camera);
     void DrawRunner(pge::Sprite* target, const Game& game, const Geo& geo) const;
+    // The asset keys of his five sheets.
+    static const std::array<const char*, 5>& RunnerSheets();
 
     // ---- carousels, labels, arrows and minimap ----
     // A piece as a small icon centred at (cx, cy), cells of `size` pixels.
@@ -179,6 +183,21 @@ public:
     void OnEvent(const Event& event, const Game& game);
     void DrawEffects(pge::PixelEngine& engine, const Game& game, const Layout& layout);
 
+    // The part of a landscape that its paletted image gives: the stage's pixels under the
+    // vignette and which of them cycle, with what they were made for. Without an image that
+    // loads, `image` stays null.
+    struct ImageLayer {
+        std::string key;
+        StageRect stage;
+        std::unique_ptr<adv::IndexedImage> image;
+        std::vector<pge::Pixel> pixels;
+        std::vector<CyclePixel> cyclePixels;
+        std::vector<int32_t> cycleFrames;
+    };
+    // Called while a card stands: starts making the landscape of `level` on a thread of its
+    // own, for BuildBackground to take over when that level is laid out, and loads one more
+    // of the runner's sheets. A level's start then has nothing left to open or decode.
+    void Prepare(int level, const StageRect& stage);
     void BuildBackground(const Game& game, const Layout& layout);
     void BuildPaintedBackground(const Game& game, const Layout& layout);
     void DrawBackground(pge::PixelEngine& engine, const Game& game, const Layout& layout, float time);
@@ -197,6 +216,7 @@ public:
     std::vector<int32_t> cycleFrames;
     std::vector<CyclePixel> cyclePixels;
     std::vector<uint8_t> vignette;
+    StageRect vignetteSize; // the w and h it was made for
     StageRect cachedStage;
     // The background with the clouds on it, and the clouds' spans that it holds.
     std::unique_ptr<pge::Sprite> sky;
@@ -244,6 +264,14 @@ private:
     void DrawStanding(pge::PixelEngine& engine, const Game& game, const Layout& layout, int tower) const;
     // The runner back at no tower, so that his next update places him without a jump.
     void ResetRunner();
+    // The vignette of a stage of W by H, made once for each size.
+    void MakeVignette(int W, int H);
+
+    // The landscape on its way from Prepare, and how many sheets Prepare has loaded.
+    std::future<ImageLayer> preparing;
+    std::string preparingKey;
+    StageRect preparingStage;
+    size_t sheetsLoaded = 0;
 
     // A stretch of one row of the wall map whose pixels are treated alike.
     enum class RunKind : uint8_t { Shadow, ShadowGrid, Solid };

@@ -62,7 +62,13 @@ TEST(SoundsPlay, ClipsAreMadeOnceAndEveryEffectSounds) {
     EXPECT_EQ(NextId(), 12);
     sounds::Play(Sfx::Whistle, 1.2006f); // key 1201: new
     EXPECT_EQ(NextId(), 14);
-    EXPECT_EQ(adv::Sound::ActiveVoices(), 3u);
+    // Made ahead, twice asked for: one clip, taken when the whistle first sounds.
+    sounds::PrepareWhistle(1.5f);
+    sounds::PrepareWhistle(1.5f);
+    sounds::PrepareWhistle(1.2f); // key 1200 exists
+    sounds::Play(Sfx::Whistle, 1.5f);
+    EXPECT_EQ(NextId(), 16);
+    EXPECT_EQ(adv::Sound::ActiveVoices(), 4u);
     for (int e = 0; e < 10; ++e) {
         adv::Sound::StopAll();
         sounds::Play(Sfx(e), 0.3f);

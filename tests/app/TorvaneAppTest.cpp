@@ -35,7 +35,7 @@ struct OfflineAudio {
     ~OfflineAudio() { adv::mixer::UseOffline(0); }
 };
 
-bool Apply(TorvaneApp& app, std::vector<const char*> args) {
+torvane::WindowOptions Apply(TorvaneApp& app, std::vector<const char*> args) {
     args.insert(args.begin(), "torvane");
     return ApplyRunOptions(app, int(args.size()), args.data());
 }
@@ -57,17 +57,37 @@ std::string TempPath(const std::string& name) {
 
 } // namespace
 
-TEST(TorvaneAppRunOptions, DefaultsAndTheWindowedFlag) {
+TEST(TorvaneAppRunOptions, DefaultsAndTheWindow) {
     TorvaneApp app;
     EXPECT_EQ(app.sAppName, "Torvane");
-    EXPECT_FALSE(Apply(app, {}));
+    const torvane::WindowOptions plain = Apply(app, {});
+    EXPECT_FALSE(plain.windowed);
+    EXPECT_EQ(plain.scale, 2);
+    EXPECT_FALSE(plain.pixelPerfect);
+    EXPECT_FALSE(plain.vsync);
+    EXPECT_EQ(plain.fps, 0);
     EXPECT_EQ(app.titlePage, -1);
     EXPECT_EQ(app.exitAt, 0.0f);
     EXPECT_FALSE(app.skipIntro);
-    EXPECT_TRUE(Apply(app, {"--windowed"}));
+    EXPECT_TRUE(Apply(app, {"--windowed"}).windowed);
+    const torvane::WindowOptions window = Apply(app, {"--scale=5", "--pixel-perfect", "--vsync", "--fps=30"});
+    EXPECT_EQ(window.scale, 5);
+    EXPECT_TRUE(window.pixelPerfect);
+    EXPECT_TRUE(window.vsync);
+    EXPECT_EQ(window.fps, 30);
+    // The scale is held to 1 to 8; a cap below 1 is no cap.
+    EXPECT_EQ(Apply(app, {"--scale=0"}).scale, 1);
+    EXPECT_EQ(Apply(app, {"--scale=12"}).scale, 8);
+    EXPECT_EQ(Apply(app, {"--fps=-4"}).fps, 0);
+    Apply(app, {"--pad-script=a,wait:1"});
+    EXPECT_EQ(app.padScriptText, "a,wait:1");
     // Near misses and empty arguments are ignored without a word.
     TorvaneApp other;
-    EXPECT_FALSE(Apply(other, {"", "--windowed=1", "-windowed", "--WINDOWED", "--autoplay=x", "--skip-intro "}));
+    const torvane::WindowOptions missed = Apply(other, {"", "--windowed=1", "-windowed", "--WINDOWED", "--autoplay=x",
+                                                       "--skip-intro ", "--vsync=1", "--pixel-perfect=no"});
+    EXPECT_FALSE(missed.windowed);
+    EXPECT_FALSE(missed.vsync);
+    EXPECT_FALSE(missed.pixelPerfect);
     EXPECT_FALSE(other.autoplay);
     EXPECT_FALSE(other.skipIntro);
 }
@@ -146,6 +166,8 @@ TEST(TorvaneAppRunOptions, MalformedNumbersThrowNamedExceptions) {
     EXPECT_EQ(ThrowMessage<std::invalid_argument>({"--level=x3"}), "stoi");
     EXPECT_EQ(ThrowMessage<std::invalid_argument>({"--page="}), "stoi");
     EXPECT_EQ(ThrowMessage<std::invalid_argument>({"--exit-after=soon"}), "stof");
+    EXPECT_EQ(ThrowMessage<std::invalid_argument>({"--scale=big"}), "stoi");
+    EXPECT_EQ(ThrowMessage<std::invalid_argument>({"--fps="}), "stoi");
     EXPECT_EQ(ThrowMessage<std::out_of_range>({"--level=99999999999"}), "stoi");
     EXPECT_EQ(ThrowMessage<std::out_of_range>({"--seed=999999999999999999999999"}), "stoul");
     EXPECT_EQ(ThrowMessage<std::out_of_range>({"--exit-after=1e999"}), "stof");

@@ -81,6 +81,10 @@ TEST_F(TextDrawing, UmlautDotsAndHandMadeGlyphs) {
     const uint8_t eszett[8] = {0x78, 0xCC, 0xD8, 0xCC, 0xC6, 0xCC, 0xD8, 0x00};
     Drawn("\xC3\x9F");
     for (int i = 0; i < 64; ++i) EXPECT_EQ(Set(100 + i % 8, 100 + i / 8), (eszett[i / 8] & (0x80 >> i % 8)) != 0);
+    // The D-pad: a cross outlined, its arms' ends lit and its middle empty.
+    Drawn("\xE2\x9C\x9A");
+    EXPECT_TRUE(Set(100, 103) && Set(106, 103) && Set(103, 100) && Set(103, 106));
+    EXPECT_FALSE(Set(103, 103) || Set(101, 101));
 }
 
 TEST_F(TextDrawing, OnePixelOutlineAtEveryScale) {

@@ -222,21 +222,29 @@ TEST(PixelEngineViewport, KeepsEightToFiveWithCentredBars) {
     EXPECT_EQ(app.GetViewSize().y, 800);
     EXPECT_EQ(app.GetViewPos().x, 0);
 
-    struct Case { int ww, wh, vx, vy, vw, vh; };
-    // Wide windows: full height, bars left and right; tall ones: full width, bars above and below.
+    struct Case { bool cohesion; int ww, wh, vx, vy, vw, vh; };
     const Case cases[] = {
-        {1920, 1080, 96, 0, 1728, 1080},
-        {1000, 1000, 0, 187, 1000, 625},
-        {641, 400, 0, 0, 641, 400}, // 641 / 1.6 = 400.6, cut to 400
-        {800, 300, 160, 0, 480, 300},
-        {333, 777, 0, 284, 333, 208},
+        // Wide windows: full height, bars left and right; tall ones: full width, bars above and below.
+        {false, 1920, 1080, 96, 0, 1728, 1080},
+        {false, 1000, 1000, 0, 187, 1000, 625},
+        {false, 641, 400, 0, 0, 641, 400}, // 641 / 1.6 = 400.6, cut to 400
+        {false, 800, 300, 160, 0, 480, 300},
+        {false, 333, 777, 0, 284, 333, 208},
+        // Pixel cohesion: the largest whole scale that fits, centred; below one the fit.
+        {true, 1920, 1080, 320, 140, 1280, 800},
+        {true, 1000, 1000, 180, 300, 640, 400},
+        {true, 2560, 1600, 0, 0, 2560, 1600},
+        {true, 641, 400, 0, 0, 640, 400},
+        {true, 800, 300, 160, 0, 480, 300},
     };
     for (const Case& c : cases) {
+        // Construct only stores: the cohesion flag changes nothing else.
+        app.Construct(640, 400, 2, 2, false, false, c.cohesion, false);
         run.ResizeWindow(c.ww, c.wh);
-        EXPECT_EQ(app.GetViewPos().x, c.vx) << c.ww << "x" << c.wh;
-        EXPECT_EQ(app.GetViewPos().y, c.vy) << c.ww << "x" << c.wh;
-        EXPECT_EQ(app.GetViewSize().x, c.vw) << c.ww << "x" << c.wh;
-        EXPECT_EQ(app.GetViewSize().y, c.vh) << c.ww << "x" << c.wh;
+        EXPECT_EQ(app.GetViewPos().x, c.vx) << c.ww << "x" << c.wh << " " << c.cohesion;
+        EXPECT_EQ(app.GetViewPos().y, c.vy) << c.ww << "x" << c.wh << " " << c.cohesion;
+        EXPECT_EQ(app.GetViewSize().x, c.vw) << c.ww << "x" << c.wh << " " << c.cohesion;
+        EXPECT_EQ(app.GetViewSize().y, c.vh) << c.ww << "x" << c.wh << " " << c.cohesion;
     }
 }
 

@@ -280,6 +280,25 @@ TEST_F(BackgroundTest, CyclingTouchesOnlyCycledPixelsAndOnlyAtASteps) {
                            Screen().pColData.begin() + 18 * 640));
 }
 
+// Made ahead on a thread of its own while a card stands, at another moment of its cycles, a
+// landscape is the same to the pixel once a frame has drawn it, a step of the cycle later
+// or none.
+TEST_F(BackgroundTest, MadeAheadIsTheSameToThePixel) {
+    WriteWaterBackground(MakeAssetRoot("paletted_ahead"));
+    const Game g = Started(false, 5, 1);
+    const TowerView::Layout layout = view.ComputeLayout(g, stage);
+    for (const float time : {0.1f, 0.3f}) {
+        TowerView ahead, now;
+        ahead.Prepare(g.level, stage); // at time 0
+        ahead.DrawBackground(engine, g, layout, time);
+        now.lastTime = time;
+        now.DrawBackground(engine, g, layout, time);
+        EXPECT_EQ(ahead.background->pColData, now.background->pColData) << time;
+        EXPECT_EQ(ahead.cyclePixels.size(), now.cyclePixels.size()) << time;
+        EXPECT_EQ(ahead.cycleFrames, now.cycleFrames) << time;
+    }
+}
+
 TEST_F(BackgroundTest, PalettedFrameWithCycle) {
     WriteWaterBackground(MakeAssetRoot("paletted_reference"));
     Game g = Started(false, 5, 1);

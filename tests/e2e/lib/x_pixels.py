@@ -7,10 +7,16 @@ Usage:
       it); exit 1 on timeout.
   python3 x_pixels.py count WINDOW X0 Y0 X1 Y1 RRGGBB
       prints how many logical pixels of the rectangle have the colour.
+  python3 x_pixels.py view WINDOW [FILE.png]
+      in window pixels: prints "WIDTH HEIGHT X0 Y0 X1 Y1", the window's size and the
+      rectangle outside which it is black (the picture within its bars), and writes the
+      whole window as a PNG if asked.
 """
 import ctypes
+import struct
 import sys
 import time
+import zlib
 
 x11 = ctypes.cdll.LoadLibrary("libX11.so.6")
 x11.XOpenDisplay.restype = ctypes.c_void_p
@@ -18,6 +24,7 @@ x11.XOpenDisplay.argtypes = [ctypes.c_char_p]
 x11.XGetImage.restype = ctypes.c_void_p
 x11.XGetImage.argtypes = [ctypes.c_void_p, ctypes.c_ulong, ctypes.c_int, ctypes.c_int, ctypes.c_uint,
                           ctypes.c_uint, ctypes.c_ulong, ctypes.c_int]
+x11.XGetWindowAttributes.argtypes = [ctypes.c_void_p, ctypes.c_ulong, ctypes.c_void_p]
 x11.XGetPixel.restype = ctypes.c_ulong
 x11.XGetPixel.argtypes = [ctypes.c_void_p, ctypes.c_int, ctypes.c_int]
 x11.XDestroyImage = None  # a macro in C; the images are few and the process is short
@@ -35,6 +42,53 @@ def grab(window, x0, y0, x1, y1):
     if not image:
         return None
     return [[x11.XGetPixel(image, 2 * x, 2 * y) & 0xFFFFFF for x in range(x1 - x0)] for y in range(y1 - y0)]
+
+
+class XWindowAttributes(ctypes.Structure):
+    _fields_ = [("x", ctypes.c_int), ("y", ctypes.c_int), ("width", ctypes.c_int), ("height", ctypes.c_int)]
+    # The rest of the structure is not read; room enough for it.
+    _fields_ += [("rest", ctypes.c_char * 256)]
+
+
+class XImage(ctypes.Structure):
+    _fields_ = [("width", ctypes.c_int), ("height", ctypes.c_int), ("xoffset", ctypes.c_int),
+                ("format", ctypes.c_int), ("data", ctypes.POINTER(ctypes.c_ubyte)), ("byte_order", ctypes.c_int),
+                ("bitmap_unit", ctypes.c_int), ("bitmap_bit_order", ctypes.c_int), ("bitmap_pad", ctypes.c_int),
+                ("depth", ctypes.c_int), ("bytes_per_line", ctypes.c_int), ("bits_per_pixel", ctypes.c_int)]
+
+
+def whole(window):
+    """The window's pixels as rows of RGB bytes, at window resolution (32-bit visuals)."""
+    attributes = XWindowAttributes()
+    x11.XGetWindowAttributes(display, window, ctypes.byref(attributes))
+    w, h = attributes.width, attributes.height
+    image = ctypes.cast(x11.XGetImage(display, window, 0, 0, w, h, ALL_PLANES, Z_PIXMAP), ctypes.POINTER(XImage))
+    if not image or image.contents.bits_per_pixel != 32:
+        sys.exit("window not readable as 32-bit pixels")
+    line = image.contents.bytes_per_line
+    raw = ctypes.string_at(image.contents.data, line * h)
+    rows = []
+    for y in range(h):
+        bgrx = raw[y * line:y * line + 4 * w]  # little-endian 32-bit pixels: B G R X
+        rgb = bytearray(3 * w)
+        rgb[0::3], rgb[1::3], rgb[2::3] = bgrx[2::4], bgrx[1::4], bgrx[0::4]
+        rows.append(bytes(rgb))
+    return w, h, rows
+
+
+def view(window, path):
+    w, h, rows = whole(window)
+    lit = [y for y in range(h) if rows[y].strip(b"\0")]
+    x0 = min((len(r) - len(r.lstrip(b"\0"))) // 3 for r in rows if r.strip(b"\0")) if lit else 0
+    x1 = max((len(r.rstrip(b"\0")) + 2) // 3 for r in rows if r.strip(b"\0")) if lit else 0
+    print(w, h, x0, lit[0] if lit else 0, x1, lit[-1] + 1 if lit else 0)
+    if path:
+        def chunk(kind, body):
+            return struct.pack(">I", len(body)) + kind + body + struct.pack(">I", zlib.crc32(kind + body))
+        with open(path, "wb") as out:
+            out.write(b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", struct.pack(">IIBBBBB", w, h, 8, 2, 0, 0, 0))
+                      + chunk(b"IDAT", zlib.compress(b"".join(b"\0" + r for r in rows)))
+                      + chunk(b"IEND", b""))
 
 
 def wait(window, x, y, colour, seconds, gone):
@@ -58,6 +112,9 @@ def main(args):
         x0, y0, x1, y1, colour = int(args[2]), int(args[3]), int(args[4]), int(args[5]), int(args[6], 16)
         rows = grab(window, x0, y0, x1, y1) or []
         print(sum(1 for row in rows for c in row if c == colour))
+        return 0
+    if command == "view":
+        view(window, args[2] if len(args) > 2 else None)
         return 0
     sys.exit("unknown command " + command)
 
