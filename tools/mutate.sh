@@ -172,7 +172,9 @@ worker() {
         if [ "$line" = gone ]; then
             status=gone line=-
         else
-            targets="$(unit_tests "$file") $(programs "$file")"
+            # The programs too when they are tested, or when nothing else tells if it builds.
+            targets=$(unit_tests "$file")
+            [ -n "$targets" ] || targets=$(programs "$file")
             [ "$e2e" = 0 ] || targets="$targets $all_programs"
             # shellcheck disable=SC2086
             if cmake --build "$dir/build" -j1 --target $targets >"$log" 2>&1; then
