@@ -193,6 +193,7 @@ def occurrence(lines, number):
 
 
 def make(root, seed, count, out):
+    seed, count = int(seed), int(count)
     rng = random.Random(seed)
     candidates = [(path, number, line, found)
                   for path in sources(root) for number, line, found in logic_lines(root, path)]
@@ -363,7 +364,7 @@ def report(list_file, results_file):
     timeouts = sum(1 for r in results.values() if r[0] == "timeout")
     seconds = [r[2] for r in results.values() if r[0] != "gone"]
     print(f"(timeouts, counted as killed: {timeouts}; "
-          f"{sum(seconds) / max(len(seconds), 1):.0f} s per mutant run)")
+          f"{sum(seconds) / max(len(seconds), 1):.1f} s per mutant run)")
     print("\nSurvivors:")
     for mutant in mutants:
         status, line, _ = results.get(mutant["id"], ("notrun", "", 0))
@@ -373,20 +374,8 @@ def report(list_file, results_file):
 
 
 if __name__ == "__main__":
-    command, args = sys.argv[1], sys.argv[2:]
-    if command == "make":
-        make(args[0], int(args[1]), int(args[2]), args[3])
-    elif command == "ids":
-        ids(args[0])
-    elif command == "show":
-        show(*args)
-    elif command == "apply":
-        apply(*args)
-    elif command == "restore":
-        restore(args[0])
-    elif command == "sync":
-        sync(*args)
-    elif command == "report":
-        report(*args)
-    else:
+    commands = {"make": make, "ids": ids, "show": show, "apply": apply, "restore": restore,
+                "sync": sync, "report": report}
+    if len(sys.argv) < 2 or sys.argv[1] not in commands:
         sys.exit(__doc__)
+    commands[sys.argv[1]](*sys.argv[2:])

@@ -184,7 +184,8 @@ worker() {
             fi
         fi
         python3 "$HELPER" restore "$dir/save"
-        local seconds=$(( ($(date +%s%N) - start) / 1000000000 ))
+        local seconds
+        seconds=$(awk -v ns=$(( $(date +%s%N) - start )) 'BEGIN { printf "%.1f", ns / 1e9 }')
         printf '%s\t%s\t%s\t%s\n' "$id" "$status" "$line" "$seconds" >>"$out/results.tsv"
         printf '%4s %-9s %s:%s  %s  (%s s)\n' "$id" "$status" "$file" "$line" "$change" "$seconds"
     done
