@@ -37,7 +37,7 @@ enum Entry : uint8_t {
     kEnd = 0xFF,
 };
 
-// Bounds of what a sound recording holds; anything beyond is damage.
+// Bounds of what a valid recording holds; anything beyond is damage.
 constexpr int64_t kMaxLevel = 1000000;
 constexpr int64_t kMaxId = 1000000000;
 // Eleven days at a thousand frames a second.
