@@ -8,7 +8,6 @@
 
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <string>
 
 namespace torvane {
@@ -106,25 +105,6 @@ TEST_F(PacksTest, TheEditorsTextFieldsTakeLettersDigitsAndBlanksFromTheKeys) {
     EXPECT_EQ(app.editor.page, 2);
     EXPECT_EQ(app.editor.pack.file, "Burg_t2.tpack");
     EXPECT_TRUE(fs::exists(packs + "/Burg_t2.tpack"));
-}
-
-TEST_F(PacksTest, RawPressesTypeCapitalsAndUmlautsIntoTheNames) {
-    Start({"--editor=enter"});
-    Frame();
-    ASSERT_EQ(app.editor.page, 1);
-    TypeText("Jürgen Ö\r"); // a pack of that name, and its page
-    ASSERT_EQ(app.editor.page, 2);
-    app.editorScript = "enter"; // the first level's page, on its name row
-    Frame();
-    ASSERT_TRUE(app.editor.Typing());
-    TypeText("Tür 7");
-    app.editorScript = "esc,esc"; // back to the pack's page, which saves it
-    Frame();
-    Frame();
-    std::ifstream file(packs + "/Jrgen.tpack", std::ios::binary);
-    const std::string text((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
-    EXPECT_NE(text.find("name=Jürgen Ö\n"), std::string::npos) << text;
-    EXPECT_NE(text.find("name=Tür 7\n"), std::string::npos) << text;
 }
 
 TEST_F(PacksTest, AFailedSaveIsShownAndTheWorkGoesOn) {
