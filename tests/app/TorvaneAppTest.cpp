@@ -230,31 +230,6 @@ TEST(TorvaneAppFrame, AMinuteAtAThousandFramesASecondKeepsItsReplayUnderAThirtie
     EXPECT_TRUE(torvane::replay::Decode(stream, read, error)) << torvane::replay::Describe(error);
 }
 
-TEST(TorvaneAppFrame, ExitOnFiresOnAChangeNotAtStart) {
-    TorvaneApp app;
-    Apply(app, {"--skip-intro", "--exit-on=title"});
-    pge::Headless run(app);
-    ASSERT_TRUE(run.Create());
-    ASSERT_EQ(app.game.phase, torvane::Phase::Title);
-    for (int i = 0; i < 20; ++i) ASSERT_TRUE(run.Frame(0.1f));
-    EXPECT_EQ(app.exitAt, 0.0f);
-
-    // Back to the title from a game: the run ends 0.3 s after the change.
-    app.game.NewGame();
-    run.Frame(0.1f);
-    EXPECT_NE(app.game.phase, torvane::Phase::Title);
-    app.game.phase = torvane::Phase::Title;
-    ASSERT_TRUE(run.Frame(0.1f));
-    const float changedAt = app.clock;
-    EXPECT_NEAR(app.exitAt, changedAt + 0.3f, 1e-5);
-    EXPECT_NEAR(app.phaseStart, changedAt, 1e-5);
-    EXPECT_TRUE(run.Frame(0.1f));
-    EXPECT_TRUE(run.Frame(0.1f));
-    run.Frame(0.1f);
-    if (run.Running()) run.Frame(0.1f); // float sums may need one frame more
-    EXPECT_FALSE(run.Running());
-}
-
 // "--level=N --exit-on=CARD" with the bot: the run ends 0.3 s after the first card of that
 // kind, which holds the bot all that time. A card that the bot left in the frame that put it
 // up would go unseen, and the run would end at a later one: a later announce or result, or
