@@ -1,6 +1,8 @@
 // Key and pad sequences through the headless seam on a real application.
 #include "tests/screens/ScreensFixture.h"
 
+#include <tuple>
+
 namespace torvane {
 namespace {
 
@@ -150,25 +152,18 @@ TEST_F(InputTest, AnnounceConfirmIsLockedForItsFirstSixTenths) {
     EXPECT_EQ(app.game.phase, Phase::Attack);
 }
 
-TEST_F(InputTest, ClickReadsTheButtonsOfTheFrameBefore) {
+// A click reads the buttons of the frame before (the screens' tests show that): a button
+// takes its left and top edges, not its right and bottom ones; a miss falls through.
+TEST_F(InputTest, AClickHitsAButtonWithinItsEdges) {
     Start({});
-    run->MoveMouse(25, 14);
-    app.buttons = {{0, 0, 10, 10, ButtonId::TitlePage, 1}, {20, 10, 10, 5, ButtonId::TitlePage, 2}};
-    run->SetMouseButton(0, true);
-    ASSERT_TRUE(Frame());
-    EXPECT_EQ(app.titlePage, 2);
-    // Made anew by each frame's drawing: the title card's own, not these.
-    EXPECT_FALSE(app.buttons.empty());
-    for (const Button& b : app.buttons) EXPECT_FALSE(b.x == 20 && b.y == 10);
-    run->SetMouseButton(0, false);
-    ASSERT_TRUE(Frame());
-
-    // The right and bottom edges lie outside; a miss falls through to the keys.
-    run->MoveMouse(30, 14);
-    app.buttons = {{20, 10, 10, 5, ButtonId::TitlePage, 3}};
-    run->SetMouseButton(0, true);
-    ASSERT_TRUE(Frame());
-    EXPECT_EQ(app.titlePage, 2);
+    const std::tuple<int, int, bool> clicks[] = {{20, 10, true},  {29, 14, true},  {30, 14, false},
+                                                 {25, 15, false}, {19, 12, false}, {25, 9, false}};
+    for (const auto& [x, y, hit] : clicks) {
+        app.titlePage = 0;
+        app.buttons = {{20, 10, 10, 5, ButtonId::TitlePage, 2}};
+        Click(x, y);
+        EXPECT_EQ(app.titlePage, hit ? 2 : 0) << x << "," << y;
+    }
 }
 
 TEST_F(InputTest, SettingsTogglesCycleAndClassicKeepsTheTurn) {
