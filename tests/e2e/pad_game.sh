@@ -3,10 +3,7 @@
 # build with every action, a pause, the pad pulled out and plugged in again, the announce
 # card, the attack with repairs, and the over card's name field, arcade style. Then, with a
 # pad plugged in, SIGTERM and SIGINT still end the game.
-set -euo pipefail
-BUILD=$1
-HERE=$(cd "$(dirname "$0")" && pwd)
-source "$HERE/lib/xvfb.bash"
+source "$(dirname "$0")/lib/xvfb.bash"
 start_xvfb_in_workdir
 
 repairs=""

@@ -2,10 +2,7 @@
 # The window is titled "Torvane", and the window manager's close message ends the run with
 # status 0; so do SIGTERM (kill, a logout) and SIGINT (Ctrl+C in a terminal). The game plays
 # sound throughout, through SDL's silent driver: opening audio must not take the signals.
-set -euo pipefail
-BUILD=$1
-HERE=$(cd "$(dirname "$0")" && pwd)
-source "$HERE/lib/xvfb.bash"
+source "$(dirname "$0")/lib/xvfb.bash"
 start_xvfb
 export SDL_AUDIODRIVER=dummy
 # Job control, so that the game is started as from a terminal: a background job of a
@@ -37,10 +34,7 @@ expect_end() {
         sleep 0.05
     done
     kill -0 "$GAME" 2>/dev/null && fail "still running after $1"
-    set +e
-    wait "$GAME"
-    rc=$?
-    set -e
+    status wait "$GAME"
     GAME=""
     [ "$rc" -eq 0 ] || fail "exit status $rc after $1"
 }

@@ -13,10 +13,12 @@ Usage:
       whole window as a PNG if asked.
 """
 import ctypes
-import struct
+import os
 import sys
 import time
-import zlib
+
+sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
+from pictures import write  # noqa: E402
 
 x11 = ctypes.cdll.LoadLibrary("libX11.so.6")
 x11.XOpenDisplay.restype = ctypes.c_void_p
@@ -83,12 +85,7 @@ def view(window, path):
     x1 = max((len(r.rstrip(b"\0")) + 2) // 3 for r in rows if r.strip(b"\0")) if lit else 0
     print(w, h, x0, lit[0] if lit else 0, x1, lit[-1] + 1 if lit else 0)
     if path:
-        def chunk(kind, body):
-            return struct.pack(">I", len(body)) + kind + body + struct.pack(">I", zlib.crc32(kind + body))
-        with open(path, "wb") as out:
-            out.write(b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", struct.pack(">IIBBBBB", w, h, 8, 2, 0, 0, 0))
-                      + chunk(b"IDAT", zlib.compress(b"".join(b"\0" + r for r in rows)))
-                      + chunk(b"IEND", b""))
+        write(path, w, h, rows)
 
 
 def wait(window, x, y, colour, seconds, gone):
