@@ -13,9 +13,7 @@ mkdir -p assets/torvane # an asset tree of our own: no title picture yet
 PANEL=232c36   # card body
 CHESTNUT=d0764a
 FG=eee6d6
-"$BUILD/torvane" --windowed --no-sound --seed=4 2>/dev/null &
-GAME=$!
-find_window
+start_game --no-sound --seed=4
 
 # After the logo, page 0 stands over the tower view: a card body left of the story.
 px wait "$WINDOW" 90 300 "$PANEL" 15 || fail "no title page"

@@ -35,19 +35,9 @@ entry=$(cut -f4 "$scores" | head -1)
 for signal in TERM INT; do
     env --default-signal=INT "$BUILD/torvane" --windowed --no-sound --skip-intro --pad-script=wait:60 2>/dev/null &
     GAME=$!
-    timeout 20 xdotool search --sync --name '^Torvane$' >/dev/null || fail "no window"
+    find_window
     sleep 0.5
     kill -s "$signal" "$GAME"
-    for i in $(seq 1 100); do
-        kill -0 "$GAME" 2>/dev/null || break
-        sleep 0.05
-    done
-    if kill -0 "$GAME" 2>/dev/null; then
-        kill -s KILL "$GAME"
-        fail "SIG$signal did not end the game with a pad plugged in"
-    fi
-    rc=0
-    wait "$GAME" || rc=$?
-    [ "$rc" -eq 0 ] || fail "SIG$signal ended the game with status $rc"
+    expect_end "SIG$signal with a pad plugged in"
 done
 echo OK

@@ -8,9 +8,7 @@ source "$(dirname "$0")/lib/xvfb.bash"
 SOURCE=$(cd "$HERE/../.." && pwd)
 start_xvfb_in_workdir
 
-"$BUILD/torvane" --windowed --no-sound --seed=3 --level=1 --exit-after=9 --record=keys.trep 2>/dev/null &
-GAME=$!
-find_window
+start_game --no-sound --seed=3 --level=1 --exit-after=9 --record=keys.trep
 sleep 0.5
 # Moves, turns and drops in the build, a pause and its end, the build ended with Enter.
 tap Left Left space Down Right Right Down Tab Down Escape Escape Down Return

@@ -10,9 +10,7 @@ shot() { "$BUILD/torvane" --windowed --no-sound --skip-intro --exit-after=1.5 --
 shot english.png || fail "first run"
 [ ! -e "$XDG_DATA_HOME/Torvane/settings.txt" ] || fail "a run without changes wrote settings.txt"
 
-"$BUILD/torvane" --windowed --no-sound --skip-intro 2>/dev/null &
-GAME=$!
-find_window
+start_game --no-sound --skip-intro
 sleep 0.5
 tap l s d r a t Escape Escape
 wait "$GAME" || fail "the run with keys ended with $?"

@@ -12,15 +12,7 @@ mkdir -p "$XDG_DATA_HOME/Torvane"
 printf 'settings_version=2\ndifficulty=hard\nlanguage=de\n' > "$SETTINGS"
 
 # Every picture decodes and has the adventure's size.
-check_png() {
-    local summary
-    summary=$(png summary "$1") || fail "$1 does not decode"
-    case "$summary" in
-      "384 240 distinct=1 "*) fail "$1 is blank" ;;
-      "384 240 "*) ;;
-      *) fail "$1: unexpected picture $summary" ;;
-    esac
-}
+check_png() { expect_picture "$1" 384 240; }
 
 play() {
     local name=$1

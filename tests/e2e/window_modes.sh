@@ -10,9 +10,7 @@ cleanup() { [ -n "$GAME" ] && kill "$GAME" 2>/dev/null; stop_xvfb; rm -rf "$WORK
 trap cleanup EXIT
 
 start() { # options...; sets GAME and WINDOW
-    "$BUILD/torvane" --windowed --no-sound --skip-intro --seed=4 "$@" 2>/dev/null &
-    GAME=$!
-    find_window
+    start_game --no-sound --skip-intro --seed=4 "$@"
     sleep 1
 }
 stop() {
@@ -53,11 +51,7 @@ stop
 
 # In the build, the focus moving to another window pauses the game, and coming back leaves
 # the pause standing: the last frame shows the pause card.
-"$BUILD/torvane" --windowed --no-sound --skip-intro --seed=4 --level=1 --exit-after=5 --screenshot=left.png \
-    2>/dev/null &
-GAME=$!
-find_window
-sleep 1
+start --level=1 --exit-after=5 --screenshot=left.png
 ROOT=$(xwininfo -root | awk '/Window id:/ {print $4}')
 xdotool windowfocus "$ROOT"
 sleep 0.5

@@ -85,6 +85,30 @@ key_up() {
     xdotool keyup --window "$1" "$2" 2>/dev/null || xdotool keyup "$2" 2>/dev/null || true
 }
 
+# Starts the game in the background with the given options, its errors unshown: GAME is its
+# process, WINDOW its window.
+start_game() {
+    "$BUILD/torvane" --windowed "$@" 2>/dev/null &
+    GAME=$!
+    find_window
+}
+
+# The game ($GAME) must be gone within five seconds after $1, with status 0.
+expect_end() {
+    local i
+    for i in $(seq 1 100); do
+        kill -0 "$GAME" 2>/dev/null || break
+        sleep 0.05
+    done
+    if kill -0 "$GAME" 2>/dev/null; then
+        kill -s KILL "$GAME"
+        fail "still running after $1"
+    fi
+    status wait "$GAME"
+    GAME=""
+    [ "$rc" -eq 0 ] || fail "exit status $rc after $1"
+}
+
 # Taps keys in WINDOW, each held over several frames and let go before it would repeat.
 tap() {
     local key
@@ -105,14 +129,20 @@ fail() {
     exit 1
 }
 
+# A screenshot ($1) of $2 by $3 pixels that decodes and is not of one colour; SUMMARY is
+# what lib/pictures.py says of it.
+expect_picture() {
+    SUMMARY=$(png summary "$1") || fail "$1 does not decode"
+    echo "$SUMMARY"
+    case "$SUMMARY" in
+      "$2 $3 distinct=1 "*) fail "$1 is of one colour: $SUMMARY" ;;
+      "$2 $3 "*) ;;
+      *) fail "$1: unexpected picture $SUMMARY" ;;
+    esac
+}
+
 # The screenshot at one second: the logo in the middle of the black screen.
 expect_logo_picture() {
-    local summary
-    summary=$(png summary "$1") || fail "PNG does not decode"
-    echo "$summary"
-    case "$summary" in
-      "640 400 distinct=1 "*) fail "no logo on the black screen: $summary" ;;
-      "640 400 distinct="*" first=000000ff") ;;
-      *) fail "unexpected picture: $summary" ;;
-    esac
+    expect_picture "$1" 640 400
+    [ "${SUMMARY##* first=}" = 000000ff ] || fail "no logo on the black screen: $SUMMARY"
 }
