@@ -20,13 +20,15 @@ protected:
     std::string ActiveName() const { return ActivePack() ? ActivePack()->name : std::string("-"); }
 };
 
-TEST_F(PacksTest, PCyclesThroughThePacksAndBackToTheStandardLevels) {
+TEST_F(PacksTest, AChosenPackThatIsGoneIsForgottenAndPCyclesThroughThePacksAndBack) {
     AddPack("Beta", 2);
     AddPack("Alpha", 3);
+    std::ofstream(dataFolder + "/settings.txt") << "level_pack=Weg.tpack\n";
     Start({});
     SetLanguage(Language::German);
     EXPECT_EQ(app.packs.size(), 2u);
-    EXPECT_EQ(ActiveName(), "-");
+    EXPECT_EQ(GetSettings().level_pack, "");
+    EXPECT_EQ(ActivePack(), nullptr);
     ASSERT_TRUE(Tap(pge::P));
     EXPECT_EQ(GetSettings().level_pack, "Alpha.tpack");
     EXPECT_EQ(ActiveName(), "Alpha");
@@ -43,14 +45,6 @@ TEST_F(PacksTest, PCyclesThroughThePacksAndBackToTheStandardLevels) {
     EXPECT_EQ(ActiveName(), "-");
     ASSERT_TRUE(Tap(pge::P));
     EXPECT_EQ(ActiveName(), "Beta");
-}
-
-TEST_F(PacksTest, AChosenPackThatIsGoneIsForgottenAtTheStart) {
-    AddPack("Alpha", 1);
-    std::ofstream(dataFolder + "/settings.txt") << "level_pack=Weg.tpack\n";
-    Start({});
-    EXPECT_EQ(GetSettings().level_pack, "");
-    EXPECT_EQ(ActivePack(), nullptr);
 }
 
 TEST_F(PacksTest, ATestRunPlaysTheWorkingPackAndEscReturnsToTheEditor) {

@@ -3,7 +3,6 @@
 #include "engine/Assets.h"
 #include "engine/Mixer.h"
 #include "game/content/ReplayFiles.h"
-#include "game/rules/FrameSteps.h"
 #include "game/rules/Level.h"
 #include "pge/Headless.h"
 #include "tests/ScratchPath.h"
@@ -14,7 +13,6 @@
 
 #include <cmath>
 #include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <functional>
 #include <random>
