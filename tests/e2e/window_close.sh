@@ -23,7 +23,7 @@ echo "$geometry" | grep -q 'Geometry: 1280x800' || fail "window is not 1280x800"
 sleep 1.5
 title=$(xprop -id "$WINDOW" WM_NAME)
 [ "$title" = 'WM_NAME(STRING) = "Torvane"' ] || fail "title changed to $title"
-python3 "$HERE/lib/wm_close.py" "$WINDOW"
+px close "$WINDOW"
 expect_end "the close message"
 
 for signal in TERM INT; do

@@ -120,9 +120,9 @@ tap() {
     done
 }
 
-# Screenshots (lib/pictures.py) and the window on the X server (lib/x_pixels.py).
+# Screenshots (lib/pictures.py) and the window on the X server (lib/x_window.py).
 png() { python3 "$HERE/lib/pictures.py" "$@"; }
-px() { python3 "$HERE/lib/x_pixels.py" "$@"; }
+px() { python3 "$HERE/lib/x_window.py" "$@"; }
 
 fail() {
     echo "FAIL: $*" >&2

@@ -1,16 +1,19 @@
 """Reads the game's window straight from the X server, in the game's logical pixels
-(each 2 by 2 window pixels), through libX11 with ctypes.
+(each 2 by 2 window pixels), and closes it as a window manager would, through the system's
+libX11 with ctypes.
 
 Usage:
-  python3 x_pixels.py wait WINDOW X Y RRGGBB SECONDS [gone]
+  python3 x_window.py wait WINDOW X Y RRGGBB SECONDS [gone]
       waits until logical pixel (X, Y) has the colour (or, with "gone", no longer has
       it); exit 1 on timeout.
-  python3 x_pixels.py count WINDOW X0 Y0 X1 Y1 RRGGBB
+  python3 x_window.py count WINDOW X0 Y0 X1 Y1 RRGGBB
       prints how many logical pixels of the rectangle have the colour.
-  python3 x_pixels.py view WINDOW [FILE.png]
+  python3 x_window.py view WINDOW [FILE.png]
       in window pixels: prints "WIDTH HEIGHT X0 Y0 X1 Y1", the window's size and the
       rectangle outside which it is black (the picture within its bars), and writes the
       whole window as a PNG if asked.
+  python3 x_window.py close WINDOW
+      sends WM_DELETE_WINDOW, as a window manager's close button does.
 """
 import ctypes
 import os
@@ -30,6 +33,9 @@ x11.XGetWindowAttributes.argtypes = [ctypes.c_void_p, ctypes.c_ulong, ctypes.c_v
 x11.XGetPixel.restype = ctypes.c_ulong
 x11.XGetPixel.argtypes = [ctypes.c_void_p, ctypes.c_int, ctypes.c_int]
 x11.XDestroyImage = None  # a macro in C; the images are few and the process is short
+x11.XInternAtom.restype = ctypes.c_ulong
+x11.XInternAtom.argtypes = [ctypes.c_void_p, ctypes.c_char_p, ctypes.c_int]
+x11.XFlush.argtypes = [ctypes.c_void_p]
 Z_PIXMAP = 2
 ALL_PLANES = 0xFFFFFFFF
 
@@ -88,6 +94,31 @@ def view(window, path):
         write(path, w, h, rows)
 
 
+class ClientMessage(ctypes.Structure):
+    _fields_ = [("type", ctypes.c_int), ("serial", ctypes.c_ulong), ("send_event", ctypes.c_int),
+                ("display", ctypes.c_void_p), ("window", ctypes.c_ulong), ("message_type", ctypes.c_ulong),
+                ("format", ctypes.c_int), ("data", ctypes.c_long * 5)]
+
+
+class XEvent(ctypes.Union):
+    _fields_ = [("xclient", ClientMessage), ("pad", ctypes.c_long * 24)]
+
+
+x11.XSendEvent.argtypes = [ctypes.c_void_p, ctypes.c_ulong, ctypes.c_int, ctypes.c_long, ctypes.POINTER(XEvent)]
+
+
+def close(window):
+    event = XEvent()
+    event.xclient.type = 33  # ClientMessage
+    event.xclient.window = window
+    event.xclient.message_type = x11.XInternAtom(display, b"WM_PROTOCOLS", 0)
+    event.xclient.format = 32
+    event.xclient.data[0] = x11.XInternAtom(display, b"WM_DELETE_WINDOW", 0)
+    event.xclient.data[1] = 0  # CurrentTime
+    x11.XSendEvent(display, window, 0, 0, ctypes.byref(event))
+    x11.XFlush(display)
+
+
 def wait(window, x, y, colour, seconds, gone):
     end = time.time() + seconds
     got = None
@@ -112,6 +143,9 @@ def main(args):
         return 0
     if command == "view":
         view(window, args[2] if len(args) > 2 else None)
+        return 0
+    if command == "close":
+        close(window)
         return 0
     sys.exit("unknown command " + command)
 
