@@ -1,6 +1,5 @@
 // The application's level packs: choosing and cycling them, a chosen pack that goes
 // away, a test run from the editor and its return, and no scores for pack games.
-#include "game/content/Preferences.h"
 #include "pge/Files.h"
 #include "tests/screens/PackFixture.h"
 
@@ -20,7 +19,7 @@ protected:
     std::string ActiveName() const { return ActivePack() ? ActivePack()->name : std::string("-"); }
 };
 
-TEST_F(PacksTest, AChosenPackThatIsGoneIsForgottenAndPCyclesThroughThePacksAndBack) {
+TEST_F(PacksTest, AChosenPackThatIsGoneIsForgottenPCyclesThroughThePacksAndTheirGamesAreNotScored) {
     AddPack("Beta", 2);
     AddPack("Alpha", 3);
     std::ofstream(dataFolder + "/settings.txt") << "level_pack=Weg.tpack\n";
@@ -45,6 +44,11 @@ TEST_F(PacksTest, AChosenPackThatIsGoneIsForgottenAndPCyclesThroughThePacksAndBa
     EXPECT_EQ(ActiveName(), "-");
     ASSERT_TRUE(Tap(pge::P));
     EXPECT_EQ(ActiveName(), "Beta");
+    // A pack's games are never scored.
+    app.game.score = 999999;
+    app.game.phase = Phase::Over;
+    ASSERT_TRUE(Frame());
+    EXPECT_FALSE(app.nameEntry);
 }
 
 TEST_F(PacksTest, ATestRunPlaysTheWorkingPackAndEscReturnsToTheEditor) {
@@ -114,17 +118,6 @@ TEST_F(PacksTest, AFailedSaveIsShownAndTheWorkGoesOn) {
     EXPECT_EQ(app.editor.message, Tr("Speichern fehlgeschlagen"));
     EXPECT_EQ(app.editor.page, 0);
     EXPECT_TRUE(fs::is_directory(packs + "/Alpha.tpack"));
-}
-
-TEST_F(PacksTest, PackGamesAreNeverScored) {
-    AddPack("Alpha", 1);
-    std::ofstream(dataFolder + "/settings.txt") << "level_pack=Alpha.tpack\n";
-    Start({"--level=1"});
-    ASSERT_EQ(ActiveName(), "Alpha");
-    app.game.score = 999999;
-    app.game.phase = Phase::Over;
-    ASSERT_TRUE(Frame());
-    EXPECT_FALSE(app.nameEntry);
 }
 
 } // namespace
