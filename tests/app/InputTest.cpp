@@ -16,7 +16,6 @@ protected:
         for (int frame = 0; frame < 2000 && app.game.phase != Phase::Announce; ++frame) ASSERT_TRUE(Frame());
         ASSERT_EQ(app.game.phase, Phase::Announce);
     }
-    size_t PieceCount() const { return app.game.pieces.size(); }
 };
 
 // Moves a held arrow has made after `frames` frames of kDt: one at the press, the
@@ -55,11 +54,11 @@ TEST_F(InputTest, BuildKeysPlaceUndoRotateCycleAndEnd) {
     Start({"--level=1"});
     ASSERT_EQ(app.game.phase, Phase::Build);
 
-    const size_t before = PieceCount();
+    const size_t before = app.game.pieces.size();
     ASSERT_TRUE(Tap(pge::DOWN));
-    EXPECT_EQ(PieceCount(), before + 1);
+    EXPECT_EQ(app.game.pieces.size(), before + 1);
     ASSERT_TRUE(Tap(pge::UP)); // within the undo time: the piece comes back
-    EXPECT_EQ(PieceCount(), before);
+    EXPECT_EQ(app.game.pieces.size(), before);
 
     const int rotation = app.game.rotation;
     ASSERT_TRUE(Tap(pge::SPACE));

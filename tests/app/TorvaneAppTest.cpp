@@ -45,14 +45,10 @@ std::string ThrowMessage(std::vector<const char*> args) {
     return "(nothing thrown)";
 }
 
-std::string TempPath(const std::string& name) {
-    return scratch::Path("app_test_" + name);
-}
-
 // An asset tree of its own, found as the bundle beside a program in bin/, whose logo
 // `write` puts at the path it is given; returns the tree's root.
 std::string LogoAssets(const std::string& name, const std::function<bool(const std::string&)>& write) {
-    const std::string root = TempPath(name);
+    const std::string root = scratch::Path("app_test_" + name);
     std::filesystem::create_directories(root + "/bin");
     std::filesystem::create_directories(root + "/Resources/assets/logo");
     EXPECT_TRUE(write(root + "/Resources/assets/logo/logo.jpg"));
