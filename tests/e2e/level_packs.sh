@@ -75,15 +75,13 @@ diff expected.tpack "$PACKS/Burg_am_See.tpack" || fail "the saved pack differs"
 
 # Names typed with real key presses, as a typing tool types them: a new pack, Enter, and
 # Enter on its first level, whose name row is then chosen; Esc twice saves the pack.
-game --editor=enter --exit-after=6 &
-run=$!
-find_window
+start_game --no-sound --seed=5 --editor=enter --exit-after=6
 sleep 1.5
 xdotool type --delay 120 "Jürgen Ö"
 xdotool key --delay 300 Return Return
 xdotool type --delay 120 "Tür 7"
 xdotool key --delay 300 Escape Escape
-wait "$run" || fail "typing run"
+wait "$GAME" || fail "typing run"
 grep -qx "name=Jürgen Ö" "$PACKS/Jrgen.tpack" || fail "the pack's name: $(grep name= "$PACKS/Jrgen.tpack")"
 grep -qx "name=Tür 7" "$PACKS/Jrgen.tpack" || fail "the level's name: $(grep name= "$PACKS/Jrgen.tpack")"
 
@@ -104,11 +102,9 @@ grep -q "Bildschirmfoto: back.png" err.log || fail "no picture after the test"
 [ "$(png stage direct.png back.png)" = "stage_diff=0" ] || fail "not back on the level page"
 
 # P on the title picks the first pack in the list, and the choice is kept.
-game --skip-intro --exit-after=3 &
-run=$!
-find_window
+start_game --no-sound --seed=5 --skip-intro --exit-after=3
 sleep 1
 tap p
-wait "$run" || fail "title run"
+wait "$GAME" || fail "title run"
 grep -qx "level_pack=Burg_am_See.tpack" "$XDG_DATA_HOME/Torvane/settings.txt" || fail "P chose no pack"
 echo OK

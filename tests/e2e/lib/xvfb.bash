@@ -71,8 +71,7 @@ status() {
     set -e
 }
 
-# The game's window, once it is there, in WINDOW, with the keyboard focus (no window manager
-# gives it).
+# The game's window, once it is there, in WINDOW, given the keyboard focus (no window manager does).
 find_window() {
     WINDOW=$(timeout 20 xdotool search --sync --name '^Torvane$' | head -1) || fail "no window"
     xdotool windowfocus --sync "$WINDOW" || true
@@ -85,8 +84,7 @@ key_up() {
     xdotool keyup --window "$1" "$2" 2>/dev/null || xdotool keyup "$2" 2>/dev/null || true
 }
 
-# Starts the game in the background with the given options, its errors unshown: GAME is its
-# process, WINDOW its window.
+# Starts the game in the background with these options, its errors unshown: its process in GAME.
 start_game() {
     "$BUILD/torvane" --windowed "$@" 2>/dev/null &
     GAME=$!
@@ -129,8 +127,7 @@ fail() {
     exit 1
 }
 
-# A screenshot ($1) of $2 by $3 pixels that decodes and is not of one colour; SUMMARY is
-# what lib/pictures.py says of it.
+# A screenshot $1 of $2 by $3 pixels that decodes and is not of one colour (summary in SUMMARY).
 expect_picture() {
     SUMMARY=$(png summary "$1") || fail "$1 does not decode"
     echo "$SUMMARY"
