@@ -44,11 +44,13 @@ TEST_F(PacksTest, AChosenPackThatIsGoneIsForgottenPCyclesThroughThePacksAndTheir
     EXPECT_EQ(ActiveName(), "-");
     ASSERT_TRUE(Tap(pge::P));
     EXPECT_EQ(ActiveName(), "Beta");
-    // A pack's games are never scored.
+    // A pack's games are never scored, and the row lit by an earlier entry is lit no more.
+    app.highlightRow = 0;
     app.game.score = 999999;
     app.game.phase = Phase::Over;
     ASSERT_TRUE(Frame());
     EXPECT_FALSE(app.nameEntry);
+    EXPECT_EQ(app.highlightRow, -1);
 }
 
 TEST_F(PacksTest, ATestRunPlaysTheWorkingPackAndEscReturnsToTheEditor) {
