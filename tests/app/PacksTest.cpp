@@ -1,6 +1,5 @@
 // The application's level packs: choosing and cycling them, a chosen pack that goes
 // away, a test run from the editor and its return, and no scores for pack games.
-#include "game/content/Preferences.h"
 #include "pge/Files.h"
 #include "tests/screens/PackFixture.h"
 
@@ -8,7 +7,6 @@
 
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <string>
 
 namespace torvane {
@@ -21,13 +19,15 @@ protected:
     std::string ActiveName() const { return ActivePack() ? ActivePack()->name : std::string("-"); }
 };
 
-TEST_F(PacksTest, PCyclesThroughThePacksAndBackToTheStandardLevels) {
+TEST_F(PacksTest, AChosenPackThatIsGoneIsForgottenPCyclesThroughThePacksAndTheirGamesAreNotScored) {
     AddPack("Beta", 2);
     AddPack("Alpha", 3);
+    std::ofstream(dataFolder + "/settings.txt") << "level_pack=Weg.tpack\n";
     Start({});
     SetLanguage(Language::German);
     EXPECT_EQ(app.packs.size(), 2u);
-    EXPECT_EQ(ActiveName(), "-");
+    EXPECT_EQ(GetSettings().level_pack, "");
+    EXPECT_EQ(ActivePack(), nullptr);
     ASSERT_TRUE(Tap(pge::P));
     EXPECT_EQ(GetSettings().level_pack, "Alpha.tpack");
     EXPECT_EQ(ActiveName(), "Alpha");
@@ -44,14 +44,13 @@ TEST_F(PacksTest, PCyclesThroughThePacksAndBackToTheStandardLevels) {
     EXPECT_EQ(ActiveName(), "-");
     ASSERT_TRUE(Tap(pge::P));
     EXPECT_EQ(ActiveName(), "Beta");
-}
-
-TEST_F(PacksTest, AChosenPackThatIsGoneIsForgottenAtTheStart) {
-    AddPack("Alpha", 1);
-    std::ofstream(dataFolder + "/settings.txt") << "level_pack=Weg.tpack\n";
-    Start({});
-    EXPECT_EQ(GetSettings().level_pack, "");
-    EXPECT_EQ(ActivePack(), nullptr);
+    // A pack's games are never scored, and the row lit by an earlier entry is lit no more.
+    app.highlightRow = 0;
+    app.game.score = 999999;
+    app.game.phase = Phase::Over;
+    ASSERT_TRUE(Frame());
+    EXPECT_FALSE(app.nameEntry);
+    EXPECT_EQ(app.highlightRow, -1);
 }
 
 TEST_F(PacksTest, ATestRunPlaysTheWorkingPackAndEscReturnsToTheEditor) {
@@ -108,25 +107,6 @@ TEST_F(PacksTest, TheEditorsTextFieldsTakeLettersDigitsAndBlanksFromTheKeys) {
     EXPECT_TRUE(fs::exists(packs + "/Burg_t2.tpack"));
 }
 
-TEST_F(PacksTest, RawPressesTypeCapitalsAndUmlautsIntoTheNames) {
-    Start({"--editor=enter"});
-    Frame();
-    ASSERT_EQ(app.editor.page, 1);
-    TypeText("Jürgen Ö\r"); // a pack of that name, and its page
-    ASSERT_EQ(app.editor.page, 2);
-    app.editorScript = "enter"; // the first level's page, on its name row
-    Frame();
-    ASSERT_TRUE(app.editor.Typing());
-    TypeText("Tür 7");
-    app.editorScript = "esc,esc"; // back to the pack's page, which saves it
-    Frame();
-    Frame();
-    std::ifstream file(packs + "/Jrgen.tpack", std::ios::binary);
-    const std::string text((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
-    EXPECT_NE(text.find("name=Jürgen Ö\n"), std::string::npos) << text;
-    EXPECT_NE(text.find("name=Tür 7\n"), std::string::npos) << text;
-}
-
 TEST_F(PacksTest, AFailedSaveIsShownAndTheWorkGoesOn) {
     AddPack("Alpha", 2);
     // The pack's file is replaced by a folder of that name: writing it fails.
@@ -140,17 +120,6 @@ TEST_F(PacksTest, AFailedSaveIsShownAndTheWorkGoesOn) {
     EXPECT_EQ(app.editor.message, Tr("Speichern fehlgeschlagen"));
     EXPECT_EQ(app.editor.page, 0);
     EXPECT_TRUE(fs::is_directory(packs + "/Alpha.tpack"));
-}
-
-TEST_F(PacksTest, PackGamesAreNeverScored) {
-    AddPack("Alpha", 1);
-    std::ofstream(dataFolder + "/settings.txt") << "level_pack=Alpha.tpack\n";
-    Start({"--level=1"});
-    ASSERT_EQ(ActiveName(), "Alpha");
-    app.game.score = 999999;
-    app.game.phase = Phase::Over;
-    ASSERT_TRUE(Frame());
-    EXPECT_FALSE(app.nameEntry);
 }
 
 } // namespace

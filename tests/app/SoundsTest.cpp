@@ -12,8 +12,6 @@
 namespace torvane {
 namespace {
 
-constexpr double kR = 44100.0;
-
 std::vector<float> Built(Sfx effect) {
     adv::synth::Buffer b;
     sfx::Build(effect, b);
@@ -27,7 +25,7 @@ TEST(SoundsRecipes, EachEffectLastsAsLongAsItsLongestCall) {
                                               {Sfx::Collapse, 1.2}, {Sfx::Reward, 0.31}, {Sfx::Horn, 0.86}};
     for (const auto& [effect, seconds] : lengths) {
         const std::vector<float> samples = Built(effect);
-        EXPECT_NEAR(double(samples.size()), seconds * kR, 1.5) << int(effect);
+        EXPECT_NEAR(double(samples.size()), seconds * 44100.0, 1.5) << int(effect);
         EXPECT_GT(audiotest::Peak(samples, 0, samples.size() / 2), 0.01) << int(effect);
     }
     for (const Sfx none : {Sfx::Whistle, Sfx(42), Sfx(-1)}) EXPECT_TRUE(Built(none).empty());

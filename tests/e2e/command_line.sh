@@ -1,24 +1,13 @@
 #!/usr/bin/env bash
 # Runs that end before any window: a malformed number and a missing display.
-set -euo pipefail
-BUILD=$1
-HERE=$(cd "$(dirname "$0")" && pwd)
-source "$HERE/lib/xvfb.bash"
-WORK=$(mktemp -d)
-trap 'rm -rf "$WORK"' EXIT
-cd "$WORK"
+source "$(dirname "$0")/lib/xvfb.bash"
+start_workdir
 
-set +e
-env -u DISPLAY "$BUILD/torvane" --windowed --seed= 2>err.seed >/dev/null
-rc=$?
-set -e
+status env -u DISPLAY "$BUILD/torvane" --windowed --seed= 2>err.seed >/dev/null
 [ "$rc" -ne 0 ] || fail "--seed= alone ended normally"
 grep -q 'stoul' err.seed || fail "no stoul in: $(cat err.seed)"
 
-set +e
-env -u DISPLAY "$BUILD/torvane" --windowed --exit-after=1 2>err.nodisplay >/dev/null
-rc=$?
-set -e
+status env -u DISPLAY "$BUILD/torvane" --windowed --exit-after=1 2>err.nodisplay >/dev/null
 [ "$rc" -ne 0 ] && [ "$rc" -lt 128 ] || fail "without a display: status $rc"
 [ "$(wc -l < err.nodisplay)" -eq 1 ] || fail "expected one line: $(cat err.nodisplay)"
 grep -q 'X-Server' err.nodisplay || fail "unclear message: $(cat err.nodisplay)"

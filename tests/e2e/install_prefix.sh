@@ -1,10 +1,7 @@
 #!/usr/bin/env bash
 # `cmake --install` into a fresh prefix: the layout, and the installed game, started through its
 # link from the root folder, far from any asset tree, shows the logo from its own assets.
-set -euo pipefail
-BUILD=$1
-HERE=$(cd "$(dirname "$0")" && pwd)
-source "$HERE/lib/xvfb.bash"
+source "$(dirname "$0")/lib/xvfb.bash"
 source "$HERE/lib/install_layout.bash"
 start_xvfb_in_workdir
 
@@ -12,10 +9,7 @@ cmake --install "$BUILD" --prefix "$WORK/prefix" >/dev/null || fail "cmake --ins
 check_layout "$WORK/prefix" "$HERE/../.."
 
 # Started from the root folder, as from a menu.
-set +e
-(cd / && "$WORK/prefix/games/torvane" --windowed --exit-after=1 --screenshot="$WORK/OUT.png" 2>"$WORK/err.txt")
-rc=$?
-set -e
+status env -C / "$WORK/prefix/games/torvane" --windowed --exit-after=1 --screenshot="$WORK/OUT.png" 2>"$WORK/err.txt"
 cat err.txt >&2
 [ "$rc" -eq 0 ] || fail "exit status $rc"
 ! grep -q '^\[assets\]' err.txt || fail "assets not found"

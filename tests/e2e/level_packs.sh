@@ -4,11 +4,8 @@
 # deleted, an empty one is copied again, an editor script writes exactly the expected
 # file, names typed into the editor keep their capitals and umlauts, a test run from the
 # editor returns to it with Esc, and P on the title picks a pack.
-set -euo pipefail
-BUILD=$1
-HERE=$(cd "$(dirname "$0")" && pwd)
+source "$(dirname "$0")/lib/xvfb.bash"
 SHIPPED="$HERE/../../assets/torvane/levelpacks"
-source "$HERE/lib/xvfb.bash"
 start_xvfb_in_workdir
 setxkbmap de # Ü and Ö have keys of their own, and Ö is a shifted one
 export XDG_DATA_HOME="$WORK/data"
@@ -78,16 +75,13 @@ diff expected.tpack "$PACKS/Burg_am_See.tpack" || fail "the saved pack differs"
 
 # Names typed with real key presses, as a typing tool types them: a new pack, Enter, and
 # Enter on its first level, whose name row is then chosen; Esc twice saves the pack.
-game --editor=enter --exit-after=6 &
-run=$!
-window=$(timeout 20 xdotool search --sync --name '^Torvane$' | head -1) || fail "no window"
-xdotool windowfocus --sync "$window" || true
+start_game --no-sound --seed=5 --editor=enter --exit-after=6
 sleep 1.5
 xdotool type --delay 120 "Jürgen Ö"
 xdotool key --delay 300 Return Return
 xdotool type --delay 120 "Tür 7"
 xdotool key --delay 300 Escape Escape
-wait "$run" || fail "typing run"
+wait "$GAME" || fail "typing run"
 grep -qx "name=Jürgen Ö" "$PACKS/Jrgen.tpack" || fail "the pack's name: $(grep name= "$PACKS/Jrgen.tpack")"
 grep -qx "name=Tür 7" "$PACKS/Jrgen.tpack" || fail "the level's name: $(grep name= "$PACKS/Jrgen.tpack")"
 
@@ -96,29 +90,21 @@ grep -qx "name=Tür 7" "$PACKS/Jrgen.tpack" || fail "the level's name: $(grep na
 to_level3="down,down,enter,down,down,enter,down"
 game --editor="$to_level3" --exit-after=2.5 --screenshot=direct.png || fail "editor page"
 game --editor="$to_level3,t" --exit-after=2.5 --screenshot=playing.png || fail "test run"
-playing=$(python3 "$HERE/lib/png_stage.py" direct.png playing.png | sed 's/stage_diff=//')
+playing=$(png stage direct.png playing.png | sed 's/stage_diff=//')
 [ "$playing" -gt 100000 ] || fail "T did not leave the editor ($playing pixels differ)"
 game --editor="$to_level3,t" --exit-after=5 --screenshot=back.png &
 run=$!
-window=$(timeout 20 xdotool search --sync --name '^Torvane$' | head -1) || fail "no window"
-xdotool windowfocus --sync "$window" || true
+find_window
 sleep 2.5 # the script has run and the test level is being built
-xdotool keydown --window "$window" Escape
-sleep 0.12
-xdotool keyup --window "$window" Escape
+tap Escape
 wait "$run" || fail "test run"
 grep -q "Bildschirmfoto: back.png" err.log || fail "no picture after the test"
-[ "$(python3 "$HERE/lib/png_stage.py" direct.png back.png)" = "stage_diff=0" ] || fail "not back on the level page"
+[ "$(png stage direct.png back.png)" = "stage_diff=0" ] || fail "not back on the level page"
 
 # P on the title picks the first pack in the list, and the choice is kept.
-game --skip-intro --exit-after=3 &
-run=$!
-window=$(timeout 20 xdotool search --sync --name '^Torvane$' | head -1) || fail "no window"
-xdotool windowfocus --sync "$window" || true
+start_game --no-sound --seed=5 --skip-intro --exit-after=3
 sleep 1
-xdotool keydown --window "$window" p
-sleep 0.12
-xdotool keyup --window "$window" p
-wait "$run" || fail "title run"
+tap p
+wait "$GAME" || fail "title run"
 grep -qx "level_pack=Burg_am_See.tpack" "$XDG_DATA_HOME/Torvane/settings.txt" || fail "P chose no pack"
 echo OK

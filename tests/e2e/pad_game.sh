@@ -3,10 +3,7 @@
 # build with every action, a pause, the pad pulled out and plugged in again, the announce
 # card, the attack with repairs, and the over card's name field, arcade style. Then, with a
 # pad plugged in, SIGTERM and SIGINT still end the game.
-set -euo pipefail
-BUILD=$1
-HERE=$(cd "$(dirname "$0")" && pwd)
-source "$HERE/lib/xvfb.bash"
+source "$(dirname "$0")/lib/xvfb.bash"
 start_xvfb_in_workdir
 
 repairs=""
@@ -38,19 +35,9 @@ entry=$(cut -f4 "$scores" | head -1)
 for signal in TERM INT; do
     env --default-signal=INT "$BUILD/torvane" --windowed --no-sound --skip-intro --pad-script=wait:60 2>/dev/null &
     GAME=$!
-    timeout 20 xdotool search --sync --name '^Torvane$' >/dev/null || fail "no window"
+    find_window
     sleep 0.5
     kill -s "$signal" "$GAME"
-    for i in $(seq 1 100); do
-        kill -0 "$GAME" 2>/dev/null || break
-        sleep 0.05
-    done
-    if kill -0 "$GAME" 2>/dev/null; then
-        kill -s KILL "$GAME"
-        fail "SIG$signal did not end the game with a pad plugged in"
-    fi
-    rc=0
-    wait "$GAME" || rc=$?
-    [ "$rc" -eq 0 ] || fail "SIG$signal ended the game with status $rc"
+    expect_end "SIG$signal with a pad plugged in"
 done
 echo OK

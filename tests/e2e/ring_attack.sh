@@ -1,19 +1,13 @@
 #!/usr/bin/env bash
 # The bot plays level 2 up to the attack; the last frame shows the ring wall under fire.
-set -euo pipefail
-BUILD=$1
-HERE=$(cd "$(dirname "$0")" && pwd)
-source "$HERE/lib/xvfb.bash"
+source "$(dirname "$0")/lib/xvfb.bash"
 start_xvfb_in_workdir
 
-set +e
-"$BUILD/torvane" --windowed --no-sound --seed=5 --autoplay --level=2 --exit-on=attack --screenshot=OUT.png 2>err.txt
-rc=$?
-set -e
+status "$BUILD/torvane" --windowed --no-sound --seed=5 --autoplay --level=2 --exit-on=attack --screenshot=OUT.png 2>err.txt
 cat err.txt >&2
 [ "$rc" -eq 0 ] || fail "exit status $rc"
 grep -qx '\[torvane\] Bildschirmfoto: OUT.png' err.txt || fail "no screenshot message"
-summary=$(python3 "$HERE/lib/png_stage.py" OUT.png) || fail "PNG does not decode"
+summary=$(png stage OUT.png) || fail "PNG does not decode"
 echo "$summary"
 colours=$(echo "$summary" | sed 's/.*stage_colours=\([0-9]*\).*/\1/')
 red=$(echo "$summary" | sed 's/.*red=\([0-9]*\).*/\1/')

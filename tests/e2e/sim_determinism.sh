@@ -1,12 +1,9 @@
 #!/usr/bin/env bash
 # The headless simulator: same arguments, same bytes; other seeds, other games;
 # the keys of each line; a lazy player loses; bad options are refused.
-set -euo pipefail
-BUILD=$1
+source "$(dirname "$0")/lib/xvfb.bash"
 SIM="$BUILD/torvane-sim"
-WORK=$(mktemp -d)
-trap 'rm -rf "$WORK"' EXIT
-fail() { echo "FAIL: $*" >&2; exit 1; }
+start_workdir
 
 "$SIM" --seed=5 --levels=3 > "$WORK/a"
 "$SIM" --seed=5 --levels=3 > "$WORK/b"
@@ -38,10 +35,7 @@ tail -n 1 "$WORK/lazy" | grep -q '"passed":false' || fail "the lazy game did not
 
 "$SIM" --help | grep -q -- '--seed=N' || fail "no usage text"
 for bad in --bogus --seed=x --seed= --levels=0 --difficulty=4 --repair=maybe --fps=-1 --lazy=1; do
-    set +e
-    "$SIM" "$bad" > "$WORK/out" 2> "$WORK/err"
-    rc=$?
-    set -e
+    status "$SIM" "$bad" > "$WORK/out" 2> "$WORK/err"
     [ "$rc" -eq 2 ] || fail "$bad: status $rc"
     [ ! -s "$WORK/out" ] || fail "$bad: printed a result"
     grep -q -- "$bad" "$WORK/err" || fail "$bad: unclear message: $(cat "$WORK/err")"

@@ -3,10 +3,7 @@
 # saved to a slot and quit; then a new start that loads the slot and plays to the end.
 # Broken save files and an unwritable data folder are reported in the menu, never fatal.
 # The adventure speaks the tower game's language, and its menu's L switches it for both.
-set -euo pipefail
-BUILD=$1
-HERE=$(cd "$(dirname "$0")" && pwd)
-source "$HERE/lib/xvfb.bash"
+source "$(dirname "$0")/lib/xvfb.bash"
 start_xvfb_in_workdir
 export XDG_DATA_HOME="$WORK/data"
 SAVES="$XDG_DATA_HOME/Vorabend/saves"
@@ -15,15 +12,7 @@ mkdir -p "$XDG_DATA_HOME/Torvane"
 printf 'settings_version=2\ndifficulty=hard\nlanguage=de\n' > "$SETTINGS"
 
 # Every picture decodes and has the adventure's size.
-check_png() {
-    local summary
-    summary=$(python3 "$HERE/lib/png_pixels.py" "$1") || fail "$1 does not decode"
-    case "$summary" in
-      "384 240 distinct=1 "*) fail "$1 is blank" ;;
-      "384 240 "*) ;;
-      *) fail "$1: unexpected picture $summary" ;;
-    esac
-}
+check_png() { expect_picture "$1" 384 240; }
 
 play() {
     local name=$1
@@ -240,10 +229,7 @@ XDG_DATA_HOME="$WORK/afile" play nosave --skip-intro
 timeout 20 "$BUILD/vorabend" --skip-intro --exit-after=0.5 2>timed.err || fail "the timed quit did not end the run cleanly"
 
 # A play script that cannot be read ends the run with a message; an unknown option is named.
-set +e
-"$BUILD/vorabend" --bogus --play=no/such/file 2>bad.err
-rc=$?
-set -e
+status "$BUILD/vorabend" --bogus --play=no/such/file 2>bad.err
 [ "$rc" -eq 1 ] || fail "exit status $rc for a missing play script"
 grep -qx '\[vorabend\] Unbekannte Option: --bogus' bad.err || fail "the unknown option was not named"
 grep -qx '\[vorabend\] Ablauf no/such/file nicht lesbar' bad.err || fail "the missing script was not named"

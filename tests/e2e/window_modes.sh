@@ -2,21 +2,15 @@
 # The window's ways of showing the picture and of leaving it: --pixel-perfect in a resized
 # window, F11 to full screen and back (on a bare X server the window covers the screen
 # itself), --scale, and the pause that losing the keyboard focus brings in the build.
-set -euo pipefail
-BUILD=$1
-HERE=$(cd "$(dirname "$0")" && pwd)
-source "$HERE/lib/xvfb.bash"
+source "$(dirname "$0")/lib/xvfb.bash"
 start_xvfb_in_workdir   # a screen of 1600 by 1000
 
 GAME=""
 cleanup() { [ -n "$GAME" ] && kill "$GAME" 2>/dev/null; stop_xvfb; rm -rf "$WORK"; }
 trap cleanup EXIT
 
-start() { # options...; sets GAME and WIN
-    "$BUILD/torvane" --windowed --no-sound --skip-intro --seed=4 "$@" 2>/dev/null &
-    GAME=$!
-    WIN=$(timeout 20 xdotool search --sync --name '^Torvane$' | head -1) || fail "no window"
-    xdotool windowfocus --sync "$WIN" || true
+start() { # options...; sets GAME and WINDOW
+    start_game --no-sound --skip-intro --seed=4 "$@"
     sleep 1
 }
 stop() {
@@ -25,7 +19,7 @@ stop() {
     GAME=""
 }
 # The window's size and where the picture lies in it, in window pixels.
-view() { sleep 0.8; python3 "$HERE/lib/x_pixels.py" view "$WIN"; }
+view() { sleep 0.8; px view "$WINDOW"; }
 expect_view() { # what, expected
     local got
     got=$(view)
@@ -37,15 +31,15 @@ expect_view() { # what, expected
 # keeps twice 640 by 400, centred, black around it.
 for mode in fit pixel-perfect; do
     if [ "$mode" = fit ]; then start --level=2; else start --level=2 --pixel-perfect; fi
-    xdotool windowmove "$WIN" 0 0
-    xdotool windowsize --sync "$WIN" 1500 990
+    xdotool windowmove "$WINDOW" 0 0
+    xdotool windowsize --sync "$WINDOW" 1500 990
     if [ "$mode" = fit ]; then expect_view "$mode" "1500 990 0 27 1500 964"; fi
     if [ "$mode" = pixel-perfect ]; then
         expect_view "$mode" "1500 990 110 95 1390 895"
         # F11: the whole screen, where three times does not fit: twice, centred.
-        xdotool key --window "$WIN" F11
+        xdotool key --window "$WINDOW" F11
         expect_view "full screen" "1600 1000 160 100 1440 900"
-        xdotool key --window "$WIN" F11
+        xdotool key --window "$WINDOW" F11
         expect_view "back in the window" "1500 990 110 95 1390 895"
     fi
     stop
@@ -57,20 +51,15 @@ stop
 
 # In the build, the focus moving to another window pauses the game, and coming back leaves
 # the pause standing: the last frame shows the pause card.
-"$BUILD/torvane" --windowed --no-sound --skip-intro --seed=4 --level=1 --exit-after=5 --screenshot=left.png \
-    2>/dev/null &
-GAME=$!
-WIN=$(timeout 20 xdotool search --sync --name '^Torvane$' | head -1) || fail "no window"
-xdotool windowfocus --sync "$WIN"
-sleep 1
+start --level=1 --exit-after=5 --screenshot=left.png
 ROOT=$(xwininfo -root | awk '/Window id:/ {print $4}')
 xdotool windowfocus "$ROOT"
 sleep 0.5
-xdotool windowfocus --sync "$WIN"
+xdotool windowfocus --sync "$WINDOW"
 wait "$GAME" || fail "the run failed"
 GAME=""
 # The pause card's panel, in the middle of the stage.
-panel=$(python3 "$HERE/lib/png_rect.py" count left.png 200 180 440 240 232c36)
+panel=$(png count left.png 200 180 440 240 232c36)
 echo "pause card panel pixels: $panel"
 [ "$panel" -gt 5000 ] || fail "no pause card after the focus left ($panel panel pixels)"
 echo OK

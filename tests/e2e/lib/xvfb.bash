@@ -1,6 +1,10 @@
-# Shared by the end-to-end scripts: a private X server and a few checks.
-# Usage: source this file, then start_xvfb (or start_xvfb_in_workdir); the server is killed on exit.
-
+# Shared by the end-to-end scripts, each of which sources this file first, with the build
+# folder as its argument: strict mode, BUILD, HERE (the scripts' folder), a private X server
+# (start_xvfb or start_xvfb_in_workdir; it is killed on exit), the game's window and keys,
+# and the probes of pictures.
+set -euo pipefail
+BUILD=$(cd "$1" && pwd)
+HERE=$(cd "$(dirname "$0")" && pwd)
 XVFB_PID=""
 
 # Each script takes its own display number at random from a wide range, rather than the
@@ -44,14 +48,33 @@ stop_xvfb() {
     fi
 }
 
-# A private X server and a fresh working and data folder that all go away on exit.
-start_xvfb_in_workdir() {
-    start_xvfb
+# A fresh working folder that goes away on exit, with the X server if one was started.
+start_workdir() {
     WORK=$(mktemp -d)
     trap 'stop_xvfb; rm -rf "$WORK"' EXIT
     cd "$WORK"
+}
+
+# A private X server and a fresh working and data folder that all go away on exit.
+start_xvfb_in_workdir() {
+    start_xvfb
+    start_workdir
     # The game's settings and scores stay in here, never in the user's data folder.
     export XDG_DATA_HOME="$WORK/data"
+}
+
+# Runs a command without the strict mode's exit on failure; its exit status goes to rc.
+status() {
+    set +e
+    "$@"
+    rc=$?
+    set -e
+}
+
+# The game's window, once it is there, in WINDOW, given the keyboard focus (no window manager does).
+find_window() {
+    WINDOW=$(timeout 20 xdotool search --sync --name '^Torvane$' | head -1) || fail "no window"
+    xdotool windowfocus --sync "$WINDOW" || true
 }
 
 # Lets go of a key pressed in a window that may be gone by now, as when the key ended the
@@ -61,19 +84,62 @@ key_up() {
     xdotool keyup --window "$1" "$2" 2>/dev/null || xdotool keyup "$2" 2>/dev/null || true
 }
 
+# Starts the game in the background with these options, its errors unshown: its process in GAME.
+start_game() {
+    "$BUILD/torvane" --windowed "$@" 2>/dev/null &
+    GAME=$!
+    find_window
+}
+
+# The game ($GAME) must be gone within five seconds after $1, with status 0.
+expect_end() {
+    local i
+    for i in $(seq 1 100); do
+        kill -0 "$GAME" 2>/dev/null || break
+        sleep 0.05
+    done
+    if kill -0 "$GAME" 2>/dev/null; then
+        kill -s KILL "$GAME"
+        fail "still running after $1"
+    fi
+    status wait "$GAME"
+    GAME=""
+    [ "$rc" -eq 0 ] || fail "exit status $rc after $1"
+}
+
+# Taps keys in WINDOW, each held over several frames and let go before it would repeat.
+tap() {
+    local key
+    for key in "$@"; do
+        xdotool keydown --window "$WINDOW" "$key"
+        sleep 0.12
+        key_up "$WINDOW" "$key"
+        sleep 0.15
+    done
+}
+
+# Screenshots (lib/pictures.py) and the window on the X server (lib/x_window.py).
+png() { python3 "$HERE/lib/pictures.py" "$@"; }
+px() { python3 "$HERE/lib/x_window.py" "$@"; }
+
 fail() {
     echo "FAIL: $*" >&2
     exit 1
 }
 
+# A screenshot $1 of $2 by $3 pixels that decodes and is not of one colour (summary in SUMMARY).
+expect_picture() {
+    SUMMARY=$(png summary "$1") || fail "$1 does not decode"
+    echo "$SUMMARY"
+    case "$SUMMARY" in
+      "$2 $3 distinct=1 "*) fail "$1 is of one colour: $SUMMARY" ;;
+      "$2 $3 "*) ;;
+      *) fail "$1: unexpected picture $SUMMARY" ;;
+    esac
+}
+
 # The screenshot at one second: the logo in the middle of the black screen.
 expect_logo_picture() {
-    local summary
-    summary=$(python3 "$(dirname "${BASH_SOURCE[0]}")/png_pixels.py" "$1") || fail "PNG does not decode"
-    echo "$summary"
-    case "$summary" in
-      "640 400 distinct=1 "*) fail "no logo on the black screen: $summary" ;;
-      "640 400 distinct="*" first=000000ff") ;;
-      *) fail "unexpected picture: $summary" ;;
-    esac
+    expect_picture "$1" 640 400
+    [ "${SUMMARY##* first=}" = 000000ff ] || fail "no logo on the black screen: $SUMMARY"
 }

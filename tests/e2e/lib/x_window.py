@@ -1,22 +1,27 @@
 """Reads the game's window straight from the X server, in the game's logical pixels
-(each 2 by 2 window pixels), through libX11 with ctypes.
+(each 2 by 2 window pixels), and closes it as a window manager would, through the system's
+libX11 with ctypes.
 
 Usage:
-  python3 x_pixels.py wait WINDOW X Y RRGGBB SECONDS [gone]
+  python3 x_window.py wait WINDOW X Y RRGGBB SECONDS [gone]
       waits until logical pixel (X, Y) has the colour (or, with "gone", no longer has
       it); exit 1 on timeout.
-  python3 x_pixels.py count WINDOW X0 Y0 X1 Y1 RRGGBB
+  python3 x_window.py count WINDOW X0 Y0 X1 Y1 RRGGBB
       prints how many logical pixels of the rectangle have the colour.
-  python3 x_pixels.py view WINDOW [FILE.png]
+  python3 x_window.py view WINDOW [FILE.png]
       in window pixels: prints "WIDTH HEIGHT X0 Y0 X1 Y1", the window's size and the
       rectangle outside which it is black (the picture within its bars), and writes the
       whole window as a PNG if asked.
+  python3 x_window.py close WINDOW
+      sends WM_DELETE_WINDOW, as a window manager's close button does.
 """
 import ctypes
-import struct
+import os
 import sys
 import time
-import zlib
+
+sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
+from pictures import write  # noqa: E402
 
 x11 = ctypes.cdll.LoadLibrary("libX11.so.6")
 x11.XOpenDisplay.restype = ctypes.c_void_p
@@ -28,6 +33,9 @@ x11.XGetWindowAttributes.argtypes = [ctypes.c_void_p, ctypes.c_ulong, ctypes.c_v
 x11.XGetPixel.restype = ctypes.c_ulong
 x11.XGetPixel.argtypes = [ctypes.c_void_p, ctypes.c_int, ctypes.c_int]
 x11.XDestroyImage = None  # a macro in C; the images are few and the process is short
+x11.XInternAtom.restype = ctypes.c_ulong
+x11.XInternAtom.argtypes = [ctypes.c_void_p, ctypes.c_char_p, ctypes.c_int]
+x11.XFlush.argtypes = [ctypes.c_void_p]
 Z_PIXMAP = 2
 ALL_PLANES = 0xFFFFFFFF
 
@@ -83,12 +91,32 @@ def view(window, path):
     x1 = max((len(r.rstrip(b"\0")) + 2) // 3 for r in rows if r.strip(b"\0")) if lit else 0
     print(w, h, x0, lit[0] if lit else 0, x1, lit[-1] + 1 if lit else 0)
     if path:
-        def chunk(kind, body):
-            return struct.pack(">I", len(body)) + kind + body + struct.pack(">I", zlib.crc32(kind + body))
-        with open(path, "wb") as out:
-            out.write(b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", struct.pack(">IIBBBBB", w, h, 8, 2, 0, 0, 0))
-                      + chunk(b"IDAT", zlib.compress(b"".join(b"\0" + r for r in rows)))
-                      + chunk(b"IEND", b""))
+        write(path, w, h, rows)
+
+
+class ClientMessage(ctypes.Structure):
+    _fields_ = [("type", ctypes.c_int), ("serial", ctypes.c_ulong), ("send_event", ctypes.c_int),
+                ("display", ctypes.c_void_p), ("window", ctypes.c_ulong), ("message_type", ctypes.c_ulong),
+                ("format", ctypes.c_int), ("data", ctypes.c_long * 5)]
+
+
+class XEvent(ctypes.Union):
+    _fields_ = [("xclient", ClientMessage), ("pad", ctypes.c_long * 24)]
+
+
+x11.XSendEvent.argtypes = [ctypes.c_void_p, ctypes.c_ulong, ctypes.c_int, ctypes.c_long, ctypes.POINTER(XEvent)]
+
+
+def close(window):
+    event = XEvent()
+    event.xclient.type = 33  # ClientMessage
+    event.xclient.window = window
+    event.xclient.message_type = x11.XInternAtom(display, b"WM_PROTOCOLS", 0)
+    event.xclient.format = 32
+    event.xclient.data[0] = x11.XInternAtom(display, b"WM_DELETE_WINDOW", 0)
+    event.xclient.data[1] = 0  # CurrentTime
+    x11.XSendEvent(display, window, 0, 0, ctypes.byref(event))
+    x11.XFlush(display)
 
 
 def wait(window, x, y, colour, seconds, gone):
@@ -115,6 +143,9 @@ def main(args):
         return 0
     if command == "view":
         view(window, args[2] if len(args) > 2 else None)
+        return 0
+    if command == "close":
+        close(window)
         return 0
     sys.exit("unknown command " + command)
 
