@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -18,29 +19,23 @@ public:
 
 } // namespace
 
-// Each test runs in a process of its own (ctest), so this one sees no Install.
-TEST(PlatformKeysCurrent, BeforeInstallBothOff) {
-    const adv::platformkeys::Modifiers m = adv::platformkeys::Current();
-    EXPECT_FALSE(m.shift);
-    EXPECT_FALSE(m.ctrl);
-}
-
+// Off before Install (each test runs in a process of its own under ctest), then as the keys are held.
 TEST(PlatformKeysCurrent, FollowsTheHeldModifierKeys) {
+    const auto held = [] { return std::pair(adv::platformkeys::Current().shift, adv::platformkeys::Current().ctrl); };
+    EXPECT_EQ(held(), std::pair(false, false));
     Idle app;
     pge::Headless run(app);
     ASSERT_TRUE(run.Create());
     adv::platformkeys::Install(&app);
     run.SetKey(pge::SHIFT, true);
     run.Frame(0.01f);
-    EXPECT_TRUE(adv::platformkeys::Current().shift);
-    EXPECT_FALSE(adv::platformkeys::Current().ctrl);
+    EXPECT_EQ(held(), std::pair(true, false));
     run.Frame(0.01f); // held, no longer pressed: still counts
-    EXPECT_TRUE(adv::platformkeys::Current().shift);
+    EXPECT_EQ(held(), std::pair(true, false));
     run.SetKey(pge::SHIFT, false);
     run.SetKey(pge::CTRL, true);
     run.Frame(0.01f);
-    EXPECT_FALSE(adv::platformkeys::Current().shift);
-    EXPECT_TRUE(adv::platformkeys::Current().ctrl);
+    EXPECT_EQ(held(), std::pair(false, true));
 }
 
 TEST(PlatformKeysLastPress, EachTypedPressInItsTurnOneAFrame) {
@@ -62,14 +57,10 @@ TEST(PlatformKeysLastPress, EachTypedPressInItsTurnOneAFrame) {
     for (size_t i = 0; i < seen.size(); ++i) {
         run.Frame(0.01f);
         const adv::platformkeys::KeyPress p = adv::platformkeys::LastPress();
-        EXPECT_EQ(p.code, seen[i].first) << i;
-        EXPECT_EQ(p.ctrl, seen[i].second) << i;
-        EXPECT_FALSE(p.command);
-        EXPECT_EQ(p.serial, std::min<uint64_t>(i + 1, 3)) << i;
+        EXPECT_EQ(std::tuple(p.code, p.ctrl, p.command, p.serial), std::tuple(seen[i].first, seen[i].second, false, std::min<uint64_t>(i + 1, 3))) << i;
     }
     // A character beyond 16 bits is a press of its own, of code 0.
     run.Type(0x1F600);
     run.Frame(0.01f);
-    EXPECT_EQ(adv::platformkeys::LastPress().code, 0);
-    EXPECT_EQ(adv::platformkeys::LastPress().serial, 4u);
+    EXPECT_EQ(std::pair(adv::platformkeys::LastPress().code, adv::platformkeys::LastPress().serial), std::pair(uint16_t(0), uint64_t(4)));
 }

@@ -1,10 +1,8 @@
 #include "engine/Text.h"
-#include "engine/Canvas.h"
 #include "pge/FontSheet.h"
 #include "pge/Headless.h"
 #include <gtest/gtest.h>
 #include <algorithm>
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -97,50 +95,6 @@ TEST_F(TextDrawing, OnePixelOutlineAtEveryScale) {
             const bool inner = x >= 102 && x <= 105 && y >= 106 && y <= 109;
             const bool ring = x >= 101 && x <= 106 && y >= 105 && y <= 110;
             EXPECT_EQ(app.GetDrawTarget()->GetPixel(x, y), inner ? kInk : ring ? red : pge::BLANK) << x << "," << y;
-        }
-}
-
-// An outline is the text drawn at its eight neighbours, then the text itself. With
-// translucent colours overlapping passes compose, over whatever lies beneath, and a text
-// half off the target or under a clip is cut, not moved.
-TEST_F(TextDrawing, OutlinesAreEightPassesAndTheFillOverAnyGround) {
-    const pge::Pixel fill(250, 200, 60, 230), shadow(0, 0, 0, 150);
-    struct Case {
-        std::string text;
-        pge::Pixel colour, outline;
-        int scale, x, y;
-        text::Align align;
-    };
-    const Case cases[] = {
-        {"Ziel 85 %", fill, shadow, 1, 100, 100, text::Align::Left},
-        {"\xC3\x84u\xC3\x9F" "erst", fill, shadow, 2, 120, 60, text::Align::Centre},
-        {"3", kInk, pge::Pixel(20, 40, 60, 255), 3, 10, 10, text::Align::Right},
-        {"Defence Line", pge::Pixel(236, 70, 58), shadow, 1, 3, -4, text::Align::Right},
-        {"! Tab", fill, pge::Pixel(9, 9, 9, 1), 2, app.ScreenWidth() - 12, app.ScreenHeight() - 10, text::Align::Left},
-    };
-    for (const bool clipped : {false, true})
-        for (const Case& c : cases) {
-            uint32_t seed = 5;
-            app.Clear(pge::BLANK);
-            for (pge::Pixel& p : app.GetDrawTarget()->pColData) p.n = seed = seed * 1664525u + 1013904223u;
-            const std::vector<pge::Pixel> ground = app.GetDrawTarget()->pColData;
-            const adv::canvas::Rect clip{c.x - 7, c.y + 3, c.x + 9, c.y + 40};
-            const auto draw = [&](const std::function<void()>& paint) {
-                app.GetDrawTarget()->pColData = ground;
-                if (!clipped) return paint();
-                const adv::canvas::ClipScope scope(clip);
-                paint();
-            };
-            draw([&] {
-                for (int dy = -1; dy <= 1; ++dy)
-                    for (int dx = -1; dx <= 1; ++dx)
-                        if (dx != 0 || dy != 0) text::Draw(app, c.x + dx, c.y + dy, c.text, c.outline, c.scale, c.align);
-                text::Draw(app, c.x, c.y, c.text, c.colour, c.scale, c.align);
-            });
-            const std::vector<pge::Pixel> passes = app.GetDrawTarget()->pColData;
-            ASSERT_NE(passes, ground) << c.text;
-            draw([&] { text::DrawOutlined(app, c.x, c.y, c.text, c.colour, c.outline, c.scale, c.align); });
-            ASSERT_EQ(app.GetDrawTarget()->pColData, passes) << c.text << (clipped ? " clipped" : "");
         }
 }
 
