@@ -8,7 +8,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <random>
+#include <tuple>
 
 namespace adv {
 namespace {
@@ -97,10 +97,7 @@ TEST_F(SaveTest, ARoundTripKeepsEverythingLabelsWithBlanksIncluded) {
 
 TEST_F(SaveTest, BadFilesAreRefusedWholeOrLineByLine) {
     SaveData d = Sample();
-    std::string bytes(2000, '\0');
-    std::mt19937 rng(5);
-    for (char& c : bytes) c = char(rng());
-    for (const std::string& bad : {std::string(), bytes, std::string("other-save 1\nscene room\n"),
+    for (const std::string& bad : {std::string(), std::string("other-save 1\nscene room\n"),
                                    std::string("quillmere-adventure-save 2\n"), std::string("quillmere-adventure-save\n"),
                                    std::string("quillmere-adventure-save one\n"), std::string("\nscene room\n")}) {
         EXPECT_FALSE(savegame::Parse(bad, d));
@@ -160,18 +157,6 @@ TEST_F(SaveTest, SlotsOutsideTheSixFailWithoutTouchingAnyFile) {
     EXPECT_FALSE(savegame::Inspect(1).exists);
 }
 
-TEST_F(SaveTest, AnUnwritableDataFolderFailsTheSaveAndTellsTheMenu) {
-    std::ofstream(data / "blocker") << "a file where a folder should be";
-    setenv("XDG_DATA_HOME", (data / "blocker").c_str(), 1);
-    EXPECT_FALSE(savegame::Write(0, Sample()));
-    testing::TestGame t;
-    t.game.menu.Open();
-    EXPECT_TRUE(t.game.ApplyMenuRequest({GameMenu::Request::SaveSlot, 0}));
-    EXPECT_EQ(t.game.menu.message, "Speichern fehlgeschlagen");
-    EXPECT_TRUE(t.game.ApplyMenuRequest({GameMenu::Request::SaveSlot, 9}));
-    EXPECT_EQ(t.game.menu.message, "Speichern fehlgeschlagen");
-}
-
 TEST_F(SaveTest, ALongLabelStaysInsideTheMenuPanel) {
     testing::TestGame t;
     GameMenu& menu = t.game.menu;
@@ -193,6 +178,9 @@ TEST_F(SaveTest, ALongLabelStaysInsideTheMenuPanel) {
     EXPECT_EQ(menu.rows[0].text.substr(menu.rows[0].text.size() - 16), d.saved);
 }
 
+// A load restores what was saved without running entry scripts: the inventory in order (an
+// item the game no longer knows included), flags, hotspots, used options, every figure exactly
+// where it stood (off the floor too); a scene built only after the save is as its code makes it.
 TEST_F(SaveTest, SaveAndLoadRestoreTheGameWithoutEntryScripts) {
     testing::TestGame t;
     t.Settle();
@@ -201,14 +189,15 @@ TEST_F(SaveTest, SaveAndLoadRestoreTheGameWithoutEntryScripts) {
     g.inventory.Add("bread");
     g.SetFlag("door", 1);
     g.current->Find("lamp")->enabled = false;
+    g.actors.at("cat").position.y = 60; // on the chest
     g.BeginDialogue("talk");
     g.SelectDialogueOption(0);
     t.Settle();
     g.EndDialogue();
     g.ChangeScene("hall", "east");
     t.Settle();
+    SaveData d = g.CaptureState(); // the hall is built, the room was
     ASSERT_TRUE(g.SaveToSlot(2));
-
     g.RestartGame();
     t.Settle();
     EXPECT_TRUE(g.inventory.items.empty());
@@ -219,30 +208,20 @@ TEST_F(SaveTest, SaveAndLoadRestoreTheGameWithoutEntryScripts) {
     EXPECT_EQ(g.inventory.items, (std::vector<std::string>{"rope", "bread"}));
     EXPECT_EQ(g.Flag("door"), 1);
     EXPECT_FALSE(g.scenes.Load(g, "room")->Find("lamp")->enabled);
-    EXPECT_FLOAT_EQ(t.Player().position.x, 790);
-    EXPECT_FLOAT_EQ(g.camera.x, 800 - 384);
+    EXPECT_EQ(std::tuple(t.Player().position.x, g.camera.x, g.actors.at("cat").position.y), std::tuple(790.0f, 800.0f - 384.0f, 60.0f));
     EXPECT_FALSE(g.runner.Running());
     EXPECT_EQ(g.Flag("entered"), entered);
     g.BeginDialogue("talk");
     EXPECT_EQ(g.VisibleDialogueOptions(), (std::vector<int>{2}));
-}
-
-TEST_F(SaveTest, ALoadTakesOverWhatTheSaveSaysAndRebuildsScenesFromCode) {
-    testing::TestGame t;
-    t.Settle();
-    AdventureGame& g = t.game;
-    SaveData d = g.CaptureState(); // only the room is built yet
+    g.EndDialogue();
     d.items = {"rope", "sold-out", "bread"};
-    for (SaveData::ActorRecord& a : d.actors)
-        if (a.id == "cat") a.y = 60; // on the chest, off the floor
+    d.hotspots.clear();
+    g.RestartGame();
+    t.Settle();
     g.ChangeScene("hall", "default");
     g.current->Find("window")->enabled = false;
     ASSERT_TRUE(g.RestoreState(d));
-    // The inventory in order, an item the game no longer knows included.
     EXPECT_EQ(g.inventory.items, d.items);
-    // A figure stands exactly where it was saved, though it is not on the floor.
-    EXPECT_FLOAT_EQ(g.actors.at("cat").position.y, 60);
-    // The hall was built after the save: it is as its code makes it.
     EXPECT_TRUE(g.scenes.Load(g, "hall")->Find("window")->enabled);
 }
 
