@@ -69,7 +69,7 @@ TEST_F(ScriptRunnerTest, AnUnknownFlagTakesTheElseBranchAndAnEmptyBranchGoesOn) 
     EXPECT_EQ(path, "then");
 }
 
-TEST_F(ScriptRunnerTest, SkipsOnlyCutAStartedLineOfSpeech) {
+TEST_F(ScriptRunnerTest, SkipsOnlyCutAStartedLineOfSpeechAndNobodysSpeechTakesNoTime) {
     runner.Start(Script().Wait(1.0f));
     runner.Update(game, 0.1f);
     runner.Skip(game);
@@ -85,13 +85,9 @@ TEST_F(ScriptRunnerTest, SkipsOnlyCutAStartedLineOfSpeech) {
     runner.Update(game, 0.016f);
     runner.Update(game, 0.016f);
     EXPECT_FALSE(runner.Running());
-}
-
-TEST_F(ScriptRunnerTest, SpeechOfAMissingActorFinishesAtOnce) {
+    // Speech of a figure that is not there finishes at once.
     int count = 0;
-    Script s;
-    s.Say("nobody", "...").Append(Counting(1, count));
-    runner.Start(s);
+    runner.Start(Script().Say("nobody", "...").Append(Counting(1, count)));
     runner.Update(game, 0.016f);
     EXPECT_EQ(count, 1);
 }
