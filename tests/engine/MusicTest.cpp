@@ -107,15 +107,13 @@ TEST_F(MusicTest, BackgroundOpeningPlaysWhatWasAskedForMeanwhile) {
     unsetenv("SDL_AUDIODRIVER");
 }
 
-TEST_F(MusicTest, FadeInAndCrossFadeAreLinear) {
-    Music::Play(kA, true, 0.5f);
-    auto out = Render(7 * kTenth);
-    // The level at the middle of each window of the 0.5 s fade.
-    for (size_t w = 0; w < 10; ++w) EXPECT_NEAR(Level(out, w, 440), kLevel * (double(w) + 0.5) / 10.0, 0.02) << w;
-    EXPECT_NEAR(Level(out, 11, 440), kLevel, 0.02);
+// A new track fades in over its time while the old one fades out (the fades' shape is the mixer's).
+TEST_F(MusicTest, ANewTrackCrossFades) {
+    Music::Play(kA, true, 0.0f);
+    Render(kTenth);
     Music::Play(kB, true, 0.5f);
     EXPECT_EQ(Music::Current(), kB);
-    out = Render(7 * kTenth);
+    const auto out = Render(7 * kTenth);
     for (size_t w = 0; w < 12; ++w) {
         const double share = std::min((double(w) + 0.5) / 10.0, 1.0);
         EXPECT_NEAR(Level(out, w, 440), kLevel * (1.0 - share), 0.02) << "old, window " << w;

@@ -20,9 +20,6 @@
 
 namespace {
 
-using adv::vf2d;
-using adv::operator-;
-
 struct StoryTest : ::testing::Test {
     adv::AdventureGame game;
     pge::Headless run{game, adv::AdventureGame::kViewWidth, adv::AdventureGame::kViewHeight};
@@ -179,25 +176,6 @@ TEST_F(StoryTest, TheEveningHasItsTuneAndItsSounds) {
     game.Player().SetPath({{300, 165}});
     for (int i = 0; i < 10; ++i) run.Frame(0.05f);
     EXPECT_GT(adv::Sound::ActiveVoices(), before + 1); // steps
-}
-
-TEST_F(StoryTest, WalkingToAWayOutLeadsThroughItAndLookingAtItDoesNot) {
-    Calm(*this);
-    const vf2d gate = game.current->Find("tor")->shape.Centroid() - game.camera;
-    auto click = [&](int button) {
-        run.MoveMouse(int(gate.x), int(gate.y));
-        run.Frame(0.05f);
-        run.SetMouseButton(button, true);
-        run.Frame(0.05f);
-        run.SetMouseButton(button, false);
-        for (int i = 0; i < 300 && (game.runner.Running() || game.Player().Walking()); ++i) run.Frame(0.05f);
-        run.Frame(0.05f);
-    };
-    game.SelectVerb(adv::Verb::Look);
-    click(0);
-    EXPECT_EQ(game.current->id, "hof");
-    click(1); // the way out's own verb: walking
-    EXPECT_EQ(game.current->id, "werkstatt");
 }
 
 // The menu, a dialogue and the ending, each as its checked-in picture. Saves go to a

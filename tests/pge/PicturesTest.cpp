@@ -9,22 +9,18 @@
 #include <fstream>
 #include <string>
 
-TEST(Renderable, WithoutEngineASpriteAndAnEmptyTexture) {
-    ASSERT_EQ(pge::renderer, nullptr);
-    pge::Renderable r;
-    r.Create(5, 3);
-    ASSERT_NE(r.Decal(), nullptr);
-    EXPECT_EQ(r.Sprite()->GetPixel(4, 2), pge::BLACK);
-    EXPECT_EQ(r.Decal()->id, pge::kNoTexture);
-    EXPECT_EQ(r.Decal()->sprite, r.Sprite());
-    EXPECT_FLOAT_EQ(r.Decal()->vUVScale.x, 1.0f / 5);
-    EXPECT_FLOAT_EQ(r.Decal()->vUVScale.y, 1.0f / 3);
-    r.Create(2, 7); // replaces the pair
-    EXPECT_EQ(r.Sprite()->width + r.Decal()->size.y, 2 + 7);
-    pge::Decal none(nullptr);
-    none.Update();
-    EXPECT_EQ(none.id, pge::kNoTexture);
-    EXPECT_EQ(none.size.x, 0);
+// Reading outside a sprite or from an empty one gives blank; writing outside changes nothing.
+TEST(SpriteAccess, EmptyAndOutsideReadBlank) {
+    pge::Sprite empty(0, 5);
+    EXPECT_TRUE(empty.pColData.empty());
+    EXPECT_EQ(empty.GetPixel(0, 0), pge::BLANK);
+
+    pge::Sprite s(3, 2);
+    EXPECT_EQ(s.GetPixel(1, 1), pge::BLACK);
+    EXPECT_EQ(s.GetPixel(-1, 0), pge::BLANK);
+    EXPECT_FALSE(s.SetPixel(3, 0, pge::WHITE));
+    EXPECT_TRUE(s.SetPixel(2, 1, pge::WHITE));
+    EXPECT_EQ(s.pColData[2 + 1 * 3], pge::WHITE);
 }
 
 // Grey pictures become opaque RGBA, RGBA ones keep their alpha; a missing or undecodable
