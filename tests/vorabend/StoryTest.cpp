@@ -6,6 +6,7 @@
 #include "engine/adventure/AdventureGame.h"
 #include "pge/Headless.h"
 #include "tests/engine/adventure/OfflineAudio.h"
+#include "tests/engine/adventure/TestGame.h"
 #include "tests/stage/ReferencePicture.h"
 #include "tests/ScratchPath.h"
 #include "vorabend/PlayScript.h"
@@ -14,8 +15,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
-#include <cstdlib>
-#include <filesystem>
 #include <fstream>
 
 namespace {
@@ -181,11 +180,7 @@ TEST_F(StoryTest, TheEveningHasItsTuneAndItsSounds) {
 // The menu, a dialogue and the ending, each as its checked-in picture. Saves go to a
 // folder of their own, so the save page shows six empty slots.
 TEST_F(StoryTest, MenuDialogueAndEndingLookAsTheirPictures) {
-    char folder[] = "/tmp/vorabend-saves-XXXXXX";
-    ASSERT_NE(mkdtemp(folder), nullptr);
-    const char* old = std::getenv("XDG_DATA_HOME");
-    const std::string before = old ? old : "";
-    setenv("XDG_DATA_HOME", folder, 1);
+    const adv::testing::DataFolder saves;
     Calm(*this);
     run.MoveMouse(0, 0);
     game.BeginDialogue("hella");
@@ -202,11 +197,6 @@ TEST_F(StoryTest, MenuDialogueAndEndingLookAsTheirPictures) {
     game.FinishGame("Das Leuchtfeuer lodert.");
     run.Frame(0.05f);
     torvane::testing_support::ExpectMatchesReference(*game.GetDrawTarget(), "vorabend_end");
-    std::filesystem::remove_all(folder);
-    if (before.empty())
-        unsetenv("XDG_DATA_HOME");
-    else
-        setenv("XDG_DATA_HOME", before.c_str(), 1);
 }
 
 TEST_F(StoryTest, APlayScriptLineWithoutItsNumberOrOffTheScreenFailsTheRunAndNamesTheLine) {

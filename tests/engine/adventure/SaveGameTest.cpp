@@ -5,7 +5,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <tuple>
@@ -17,23 +16,9 @@ namespace fs = std::filesystem;
 
 // Saves go to a fresh data folder of their own.
 struct SaveTest : ::testing::Test {
-    fs::path data;
-    std::string oldXdg;
-    void SetUp() override {
-        if (const char* x = std::getenv("XDG_DATA_HOME")) oldXdg = x;
-        char name[] = "/tmp/adventure-saves-XXXXXX";
-        ASSERT_NE(mkdtemp(name), nullptr);
-        data = name;
-        setenv("XDG_DATA_HOME", name, 1);
-        savegame::SetFolderName("Probe");
-    }
-    void TearDown() override {
-        fs::remove_all(data);
-        if (oldXdg.empty())
-            unsetenv("XDG_DATA_HOME");
-        else
-            setenv("XDG_DATA_HOME", oldXdg.c_str(), 1);
-    }
+    testing::DataFolder folder;
+    fs::path data = folder.path;
+    void SetUp() override { savegame::SetFolderName("Probe"); }
     void WriteFile(int slot, const std::string& text) {
         fs::create_directories(savegame::Directory());
         std::ofstream(savegame::SlotPath(slot), std::ios::binary) << text;
