@@ -7,7 +7,6 @@
 #include <X11/keysym.h>
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <string>
 #include <utility>
 #include <vector>
@@ -114,23 +113,6 @@ TEST(PixelEngineKeys, PressHoldReleaseAndTheXKeyTable) {
         app.pge_UpdateKeyState(int32_t(sym), false);
         run.Frame(0.01f);
     }
-}
-
-TEST(PixelEngineKeys, APressTypesTheCharacterOfItsTextOrOfAUnicodeKeysym) {
-    const struct {
-        unsigned long sym;
-        const char* text;
-        uint32_t code;
-    } cases[] = {
-        {XK_J, "J", 'J'},                 {XK_udiaeresis, "\xFC", 0xFC}, {XK_Odiaeresis, "\xD6", 0xD6},
-        {XK_Return, "\r", 13},           {XK_BackSpace, "\b", 8},       {XK_Escape, "\x1B", 27},
-        {XK_a, "\x01", 1},               // with Ctrl held
-        {XK_Shift_L, "", 0},              {XK_Left, "", 0},               {XK_F1, "", 0},
-        {0x010020AC, "", 0x20AC},         // the euro sign as a Unicode keysym
-        {0x010000E9, "", 0},              // below 0x100 the Latin-1 keysyms stand, with their text
-    };
-    for (const auto& c : cases)
-        EXPECT_EQ(pge::TypedCharacter(c.sym, c.text, int(std::strlen(c.text))), c.code) << c.sym;
 }
 
 TEST(PixelEngineMouse, ButtonsAndWheelPerFrame) {

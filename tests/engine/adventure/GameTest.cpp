@@ -244,10 +244,10 @@ TEST(Intro, TheMenuOpensOverTheTitleAndTheClickThatEndsItIsNoOrder) {
 
 TEST_F(GameTest, TextSpeedKeysAndPause) {
     Actor::SetTextSpeed(4);
-    // The keys as the window reports them: the keypad's as the main keyboard's.
+    // The keypad's keys as the main keyboard's, as the window reports them.
     t.PressKeysym(XK_KP_Add);
     EXPECT_EQ(game.toast, "Texttempo 5 / 8");
-    t.PressKeysym(XK_minus);
+    t.PressKeysym(XK_KP_Subtract);
     t.PressKeysym(XK_KP_Subtract);
     EXPECT_EQ(Actor::TextSpeed(), 3);
     Actor::SetTextSpeed(4);

@@ -124,22 +124,5 @@ TEST(WalkArea, ALineOverAHolesCornersIsNotASightLine) {
     EXPECT_FALSE(area.HasLineOfSight({-20, -20}, {-10, -20}));
 }
 
-TEST(Scene, LaterHotspotsLieOnTopAndDisabledOnesAreSkipped) {
-    Scene scene;
-    scene.AddRectHotspot("table", "Tisch", 0, 0, 100, 100);
-    scene.AddRectHotspot("cup", "Becher", 40, 40, 10, 10);
-    ASSERT_NE(scene.HotspotAt({45, 45}), nullptr);
-    EXPECT_EQ(scene.HotspotAt({45, 45})->id, "cup");
-    scene.Find("cup")->enabled = false;
-    EXPECT_EQ(scene.HotspotAt({45, 45})->id, "table");
-    EXPECT_EQ(scene.HotspotAt({200, 45}), nullptr);
-    EXPECT_EQ(scene.Find("nothing"), nullptr);
-    EXPECT_EQ(scene.Width(), 0);
-    scene.SetEntry("door", {5, 6}, Facing::Left);
-    ASSERT_NE(scene.Entry("door"), nullptr);
-    EXPECT_EQ(scene.Entry("door")->facing, Facing::Left);
-    EXPECT_EQ(scene.Entry("window"), nullptr);
-}
-
 } // namespace
 } // namespace adv
