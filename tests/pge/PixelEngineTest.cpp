@@ -14,28 +14,25 @@
 namespace {
 
 // Records what each frame saw.
-class Probe : public pge::PixelEngine {
-public:
-    bool OnUserCreate() override {
-        ++creates;
-        return acceptCreate;
-    }
-    bool OnUserUpdate(float elapsed) override {
-        elapsedSeen.push_back(elapsed);
-        return frames++ < stopAfter;
-    }
-    bool OnUserDestroy() override {
-        ++destroys;
-        return true;
-    }
-
+struct Probe : pge::PixelEngine {
+    bool OnUserCreate() override { return acceptCreate; }
+    bool OnUserUpdate(float elapsed) override { return elapsedSeen.push_back(elapsed), frames++ < stopAfter; }
+    bool OnUserDestroy() override { return ++destroys; }
     bool acceptCreate = true;
-    int stopAfter = 1 << 30;
-    int frames = 0;
-    int creates = 0;
-    int destroys = 0;
+    int stopAfter = 1 << 30, frames = 0, destroys = 0;
     std::vector<float> elapsedSeen;
 };
+
+// A probe running headless at 640 by 400 in a window of 1280 by 800.
+struct Running : ::testing::Test {
+    void SetUp() override { ASSERT_TRUE(run.Create()); }
+    std::pair<int, int> Mouse() const { return {app.GetMousePos().x, app.GetMousePos().y}; }
+    Probe app;
+    pge::Headless run{app};
+};
+struct PixelEngineKeys : Running {};
+struct PixelEngineMouse : Running {};
+struct PixelEngineViewport : Running {};
 
 } // namespace
 
@@ -75,10 +72,7 @@ TEST(PixelEngineRun, ConstructFramesCloseAndDeclinedCreate) {
 
 // A key is pressed in the frame it goes down, held while down, released in the frame it goes
 // up; down and up within one frame show nothing.
-TEST(PixelEngineKeys, PressHoldReleaseAndTheXKeyTable) {
-    Probe app;
-    pge::Headless run(app);
-    ASSERT_TRUE(run.Create());
+TEST_F(PixelEngineKeys, PressHoldReleaseAndTheXKeyTable) {
     const auto state = [&](pge::Key k) {
         const pge::HWButton b = app.GetKey(k);
         return std::string(b.bPressed ? "p" : "") + (b.bHeld ? "h" : "") + (b.bReleased ? "r" : "");
@@ -115,25 +109,17 @@ TEST(PixelEngineKeys, PressHoldReleaseAndTheXKeyTable) {
     }
 }
 
-TEST(PixelEngineMouse, ButtonsAndWheelPerFrame) {
-    Probe app;
-    pge::Headless run(app);
-    ASSERT_TRUE(run.Create());
+TEST_F(PixelEngineMouse, ButtonsAndWheelPerFrame) {
     run.SetMouseButton(1, true);
     run.Wheel(120);
     run.Wheel(120);
     run.Frame(0.01f);
-    EXPECT_TRUE(app.GetMouse(1).bPressed);
-    EXPECT_FALSE(app.GetMouse(0).bHeld);
-    EXPECT_EQ(app.GetMouseWheel(), 240);
-    EXPECT_EQ(app.GetMousePresses(1), 1);
+    EXPECT_TRUE(app.GetMouse(1).bPressed && !app.GetMouse(0).bHeld);
+    EXPECT_EQ(std::pair(app.GetMouseWheel(), app.GetMousePresses(1)), std::pair(240, 1));
     run.Frame(0.01f);
-    EXPECT_EQ(app.GetMouseWheel(), 0);
-    EXPECT_EQ(app.GetMousePresses(1), 0); // held, not pressed again
+    EXPECT_EQ(std::pair(app.GetMouseWheel(), app.GetMousePresses(1)), std::pair(0, 0)); // held, not pressed again
     EXPECT_TRUE(app.GetMouse(1).bHeld);
-    EXPECT_FALSE(app.GetMouse(3).bHeld);
-    EXPECT_FALSE(app.GetMouse(4).bPressed);
-    EXPECT_FALSE(app.GetMouse(99).bHeld);
+    EXPECT_FALSE(app.GetMouse(3).bHeld || app.GetMouse(4).bPressed || app.GetMouse(99).bHeld);
     // A click that went down and up between two frames shows in no state, but is counted.
     run.SetMouseButton(1, false);
     run.SetMouseButton(0, true);
@@ -142,22 +128,14 @@ TEST(PixelEngineMouse, ButtonsAndWheelPerFrame) {
     run.SetMouseButton(0, false);
     run.Frame(0.01f);
     EXPECT_FALSE(app.GetMouse(0).bPressed || app.GetMouse(0).bHeld);
-    EXPECT_EQ(app.GetMousePresses(0), 2);
-    EXPECT_EQ(app.GetMousePresses(99), 0);
+    EXPECT_EQ(std::pair(app.GetMousePresses(0), app.GetMousePresses(99)), std::pair(2, 0));
     run.Frame(0.01f);
     EXPECT_EQ(app.GetMousePresses(0), 0);
 }
 
-TEST(PixelEngineViewport, KeepsEightToFiveWithCentredBars) {
-    Probe app;
-    pge::Headless run(app);
-    ASSERT_TRUE(run.Create());
-    EXPECT_EQ(app.GetViewSize().x, 1280);
-    EXPECT_EQ(app.GetViewSize().y, 800);
-    EXPECT_EQ(app.GetViewPos().x, 0);
-
-    struct Case { bool cohesion; int ww, wh, vx, vy, vw, vh; };
-    const Case cases[] = {
+TEST_F(PixelEngineViewport, KeepsEightToFiveWithCentredBars) {
+    const struct { bool cohesion; int ww, wh, vx, vy, vw, vh; } cases[] = {
+        {false, 1280, 800, 0, 0, 1280, 800},
         // Wide windows: full height, bars left and right; tall ones: full width, bars above and below.
         {false, 1920, 1080, 96, 0, 1728, 1080},
         {false, 1000, 1000, 0, 187, 1000, 625},
@@ -171,41 +149,30 @@ TEST(PixelEngineViewport, KeepsEightToFiveWithCentredBars) {
         {true, 641, 400, 0, 0, 640, 400},
         {true, 800, 300, 160, 0, 480, 300},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         // Construct only stores: the cohesion flag changes nothing else.
         app.Construct(640, 400, 2, 2, false, false, c.cohesion, false);
         run.ResizeWindow(c.ww, c.wh);
-        EXPECT_EQ(app.GetViewPos().x, c.vx) << c.ww << "x" << c.wh << " " << c.cohesion;
-        EXPECT_EQ(app.GetViewPos().y, c.vy) << c.ww << "x" << c.wh << " " << c.cohesion;
-        EXPECT_EQ(app.GetViewSize().x, c.vw) << c.ww << "x" << c.wh << " " << c.cohesion;
-        EXPECT_EQ(app.GetViewSize().y, c.vh) << c.ww << "x" << c.wh << " " << c.cohesion;
+        EXPECT_EQ(std::vector<int>({app.GetViewPos().x, app.GetViewPos().y, app.GetViewSize().x, app.GetViewSize().y}),
+                  std::vector<int>({c.vx, c.vy, c.vw, c.vh})) << c.ww << "x" << c.wh << " " << c.cohesion;
     }
 }
 
-TEST(PixelEngineMouse, PositionMapsThroughTheViewAndStaysOnScreen) {
-    Probe app;
-    pge::Headless run(app);
-    ASSERT_TRUE(run.Create());
+TEST_F(PixelEngineMouse, PositionMapsThroughTheViewAndStaysOnScreen) {
     run.ResizeWindow(1920, 1080); // view 1728 by 1080 at x 96
-    app.pge_UpdateMouse(96 + 864, 540);
-    run.Frame(0.01f);
-    EXPECT_EQ(app.GetMousePos().x, 320);
-    EXPECT_EQ(app.GetMousePos().y, 200);
     // Over the bars and beyond the window the position is clamped.
-    app.pge_UpdateMouse(10, -50);
-    run.Frame(0.01f);
-    EXPECT_EQ(app.GetMousePos().x, 0);
-    EXPECT_EQ(app.GetMousePos().y, 0);
-    app.pge_UpdateMouse(1915, 5000);
-    run.Frame(0.01f);
-    EXPECT_EQ(app.GetMousePos().x, 639);
-    EXPECT_EQ(app.GetMousePos().y, 399);
+    const std::pair<std::pair<int, int>, std::pair<int, int>> cases[] = {
+        {{96 + 864, 540}, {320, 200}}, {{10, -50}, {0, 0}}, {{1915, 5000}, {639, 399}}};
+    for (const auto& [window, logical] : cases) {
+        app.pge_UpdateMouse(window.first, window.second);
+        run.Frame(0.01f);
+        EXPECT_EQ(Mouse(), logical);
+    }
     // The headless helper points at logical pixels exactly.
     for (int x : {0, 1, 317, 639}) {
         run.MoveMouse(x, 399 - x % 400);
         run.Frame(0.01f);
-        EXPECT_EQ(app.GetMousePos().x, x);
-        EXPECT_EQ(app.GetMousePos().y, 399 - x % 400);
+        EXPECT_EQ(Mouse(), std::pair(x, 399 - x % 400));
     }
 }
 
@@ -218,15 +185,12 @@ TEST(WindowTitle, StaysAgainstTheFrameRateStatus) {
     // Without the fixed title the status line of the frame loop takes over once a second.
     run.Frame(0.5f);
     run.Frame(0.5f);
-    EXPECT_NE(run.Title(), "");
-    EXPECT_NE(run.Title(), "Torvane");
-
+    EXPECT_TRUE(run.Title() != "" && run.Title() != "Torvane");
     adv::SetWindowTitle("Torvane");
     EXPECT_EQ(run.Title(), "Torvane");
     for (int i = 0; i < 5; ++i) run.Frame(0.5f);
     EXPECT_EQ(run.Title(), "Torvane");
     EXPECT_EQ(app.GetFPS(), 2u);
-
     // A second call changes the kept title; the wrapper is not wrapped again.
     adv::SetWindowTitle("Der Vellmark");
     run.Frame(1.0f);
