@@ -2,7 +2,6 @@
 #include "pge/FontSheet.h"
 #include "pge/Headless.h"
 #include <gtest/gtest.h>
-#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -50,28 +49,10 @@ TEST(TextWidth, AdvancesAndInvalidUtf8) {
     EXPECT_EQ(text::Width(app, "Wi", 3), 33);
 }
 
-TEST_F(TextDrawing, GlyphsMatchTheFontSheetAtEveryScaleAndAlignment) {
-    // 'H' (first column 0, advance 8) at x 100; 'i' (first column 3, advance 3) at x 108.
-    const auto hi = Drawn("Hi");
-    long ink = 0;
-    for (int i = 0; i < 64; ++i) {
-        EXPECT_EQ(Set(100 + i % 8, 100 + i / 8), Sheet('H', i % 8, i / 8)) << i;
-        ink += Sheet('H', i % 8, i / 8);
-    }
-    for (int i = 0; i < 24; ++i) {
-        EXPECT_EQ(Set(108 + i % 3, 100 + i / 3), Sheet('i', 3 + i % 3, i / 3)) << i;
-        ink += Sheet('i', 3 + i % 3, i / 3);
-    }
-    EXPECT_EQ(long(hi.size()) - std::count(hi.begin(), hi.end(), pge::BLANK), ink);
-    const auto left = Drawn("A", 2);
-    for (int i = 0; i < 256; ++i) EXPECT_EQ(Set(100 + i % 16, 100 + i / 16), Sheet('A', i % 16 / 2, i / 32));
-    // 16 wide at scale 2: right-aligned at 116 and centred at 108 land on 100.
-    EXPECT_EQ(Drawn("A", 2, text::Align::Right, 116), left);
-    EXPECT_EQ(Drawn("A", 2, text::Align::Centre, 108), left);
+// Glyphs as such are the font sheet's, at every scale and alignment in the reference pictures;
+// here what the sheet lacks, and the '?' for what is no character.
+TEST_F(TextDrawing, UmlautDotsHandMadeGlyphsAndQuestionMarks) {
     for (const char* bad : {"\n", "\xFF", "\xC0", "\x80"}) EXPECT_EQ(Drawn(bad), Drawn("?")) << bad;
-}
-
-TEST_F(TextDrawing, UmlautDotsAndHandMadeGlyphs) {
     // Upper-case dots two font pixels above the cell, in columns 1, 2, 4, 5 ('A' starts at column 0).
     Drawn("\xC3\x84");
     for (int i = 0; i < 24; ++i) EXPECT_EQ(Set(100 + i % 8, 98 + i / 8), i / 8 == 2 ? Sheet('A', i % 8, 0) : i < 8 && (0x6C & (0x80 >> i))) << i;
