@@ -8,14 +8,10 @@
 #include "tests/engine/adventure/OfflineAudio.h"
 #include "tests/engine/adventure/TestGame.h"
 #include "tests/stage/ReferencePicture.h"
-#include "tests/ScratchPath.h"
-#include "vorabend/PlayScript.h"
 #include "vorabend/Story.h"
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
-#include <fstream>
 
 namespace {
 
@@ -197,20 +193,6 @@ TEST_F(StoryTest, MenuDialogueAndEndingLookAsTheirPictures) {
     game.FinishGame("Das Leuchtfeuer lodert.");
     run.Frame(0.05f);
     torvane::testing_support::ExpectMatchesReference(*game.GetDrawTarget(), "vorabend_end");
-}
-
-TEST_F(StoryTest, APlayScriptLineWithoutItsNumberOrOffTheScreenFailsTheRunAndNamesTheLine) {
-    const std::string path = scratch::Path("bad_play.txt");
-    for (const char* line : {"wait soon", "wait .", "hover point 3e35 10", "hover point -1 10"}) {
-        std::ofstream(path) << line << "\n";
-        vorabend::PlayScript play;
-        ASSERT_TRUE(play.Load(path));
-        testing::internal::CaptureStderr();
-        play.Step(game, 0.05f);
-        EXPECT_NE(testing::internal::GetCapturedStderr().find(line), std::string::npos);
-        EXPECT_TRUE(play.Failed()) << line;
-    }
-    std::remove(path.c_str());
 }
 
 } // namespace

@@ -42,20 +42,6 @@ TEST(Polygon, ContainsByTheEvenOddRuleCentroidAndDistance) {
     EXPECT_FLOAT_EQ(closest.x, 3);
 }
 
-TEST(Segments, OnlyProperCrossingsCountAndShortSegmentsArePoints) {
-    EXPECT_TRUE(SegmentsCross({0, 0}, {10, 10}, {0, 10}, {10, 0}));
-    EXPECT_FALSE(SegmentsCross({0, 0}, {5, 5}, {5, 5}, {10, 0}));  // touching at an end
-    EXPECT_FALSE(SegmentsCross({0, 0}, {10, 0}, {5, 0}, {15, 0})); // collinear
-    EXPECT_FALSE(SegmentsCross({0, 0}, {10, 0}, {5, 0}, {5, 10})); // a T
-    EXPECT_FLOAT_EQ(ClosestPointOnSegment({3, 3}, {3, 3}, {9, 9}).x, 3);
-    const vf2d b = ClosestPointOnSegment({0, 0}, {10, 0}, {20, 5});
-    EXPECT_EQ(std::pair(b.x, b.y), std::pair(10.0f, 0.0f));
-    // The depth of a room: scales interpolate within their rows only.
-    const ScaleZone zone{100, 200, 0.5f, 1.0f};
-    EXPECT_EQ(std::vector<float>({zone.At(150), zone.At(0), zone.At(500), (ScaleZone{120, 120.0005f, 0.3f, 0.9f}).At(0)}),
-              std::vector<float>({0.75f, 0.5f, 1.0f, 0.9f}));
-}
-
 // A room of 200 by 100 with a block in the middle.
 WalkArea RoomWithBlock() {
     WalkArea area;

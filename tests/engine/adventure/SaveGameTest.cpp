@@ -142,27 +142,6 @@ TEST_F(SaveTest, SlotsOutsideTheSixFailWithoutTouchingAnyFile) {
     EXPECT_FALSE(savegame::Inspect(1).exists);
 }
 
-TEST_F(SaveTest, ALongLabelStaysInsideTheMenuPanel) {
-    testing::TestGame t;
-    GameMenu& menu = t.game.menu;
-    const auto page = [&] {
-        menu.Open();
-        menu.Activate(GameMenu::kLoadGame);
-        t.run.MoveMouse(0, 0);
-        t.run.Frame(0.016f);
-        return t.game.GetDrawTarget()->pColData;
-    };
-    const std::vector<pge::Pixel> empty = page();
-    SaveData d = Sample();
-    d.label = std::string(3000, 'W');
-    ASSERT_TRUE(savegame::Write(0, d));
-    const std::vector<pge::Pixel> full = page();
-    // Left and right of the panel nothing changes; the time of saving is still shown.
-    for (int y = 0; y < AdventureGame::kViewHeight; ++y)
-        for (int x : {0, 40, 61, 322, 340, 383}) EXPECT_EQ(full[size_t(y * 384 + x)], empty[size_t(y * 384 + x)]) << x << "," << y;
-    EXPECT_EQ(menu.rows[0].text.substr(menu.rows[0].text.size() - 16), d.saved);
-}
-
 // A load restores what was saved without running entry scripts: the inventory in order (an
 // item the game no longer knows included), flags, hotspots, used options, every figure exactly
 // where it stood (off the floor too); a scene built only after the save is as its code makes it.
