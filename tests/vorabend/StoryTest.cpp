@@ -1,8 +1,6 @@
 // "Der Vorabend": every place the story sends the player to can be reached, each scene looks as
 // its checked-in picture in both languages, and every text, the framework's too, is in English.
 #include "engine/Assets.h"
-#include "engine/Music.h"
-#include "engine/Sound.h"
 #include "engine/adventure/AdventureGame.h"
 #include "pge/Headless.h"
 #include "tests/engine/adventure/OfflineAudio.h"
@@ -157,20 +155,6 @@ void Calm(StoryTest& t) {
     for (auto& [id, actor] : t.game.actors) actor.StopTalking();
     t.game.Narrate("", 0.0f);
     for (int i = 0; i < 20; ++i) t.run.Frame(0.05f);
-}
-
-TEST_F(StoryTest, TheEveningHasItsTuneAndItsSounds) {
-    EXPECT_EQ(adv::Music::Current(), "vorabend/music/vorabend.mp3");
-    Calm(*this);
-    // Sounds of the offline engine never end, so each one played is one more voice.
-    const uint32_t before = adv::Sound::ActiveVoices();
-    game.RunScript(game.current->Find("brot")->scripts.at(adv::Verb::Take));
-    for (int i = 0; i < 200 && game.runner.Running(); ++i) run.Frame(0.05f);
-    EXPECT_TRUE(game.inventory.Has("brot"));
-    EXPECT_EQ(adv::Sound::ActiveVoices(), before + 1);
-    game.Player().SetPath({{300, 165}});
-    for (int i = 0; i < 10; ++i) run.Frame(0.05f);
-    EXPECT_GT(adv::Sound::ActiveVoices(), before + 1); // steps
 }
 
 // The menu, a dialogue and the ending, each as its checked-in picture. Saves go to a
