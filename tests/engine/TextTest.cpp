@@ -97,17 +97,3 @@ TEST(TextFit, WholeWhenItFitsElseCutBeforeDotsAtAnyLength) {
     EXPECT_EQ(text::Fit(app, huge, 200), text::Fit(app, castle + std::string(100, 'x'), 200));
     EXPECT_FALSE(text::Fits(app, huge, 200));
 }
-
-TEST(TextWrap, GreedyLinesAndEdgeCases) {
-    Idle app;
-    using Lines = std::vector<std::string>;
-    EXPECT_EQ(text::Wrap(app, "one two three", 46), (Lines{"one two", "three"}));
-    EXPECT_EQ(text::Wrap(app, "one two three", 45), (Lines{"one", "two", "three"}));
-    EXPECT_EQ(text::Wrap(app, "one two three", 84), (Lines{"one two three"}));
-    EXPECT_EQ(text::Wrap(app, "one two three", 92, 2), (Lines{"one two", "three"}));
-    EXPECT_EQ(text::Wrap(app, "x enormous y", 10), (Lines{"x", "enormous", "y"}));
-    EXPECT_EQ(text::Wrap(app, "a\n\nb", 100), (Lines{"a", "", "b"}));
-    EXPECT_EQ(text::Wrap(app, "ab\n", 100), (Lines{"ab", ""}));
-    EXPECT_EQ(text::Wrap(app, "", 100), (Lines{""}));
-    EXPECT_EQ(text::Wrap(app, "a  b", 100), (Lines{"a  b"}));
-}

@@ -9,20 +9,6 @@
 #include <fstream>
 #include <string>
 
-// Reading outside a sprite or from an empty one gives blank; writing outside changes nothing.
-TEST(SpriteAccess, EmptyAndOutsideReadBlank) {
-    pge::Sprite empty(0, 5);
-    EXPECT_TRUE(empty.pColData.empty());
-    EXPECT_EQ(empty.GetPixel(0, 0), pge::BLANK);
-
-    pge::Sprite s(3, 2);
-    EXPECT_EQ(s.GetPixel(1, 1), pge::BLACK);
-    EXPECT_EQ(s.GetPixel(-1, 0), pge::BLANK);
-    EXPECT_FALSE(s.SetPixel(3, 0, pge::WHITE));
-    EXPECT_TRUE(s.SetPixel(2, 1, pge::WHITE));
-    EXPECT_EQ(s.pColData[2 + 1 * 3], pge::WHITE);
-}
-
 // Grey pictures become opaque RGBA, RGBA ones keep their alpha; a missing or undecodable
 // file gives neither a sprite nor a decal.
 TEST(Renderable, LoadsPngsAndNothingFromBadFiles) {

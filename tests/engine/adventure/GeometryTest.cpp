@@ -22,26 +22,6 @@ void ExpectWalkable(const WalkArea& area, vf2d from, const std::vector<vf2d>& pa
     }
 }
 
-TEST(Polygon, ContainsByTheEvenOddRuleCentroidAndDistance) {
-    const Polygon square = Polygon::Rect(0, 0, 10, 10), line{{{0, 0}, {10, 10}}};
-    // A U shape: the notch is outside.
-    const Polygon u{{{0, 0}, {3, 0}, {3, 6}, {7, 6}, {7, 0}, {10, 0}, {10, 10}, {0, 10}}};
-    const struct { const Polygon& p; vf2d at; bool inside; } cases[] = {
-        {square, {5, 5}, true}, {square, {11, 5}, false}, {square, {-0.5f, 5}, false}, {u, {5, 3}, false},
-        {u, {5, 8}, true},      {u, {1, 3}, true},        {line, {5, 5}, false},       {Polygon{}, {0, 0}, false},
-    };
-    for (const auto& c : cases) EXPECT_EQ(c.p.Contains(c.at), c.inside) << c.at.x << "," << c.at.y;
-    const Polygon r = Polygon::Rect(2, 4, 6, 2);
-    ASSERT_EQ(r.vertices.size(), 4u);
-    EXPECT_EQ(std::vector<float>({r.vertices[1].x, r.vertices[3].y, r.Centroid().x, r.Centroid().y, Polygon{}.Centroid().x}),
-              std::vector<float>({8, 6, 5, 5, 0})); // top right, bottom left
-    vf2d closest;
-    EXPECT_FLOAT_EQ(r.DistanceToEdge({5, 10}, &closest), 4);
-    EXPECT_EQ(std::pair(closest.x, closest.y), std::pair(5.0f, 6.0f));
-    EXPECT_GT(Polygon{}.DistanceToEdge({3, 3}, &closest), 1e18f);
-    EXPECT_FLOAT_EQ(closest.x, 3);
-}
-
 // A room of 200 by 100 with a block in the middle.
 WalkArea RoomWithBlock() {
     WalkArea area;
