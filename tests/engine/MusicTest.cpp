@@ -57,15 +57,9 @@ TEST_F(MusicTest, OneEngineAndShutdownSilencesEffectsToo) {
     EXPECT_EQ(Music::Current() + (Music::Available() ? "ready" : "") + std::to_string(adv::Sound::ActiveVoices()), "0");
 }
 
-TEST(MusicDevice, NoDeviceIsToldAndDisableNeverOpensOne) {
-    setenv("SDL_AUDIODRIVER", "no-such-driver", 1);
-    testing::internal::CaptureStderr();
-    EXPECT_FALSE(Music::Init());
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), "[musik] Kein Tongeraet verfuegbar - das Spiel laeuft ohne Musik.\n");
+// Disable is for good in a process, so it is tried in child processes; a running engine goes on.
+TEST(MusicDevice, DisableNeverOpensOne) {
     setenv("SDL_AUDIODRIVER", "dummy", 1);
-    EXPECT_TRUE(Music::Init()); // may be tried again
-    Music::Shutdown();
-    // Disable is for good in a process, so it is tried in child processes; a running engine goes on.
     EXPECT_EXIT(const bool ok = Music::Init(); Music::Disable(); const bool on = Music::Init(); Music::Shutdown();
                 std::exit(ok && on && !Music::Init() && SDL_WasInit(SDL_INIT_AUDIO) == 0 ? 0 : 1), testing::ExitedWithCode(0), "");
     EXPECT_EXIT(Music::Disable(); std::exit(!Music::Init() && SDL_WasInit(SDL_INIT_AUDIO) == 0 ? 0 : 1),
