@@ -34,20 +34,6 @@ TEST_F(GameTest, ARightClickOnAHotspotUsesItsDefaultVerb) {
     EXPECT_TRUE(t.Player().Walking());
 }
 
-TEST_F(GameTest, WalkingToAHotspotOnlyWalksThoughItHasAScriptForWalking) {
-    Hotspot& chest = *game.current->Find("chest");
-    chest.scripts[Verb::Walk] = Script().SetFlag("walked", 1);
-    chest.hasApproach = true;
-    chest.approach = {70, 130};
-    game.InteractWithHotspot(chest, Verb::Walk, {90, 90});
-    EXPECT_FALSE(game.runner.Running());
-    ASSERT_TRUE(t.Player().Walking());
-    EXPECT_FLOAT_EQ(t.Player().path.back().x, 70);
-    t.Settle();
-    for (int i = 0; i < 100 && t.Player().Walking(); ++i) t.run.Frame(0.05f);
-    EXPECT_EQ(game.Flag("walked"), 0);
-}
-
 // Without a script of its own, each verb says its fallback line; two items that do not go
 // together say so, and an item used with itself is the verb's own fallback.
 TEST_F(GameTest, FallbackLinesOfVerbsAndItems) {
