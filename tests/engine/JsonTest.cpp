@@ -1,8 +1,5 @@
 #include "engine/Json.h"
-#include "tests/ScratchPath.h"
 #include <gtest/gtest.h>
-#include <cstdio>
-#include <fstream>
 #include <string>
 
 using adv::json::Value;
@@ -76,22 +73,4 @@ TEST(JsonValues, EscapesLiteralsContainersAndFallbacks) {
     const Value n = Parsed("[3.9, -3.9, 1e10, -1e10, 1e300, nan, -inf, 2147483647, \"7\"]");
     const std::vector<int32_t> ints = {3, -3, INT32_MAX, INT32_MIN, INT32_MAX, 5, INT32_MIN, INT32_MAX, 5};
     for (size_t i = 0; i < ints.size(); ++i) EXPECT_EQ(n[i].Int(5), ints[i]) << i;
-}
-
-TEST(JsonFiles, MissingAndBrokenFiles) {
-    const std::string path = scratch::Path("json_test") + ".json";
-    Value v;
-    std::string error;
-    EXPECT_FALSE(adv::json::ParseFile(path + ".none", v, &error));
-    EXPECT_EQ(error, "Datei fehlt: " + path + ".none");
-    // A folder at the path reads as missing, not as an exception.
-    EXPECT_FALSE(adv::json::ParseFile(TORVANE_BINARY_DIR, v, &error));
-    EXPECT_EQ(error, std::string("Datei fehlt: ") + TORVANE_BINARY_DIR);
-    std::ofstream(path, std::ios::binary) << "{\"cycles\": [{\"start\": 1}]}";
-    ASSERT_TRUE(adv::json::ParseFile(path, v, &error));
-    EXPECT_EQ(v["cycles"][size_t(0)]["start"].Number(0), 1.0);
-    std::ofstream(path, std::ios::binary | std::ios::trunc) << "[1,";
-    EXPECT_FALSE(adv::json::ParseFile(path, v, &error));
-    EXPECT_EQ(error, "unerwartetes Ende (Zeichen 3)"); // without the file's name
-    std::remove(path.c_str());
 }
