@@ -46,25 +46,17 @@ SaveData Sample() {
 }
 
 TEST_F(SaveTest, ARoundTripKeepsEverythingLabelsWithBlanksIncluded) {
+    // The lines in the file's order; the figures' numbers as they come back.
     const std::string text = savegame::Serialise(Sample());
-    EXPECT_EQ(text.substr(0, 27), "quillmere-adventure-save 1\n");
+    EXPECT_EQ(text.substr(0, text.find("actor ")), "quillmere-adventure-save 1\nsaved 01.02.2026 03:04\nscene room\n"
+                                                   "label Die Kammer  am Abend\ntextspeed 6\ninvscroll 4\nflag a 1\n"
+                                                   "flag b -7\nitem key\nitem bread\n");
+    EXPECT_EQ(text.substr(text.find("\nhotspot")), "\nhotspot room lamp 0\ndialogue talk start 0\n");
     SaveData back;
     ASSERT_TRUE(savegame::Parse(text, back));
-    EXPECT_EQ(back.scene, "room");
-    EXPECT_EQ(back.label, "Die Kammer  am Abend");
-    EXPECT_EQ(back.saved, "01.02.2026 03:04");
-    EXPECT_EQ(back.textSpeed, 6);
-    EXPECT_EQ(back.inventoryScroll, 4);
-    EXPECT_EQ(back.flags, Sample().flags);
-    EXPECT_EQ(back.items, Sample().items);
+    EXPECT_EQ(savegame::Serialise(back), text); // nothing lost on the way back
     ASSERT_EQ(back.actors.size(), 2u);
-    EXPECT_FLOAT_EQ(back.actors[0].y, 140.25f);
-    EXPECT_EQ(back.actors[1].visible, 0);
-    ASSERT_EQ(back.hotspots.size(), 1u);
-    EXPECT_EQ(back.hotspots[0].enabled, 0);
-    ASSERT_EQ(back.usedOptions.size(), 1u);
-    EXPECT_EQ(back.usedOptions[0].node, "start");
-
+    EXPECT_EQ(std::pair(back.actors[0].y, back.actors[1].visible), std::pair(140.25f, 0));
     SaveData empty = Sample();
     empty.label = "";
     ASSERT_TRUE(savegame::Parse(savegame::Serialise(empty), back));
