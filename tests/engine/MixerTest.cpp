@@ -26,8 +26,8 @@ protected:
 
 } // namespace
 
-TEST_F(Mixer, ClipPlaysInPlaceAtItsVolumeLoopsAndTheMixIsClipped) {
-    std::vector<float> samples(1000, 0.5f), ramp(100), loud(10, 0.8f);
+TEST_F(Mixer, ClipPlaysInPlaceAtItsVolumeLoopsExactlyAndTheMixIsClipped) {
+    std::vector<float> samples(1000, 0.5f), ramp(100), loud(10, 0.8f), one{0.25f}, two{0.1f, 0.3f};
     auto s = Clip(samples);
     mixer::SetVolume(*s, 0.6f);
     EXPECT_EQ(Peak(Render(*engine, 64), 0, 64), 0.0); // nothing before Start
@@ -39,33 +39,21 @@ TEST_F(Mixer, ClipPlaysInPlaceAtItsVolumeLoopsAndTheMixIsClipped) {
               std::vector<float>({0.3f, 0.3f, -0.15f, -0.15f, 0.3f, 0.3f}));
     EXPECT_EQ(Peak(Render(*engine, 200), 0, 200), 0.0);
     EXPECT_TRUE(mixer::AtEnd(*s));
+    // A looped clip repeats itself exactly, one or two samples long too, though the neighbours
+    // that the interpolation reads then reach past its end more than once.
     for (size_t k = 0; k < ramp.size(); ++k) ramp[k] = float(k) / 100.0f;
-    auto loop = Clip(ramp), a = Clip(loud), b = Clip(loud);
-    mixer::SetLooping(*loop, true);
-    mixer::Start(*loop);
-    out = Render(*engine, 350);
-    for (size_t j = 0; j < 350; ++j) ASSERT_FLOAT_EQ(out[2 * j], float(j % 100) / 100.0f) << j;
-    mixer::StopWithFade(*loop, 0);
+    for (const std::vector<float>* v : {&ramp, &one, &two}) {
+        auto loop = Clip(*v);
+        mixer::SetLooping(*loop, true);
+        mixer::Start(*loop);
+        out = Render(*engine, 350);
+        for (size_t j = 0; j < 350; ++j) ASSERT_FLOAT_EQ(out[2 * j], (*v)[j % v->size()]) << j;
+        mixer::StopWithFade(*loop, 0);
+    }
+    auto a = Clip(loud), b = Clip(loud);
     mixer::Start(*a);
     mixer::Start(*b);
     EXPECT_EQ(Render(*engine, 5)[4], 1.0f);
-}
-
-// The neighbours that the interpolation reads reach past a clip of one or two samples more
-// than once; looped, such a clip still repeats itself exactly.
-TEST_F(Mixer, TinyLoopsRepeatExactly) {
-    const std::vector<float> one{0.25f}, two{0.1f, 0.3f};
-    auto a = Clip(one);
-    mixer::SetLooping(*a, true);
-    mixer::Start(*a);
-    auto out = Render(*engine, 7);
-    for (size_t j = 0; j < 7; ++j) ASSERT_EQ(out[2 * j], 0.25f) << j;
-    mixer::StopWithFade(*a, 0);
-    auto b = Clip(two);
-    mixer::SetLooping(*b, true);
-    mixer::Start(*b);
-    out = Render(*engine, 7);
-    for (size_t j = 0; j < 7; ++j) ASSERT_EQ(out[2 * j], two[j % 2]) << j;
 }
 
 TEST_F(Mixer, FadesAreLinearAndStopWithoutFadeSilencesAtOnce) {

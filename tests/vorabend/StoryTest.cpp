@@ -1,30 +1,17 @@
 // "Der Vorabend": every place the story sends the player to can be reached, each scene looks as
-// its checked-in picture in both languages, every text is in English too, and the language is
-// the tower game's.
+// its checked-in picture in both languages, and every text, the framework's too, is in English.
 #include "engine/Assets.h"
-#include "engine/Music.h"
-#include "engine/Sound.h"
 #include "engine/adventure/AdventureGame.h"
 #include "pge/Headless.h"
 #include "tests/engine/adventure/OfflineAudio.h"
+#include "tests/engine/adventure/TestGame.h"
 #include "tests/stage/ReferencePicture.h"
-#include "vorabend/GameLanguage.h"
-#include "tests/ScratchPath.h"
-#include "vorabend/PlayScript.h"
 #include "vorabend/Story.h"
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <sstream>
 
 namespace {
-
-using adv::vf2d;
-using adv::operator-;
 
 struct StoryTest : ::testing::Test {
     adv::AdventureGame game;
@@ -130,7 +117,36 @@ TEST_F(StoryTest, InEnglishEveryTextOfTheStoryIsEnglish) {
                 game.SelectDialogueOption(int(i));
                 Finish(*this);
             }
+    // The framework's own lines: each verb's fallback, an item's look and two that do not go
+    // together, the menu's pages, questions and messages, the pause.
+    for (adv::Verb v : adv::kVerbGrid) PlayThrough(*this, game.FallbackScript(v, ""));
+    adv::Item plain;
+    plain.id = plain.name = "Brot";
+    game.AddItem(plain);
+    game.inventory.Add("Brot");
+    game.inventory.Add("brot");
+    game.InteractWithItem("Brot", adv::Verb::Look);
+    Finish(*this);
+    game.SelectVerb(adv::Verb::Use);
+    game.InteractWithItem("Brot", adv::Verb::Use);
+    run.Frame(0.05f);
+    EXPECT_EQ(game.sentence.substr(0, 14), "Use Bread with");
+    game.InteractWithItem("brot", adv::Verb::Use);
+    Finish(*this);
+    using Menu = adv::GameMenu;
+    game.OpenMenu();
+    for (int32_t action : {Menu::kSaveGame, Menu::kBack, Menu::kLoadGame, Menu::kBack, Menu::kNewGame, Menu::kNo, Menu::kQuit}) {
+        run.Frame(0.05f);
+        game.ApplyMenuRequest(game.menu.Activate(action));
+    }
+    EXPECT_EQ(game.menu.question, "Really quit the game?");
+    for (const int32_t kind : {Menu::Request::SaveSlot, Menu::Request::LoadSlot, Menu::Request::SpeedUp}) game.ApplyMenuRequest({kind, 9});
+    run.Frame(0.05f);
+    game.menu.Close();
+    game.SetPaused(true);
+    run.Frame(0.05f);
     EXPECT_EQ(adv::MissingTranslations(), std::set<std::string>{});
+    adv::Actor::SetTextSpeed(4);
 }
 
 // Frames until the fade from black is over and nothing is said.
@@ -141,47 +157,10 @@ void Calm(StoryTest& t) {
     for (int i = 0; i < 20; ++i) t.run.Frame(0.05f);
 }
 
-TEST_F(StoryTest, TheEveningHasItsTuneAndItsSounds) {
-    EXPECT_EQ(adv::Music::Current(), "vorabend/music/vorabend.mp3");
-    Calm(*this);
-    // Sounds of the offline engine never end, so each one played is one more voice.
-    const uint32_t before = adv::Sound::ActiveVoices();
-    game.RunScript(game.current->Find("brot")->scripts.at(adv::Verb::Take));
-    for (int i = 0; i < 200 && game.runner.Running(); ++i) run.Frame(0.05f);
-    EXPECT_TRUE(game.inventory.Has("brot"));
-    EXPECT_EQ(adv::Sound::ActiveVoices(), before + 1);
-    game.Player().SetPath({{300, 165}});
-    for (int i = 0; i < 10; ++i) run.Frame(0.05f);
-    EXPECT_GT(adv::Sound::ActiveVoices(), before + 1); // steps
-}
-
-TEST_F(StoryTest, WalkingToAWayOutLeadsThroughItAndLookingAtItDoesNot) {
-    Calm(*this);
-    const vf2d gate = game.current->Find("tor")->shape.Centroid() - game.camera;
-    auto click = [&](int button) {
-        run.MoveMouse(int(gate.x), int(gate.y));
-        run.Frame(0.05f);
-        run.SetMouseButton(button, true);
-        run.Frame(0.05f);
-        run.SetMouseButton(button, false);
-        for (int i = 0; i < 300 && (game.runner.Running() || game.Player().Walking()); ++i) run.Frame(0.05f);
-        run.Frame(0.05f);
-    };
-    game.SelectVerb(adv::Verb::Look);
-    click(0);
-    EXPECT_EQ(game.current->id, "hof");
-    click(1); // the way out's own verb: walking
-    EXPECT_EQ(game.current->id, "werkstatt");
-}
-
 // The menu, a dialogue and the ending, each as its checked-in picture. Saves go to a
 // folder of their own, so the save page shows six empty slots.
 TEST_F(StoryTest, MenuDialogueAndEndingLookAsTheirPictures) {
-    char folder[] = "/tmp/vorabend-saves-XXXXXX";
-    ASSERT_NE(mkdtemp(folder), nullptr);
-    const char* old = std::getenv("XDG_DATA_HOME");
-    const std::string before = old ? old : "";
-    setenv("XDG_DATA_HOME", folder, 1);
+    const adv::testing::DataFolder saves;
     Calm(*this);
     run.MoveMouse(0, 0);
     game.BeginDialogue("hella");
@@ -198,59 +177,6 @@ TEST_F(StoryTest, MenuDialogueAndEndingLookAsTheirPictures) {
     game.FinishGame("Das Leuchtfeuer lodert.");
     run.Frame(0.05f);
     torvane::testing_support::ExpectMatchesReference(*game.GetDrawTarget(), "vorabend_end");
-    std::filesystem::remove_all(folder);
-    if (before.empty())
-        unsetenv("XDG_DATA_HOME");
-    else
-        setenv("XDG_DATA_HOME", before.c_str(), 1);
-}
-
-TEST(GameLanguage, TheAdventureSpeaksTheGamesLanguageAndKeepsItThere) {
-    const std::filesystem::path data = std::filesystem::path(TORVANE_BINARY_DIR) / "vorabend_language_test";
-    std::filesystem::remove_all(data);
-    std::filesystem::create_directories(data / "Torvane");
-    const char* old = std::getenv("XDG_DATA_HOME");
-    const std::string before = old ? old : "";
-    setenv("XDG_DATA_HOME", data.c_str(), 1);
-    const std::filesystem::path settings = data / "Torvane" / "settings.txt";
-    auto text = [&] {
-        std::ifstream in(settings);
-        std::stringstream all;
-        all << in.rdbuf();
-        return all.str();
-    };
-    adv::SetLanguage(adv::Language::German);
-    vorabend::FollowGameLanguage(); // no settings: English
-    EXPECT_EQ(adv::CurrentLanguage(), adv::Language::English);
-    std::ofstream(settings) << "settings_version=2\ndifficulty=hard\nlanguage=de\nlevel_pack=burg.tpack\n";
-    vorabend::FollowGameLanguage();
-    EXPECT_EQ(adv::CurrentLanguage(), adv::Language::German);
-    // The game changes its settings while the adventure runs; a switch keeps what it wrote.
-    std::ofstream(settings) << "settings_version=2\ndifficulty=medium\nlanguage=de\nlevel_pack=burg.tpack\n";
-    ASSERT_TRUE(vorabend::KeepLanguage(adv::Language::English));
-    const std::string kept = text();
-    EXPECT_NE(kept.find("\nlanguage=en\n"), std::string::npos) << kept;
-    EXPECT_NE(kept.find("\ndifficulty=medium\n"), std::string::npos) << kept;
-    EXPECT_NE(kept.find("\nlevel_pack=burg.tpack\n"), std::string::npos) << kept;
-    std::filesystem::remove_all(data);
-    if (before.empty())
-        unsetenv("XDG_DATA_HOME");
-    else
-        setenv("XDG_DATA_HOME", before.c_str(), 1);
-}
-
-TEST_F(StoryTest, APlayScriptLineWithoutItsNumberOrOffTheScreenFailsTheRunAndNamesTheLine) {
-    const std::string path = scratch::Path("bad_play.txt");
-    for (const char* line : {"wait soon", "wait .", "hover point 3e35 10", "hover point -1 10"}) {
-        std::ofstream(path) << line << "\n";
-        vorabend::PlayScript play;
-        ASSERT_TRUE(play.Load(path));
-        testing::internal::CaptureStderr();
-        play.Step(game, 0.05f);
-        EXPECT_NE(testing::internal::GetCapturedStderr().find(line), std::string::npos);
-        EXPECT_TRUE(play.Failed()) << line;
-    }
-    std::remove(path.c_str());
 }
 
 } // namespace

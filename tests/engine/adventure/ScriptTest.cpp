@@ -11,101 +11,78 @@ struct ScriptRunnerTest : ::testing::Test {
     testing::TestGame t;
     AdventureGame& game = t.game;
     ScriptRunner& runner = t.game.runner;
+    std::string trace; // what the scripts' actions wrote, in order
     void SetUp() override { runner.Clear(); }
+    // A script of n actions that each write mark.
+    Script Marks(int n, const std::string& mark = ".") {
+        Script s;
+        for (int i = 0; i < n; ++i) s.Do([this, mark](AdventureGame&) { trace += mark; });
+        return s;
+    }
+    // One frame of elapsed seconds; whether the script still runs after it.
+    bool Step(float elapsed = 0.016f) { return runner.Update(game, elapsed), runner.Running(); }
 };
 
-Script Counting(int n, int& count) {
-    Script s;
-    for (int i = 0; i < n; ++i) s.Do([&count](AdventureGame&) { ++count; });
-    return s;
-}
-
-TEST_F(ScriptRunnerTest, InstantActionsRunInOneFrameUpTo256Steps) {
-    int count = 0;
-    runner.Start(Counting(10, count));
-    runner.Update(game, 0.016f);
-    EXPECT_EQ(count, 10);
-    // The frame is popped in a further step.
-    runner.Update(game, 0.016f);
-    EXPECT_FALSE(runner.Running());
-
-    count = 0;
-    runner.Start(Counting(300, count));
-    runner.Update(game, 0.016f);
-    EXPECT_EQ(count, ScriptRunner::kMaxSteps);
-    EXPECT_TRUE(runner.Running());
-    runner.Update(game, 0.016f);
-    EXPECT_EQ(count, 300);
-    EXPECT_FALSE(runner.Running());
-}
-
-TEST_F(ScriptRunnerTest, AWaitAfterADoSeesNoTimeInTheFrameItStarts) {
-    int count = 0;
-    Script s = Counting(1, count);
-    s.Wait(1.0f).Do([&count](AdventureGame&) { count += 10; });
-    runner.Start(s);
-    runner.Update(game, 0.6f); // the Do takes this frame's time; the wait gets 0
-    runner.Update(game, 0.6f); // 0.6 of the second
-    EXPECT_EQ(count, 1);
-    runner.Update(game, 0.5f);
-    EXPECT_EQ(count, 11);
+TEST_F(ScriptRunnerTest, InstantActionsRunInOneFrameUpTo256StepsAndAWaitAfterThemGetsNoTime) {
+    runner.Start(Marks(10));
+    EXPECT_FALSE(Step());
+    EXPECT_EQ(trace.size(), 10u);
+    trace.clear();
+    runner.Start(Marks(300));
+    EXPECT_TRUE(Step());
+    EXPECT_EQ(trace.size(), size_t(ScriptRunner::kMaxSteps));
+    EXPECT_FALSE(Step());
+    EXPECT_EQ(trace.size(), 300u);
+    trace.clear();
+    runner.Start(Marks(1).Wait(1.0f).Append(Marks(1, "!")));
+    Step(0.6f); // the mark takes this frame's time; the wait gets 0
+    Step(0.6f); // 0.6 of the second
+    EXPECT_EQ(trace, ".");
+    Step(0.5f);
+    EXPECT_EQ(trace, ".!");
 }
 
 TEST_F(ScriptRunnerTest, AnUnknownFlagTakesTheElseBranchAndAnEmptyBranchGoesOn) {
-    std::string path;
-    Script s;
-    s.IfFlag("never_set", Script().Do([&](AdventureGame&) { path += "then"; }),
-             Script().Do([&](AdventureGame&) { path += "else"; }))
-        .IfFlag("never_set", Script().Do([&](AdventureGame&) { path += "!"; }))
-        .Do([&](AdventureGame&) { path += "-after"; });
-    runner.Start(s);
-    runner.Update(game, 0.016f);
-    EXPECT_EQ(path, "else-after");
-
-    path.clear();
     game.SetFlag("set", 2);
-    runner.Start(Script().IfFlag("set", Script().Do([&](AdventureGame&) { path += "then"; })));
-    runner.Update(game, 0.016f);
-    EXPECT_EQ(path, "then");
+    runner.Start(Script()
+                     .IfFlag("never_set", Marks(1, "then"), Marks(1, "else"))
+                     .IfFlag("never_set", Marks(1, "!"))
+                     .IfFlag("set", Marks(1, "-set"))
+                     .Append(Marks(1, "-after")));
+    Step();
+    EXPECT_EQ(trace, "else-set-after");
 }
 
-TEST_F(ScriptRunnerTest, SkipsOnlyCutAStartedLineOfSpeech) {
+// A wait is never skipped, nor a line not yet started; speech of a figure that is not there
+// finishes at once.
+TEST_F(ScriptRunnerTest, SkipsOnlyCutAStartedLineOfSpeechAndNobodysSpeechTakesNoTime) {
     runner.Start(Script().Wait(1.0f));
-    runner.Update(game, 0.1f);
+    Step(0.1f);
     runner.Skip(game);
-    runner.Update(game, 0.1f);
-    EXPECT_TRUE(runner.Running()); // a wait is not skipped
-
+    EXPECT_TRUE(Step(0.1f));
     runner.Start(Script().Say("player", "Hallo"));
-    runner.Skip(game); // not started yet
-    runner.Update(game, 0.016f);
+    runner.Skip(game);
+    Step();
     EXPECT_TRUE(t.Player().Talking());
     runner.Skip(game);
     EXPECT_FALSE(t.Player().Talking());
-    runner.Update(game, 0.016f);
-    runner.Update(game, 0.016f);
-    EXPECT_FALSE(runner.Running());
-}
-
-TEST_F(ScriptRunnerTest, SpeechOfAMissingActorFinishesAtOnce) {
-    int count = 0;
-    Script s;
-    s.Say("nobody", "...").Append(Counting(1, count));
-    runner.Start(s);
-    runner.Update(game, 0.016f);
-    EXPECT_EQ(count, 1);
+    Step();
+    EXPECT_FALSE(Step());
+    runner.Start(Script().Say("nobody", "...").Append(Marks(1)));
+    Step();
+    EXPECT_EQ(trace, ".");
 }
 
 TEST_F(ScriptRunnerTest, ASceneChangeInAScriptRunsTheNewEntryScriptFromItsStart) {
     game.ChangeScene("hall", "default"); // the hall has no entry script
     ASSERT_FALSE(runner.Running());
     const int before = game.Flag("entered");
-    runner.Start(Script().GoToScene("room", "default").Do([](AdventureGame& g) { g.SetFlag("left_over", 1); }));
-    runner.Update(game, 0.016f);
+    runner.Start(Script().GoToScene("room", "default").Append(Marks(1)));
+    Step();
     EXPECT_EQ(game.current->id, "room");
     // The room's entry script replaced the rest of the old one, and its first action ran.
     EXPECT_EQ(game.Flag("entered"), before + 1);
-    EXPECT_EQ(game.Flag("left_over"), 0);
+    EXPECT_EQ(trace, "");
 }
 
 TEST_F(ScriptRunnerTest, AScriptedWalkToNowhereTeleportsInsteadOfHanging) {
@@ -113,9 +90,8 @@ TEST_F(ScriptRunnerTest, AScriptedWalkToNowhereTeleportsInsteadOfHanging) {
     game.current->walkArea.Bake();
     t.Player().Teleport({100, 150}, Facing::Left);
     runner.Start(Script().WalkTo("player", {350, 150}));
-    runner.Update(game, 0.016f);
-    runner.Update(game, 0.016f);
-    EXPECT_FALSE(runner.Running());
+    Step();
+    EXPECT_FALSE(Step());
     EXPECT_FLOAT_EQ(t.Player().position.x, 350);
     EXPECT_EQ(t.Player().facing, Facing::Left);
 }

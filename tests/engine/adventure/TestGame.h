@@ -5,7 +5,10 @@
 #include "pge/Headless.h"
 #include "pge/PlatformLinux.h"
 
+#include <cstdlib>
+#include <filesystem>
 #include <memory>
+#include <string>
 
 namespace adv::testing {
 
@@ -110,6 +113,16 @@ struct TestGame {
     // Runs frames until no script runs, at most ten seconds.
     void Settle() {
         for (int i = 0; i < 200 && game.runner.Running(); ++i) run.Frame(0.05f);
+    }
+};
+
+// A fresh data folder (XDG_DATA_HOME) for as long as it lives; the old one comes back after.
+struct DataFolder {
+    std::string path = "/tmp/adventure-data-XXXXXX", old = std::getenv("XDG_DATA_HOME") ? std::getenv("XDG_DATA_HOME") : "";
+    DataFolder() { setenv("XDG_DATA_HOME", mkdtemp(path.data()) ? path.c_str() : "/nonexistent", 1); }
+    ~DataFolder() {
+        std::filesystem::remove_all(path);
+        old.empty() ? unsetenv("XDG_DATA_HOME") : setenv("XDG_DATA_HOME", old.c_str(), 1);
     }
 };
 
