@@ -38,7 +38,8 @@ TEST(PadControls, HintsNameTheButtonsThatStandForTheirKeys) {
         {Context::Editor, "↑↓ Enter T Del", "✚↑ ↓ Start X Y"},
         // What no button stands for keeps its name.
         {Context::EditorTyping, "T", "T"},
-        {Context::NameEntry, "Enter ←", "Enter ←"},
+        // The name field reads the pad itself: Start saves, the D-pad moves.
+        {Context::NameEntry, "Enter ← Space", "Start ✚← Space"},
         {Context::Play, "F12 Q", "F12 Q"},
     };
     for (const Case& c : cases) EXPECT_EQ(Shown(c.keys, c.context), c.shown) << c.keys << " in " << int(c.context);
