@@ -234,8 +234,9 @@ public:
     std::vector<HintCap> HintCaps(const std::string& keys) const;
     // The caps' texts in a line.
     std::string ShownKeys(const std::string& keys) const;
-    // A text that names its keys at its end, "Weiter (Esc)", or at its start, "Space – ...",
-    // with them as ShownKeys names them.
+    // A text with the keys it names as ShownKeys names them: those in brackets at its end,
+    // "Weiter (Esc)", else those that open it or a part of it behind " · ", "Space – ...",
+    // "← → blättern · Esc zurück".
     std::string WithShownKeys(const std::string& text) const;
     // Caps (text width + 6 wide, 2 apart) with their texts 3 right of their edges at y, and
     // the keys' meaning behind them; returns KeyHintWidth. Every key hint of the game is

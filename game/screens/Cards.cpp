@@ -115,13 +115,28 @@ std::string TorvaneApp::ShownKeys(const std::string& keys) const {
 }
 
 std::string TorvaneApp::WithShownKeys(const std::string& text) const {
-    static const std::string kDash = " – ";
+    if (!PadUsedLast()) return text;
     const size_t open = text.rfind(" (");
     if (open != std::string::npos && text.back() == ')')
         return text.substr(0, open + 2) + ShownKeys(text.substr(open + 2, text.size() - open - 3)) + ")";
-    const size_t dash = text.find(kDash);
-    if (dash != std::string::npos) return ShownKeys(text.substr(0, dash)) + text.substr(dash);
-    return text;
+    // Each part behind " · " names its keys first, up to the first word that names none.
+    static const std::string kDot = " · ";
+    std::string shown;
+    for (size_t from = 0; from <= text.size();) {
+        const size_t dot = std::min(text.find(kDot, from), text.size());
+        const std::string part = text.substr(from, dot - from);
+        size_t keysEnd = 0;
+        for (size_t at = 0; at < part.size();) {
+            const size_t end = std::min(part.find(' ', at), part.size());
+            const auto buttons = pad::ShownButtons(part.substr(at, end - at), PadContext());
+            if (buttons.empty() || buttons.back().second == pge::PAD_BUTTONS) break;
+            keysEnd = end;
+            at = end + 1;
+        }
+        shown += (from == 0 ? "" : kDot) + ShownKeys(part.substr(0, keysEnd)) + part.substr(keysEnd);
+        from = dot + kDot.size();
+    }
+    return shown;
 }
 
 int TorvaneApp::KeyHintWidth(const std::string& key, const std::string& label, const HintStyle& style) {

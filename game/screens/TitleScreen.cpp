@@ -143,8 +143,8 @@ void TorvaneApp::DrawTitleCard(Card& card) {
     card.Button(Tr("Spiel starten (Space)"), ButtonId::NewGame);
     if (card.draw)
         adv::text::Draw(*this, card.x + card.w - 14, card.y - 12,
-                        titleImage ? Tr("← → blättern · Esc zurück") : Tr("← → blättern"), kMuted, 1,
-                        adv::text::Align::Right);
+                        WithShownKeys(titleImage ? Tr("← → blättern · Esc zurück") : Tr("← → blättern")), kMuted,
+                        1, adv::text::Align::Right);
 }
 
 void TorvaneApp::DrawStoryPage(Card& card) {

@@ -94,6 +94,8 @@ TEST_F(PadHintsTest, APadPressShowsItsButtonsAndAKeyOrAClickTheKeys) {
         {"title", [] {}, pge::PAD_RT, "← →", "(LB)(RB)", false},
         {"title", [] {}, pge::PAD_RT, "S", "(Back)", true},
         {"title", [] {}, pge::PAD_RT, "Space – Spiel starten", "A – Spiel starten", false, true},
+        {"title page", [this] { app.titlePage = 1; }, pge::PAD_RT, "← → blättern · Esc zurück",
+         "LB RB blättern · B zurück", true, true},
         {"build", [&] { play(Phase::Build); }, pge::PAD_BUTTONS, "← →", "(✚← →)", false},
         {"attack", [&] { play(Phase::Attack); }, pge::PAD_LT, "↓ Space Enter", "(RB)(A)(Start)", true},
         {"no button for a key", [&] { play(Phase::Build); }, pge::PAD_LT, "F12 Q", "[F12 Q]", false},
