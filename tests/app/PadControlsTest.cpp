@@ -98,7 +98,7 @@ TEST_F(PadHintsTest, APadPressShowsItsButtonsAndAKeyOrAClickTheKeys) {
          "LB RB blättern · B zurück", true, true},
         {"build", [&] { play(Phase::Build); }, pge::PAD_BUTTONS, "← →", "(✚← →)", false},
         {"attack", [&] { play(Phase::Attack); }, pge::PAD_LT, "↓ Space Enter", "(RB)(A)(Start)", true},
-        {"no button for a key", [&] { play(Phase::Build); }, pge::PAD_LT, "F12 Q", "[F12 Q]", false},
+        {"no button for a key", [&] { play(Phase::Build); }, pge::PAD_LT, "F12 Q ←", "[F12 Q](✚←)", false},
         {"announce card", [&] { play(Phase::Announce); }, pge::PAD_LT, "Angriff starten (Space)",
          "Angriff starten (A)", true, true},
         {"pause", [&] { play(Phase::Build), app.paused = true; }, pge::PAD_LT, "Esc Q", "(A)(Y)", false},
