@@ -1,5 +1,6 @@
 // The cost of each screen's whole frame beside the bare stage frame, and of the
-// screens' own drawing (HUD, help bar, banner, cards) alone.
+// screens' own drawing (HUD, help bar, banner, cards) alone, with the keys' caps and, after
+// a press on a virtual pad, with its buttons'.
 #include "game/rules/Level.h"
 #include "game/TorvaneApp.h"
 #include "pge/Headless.h"
@@ -7,6 +8,8 @@
 #include <benchmark/benchmark.h>
 
 #include <memory>
+#include <string>
+#include <vector>
 
 
 namespace {
@@ -59,11 +62,23 @@ enum Part { kWholeFrame, kScreensOnly };
 
 void Run(benchmark::State& state, Part part) {
     const Screen screen = Screen(state.range(0));
-    state.SetLabel(kScreenNames[screen]);
+    const bool padUsed = state.range(1) != 0;
+    state.SetLabel(std::string(kScreenNames[screen]) + (padUsed ? " pad" : ""));
     TorvaneApp app;
     app.skipIntro = true;
     pge::Headless run(app);
     if (!run.Create()) state.SkipWithError("OnUserCreate declined");
+    pge::VirtualPad pad;
+    if (padUsed) {
+        if (!pad.Plug()) state.SkipWithError("no virtual pad");
+        run.Frame(0.016f); // found
+        // On the title, where the app stands now, RT stands for nothing.
+        pad.Set(pge::PAD_RT, true);
+        run.Frame(0.016f);
+        pad.Set(pge::PAD_RT, false);
+        run.Frame(0.016f);
+        if (!app.PadUsedLast()) state.SkipWithError("the pad's press was not seen");
+    }
     const auto picture = Picture();
     app.game.StartLevel(2);
     for (auto _ : state) {
@@ -83,11 +98,16 @@ void Run(benchmark::State& state, Part part) {
     }
 }
 
+// Every screen, with the keys' caps (0) and the pad's (1).
+std::vector<std::vector<int64_t>> ScreensAndCaps() {
+    return {benchmark::CreateDenseRange(kTitleCard, kSettings, 1), {0, 1}};
+}
+
 void BM_ScreenFrame(benchmark::State& state) { Run(state, kWholeFrame); }
-BENCHMARK(BM_ScreenFrame)->DenseRange(kTitleCard, kSettings)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_ScreenFrame)->ArgsProduct(ScreensAndCaps())->Unit(benchmark::kMicrosecond);
 
 void BM_ScreensAlone(benchmark::State& state) { Run(state, kScreensOnly); }
-BENCHMARK(BM_ScreensAlone)->DenseRange(kTitleCard, kSettings)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_ScreensAlone)->ArgsProduct(ScreensAndCaps())->Unit(benchmark::kMicrosecond);
 
 // The stage of the build screen, drawn as the frame draws it, with nothing over it.
 void BM_BareStageFrame(benchmark::State& state) {

@@ -25,6 +25,10 @@ constexpr PixelEngine::PadKeys kPause = {ESCAPE, ESCAPE, L,    Q,  S,    ESCAPE,
 // The name field reads the pad itself.
 constexpr PixelEngine::PadKeys kNameEntry = {NONE, NONE, NONE, NONE, NONE, NONE, NONE,
                                              NONE, NONE, NONE, NONE, NONE, NONE, NONE};
+// What the name field does with the pad, as the keys that do the same: Start saves as Enter,
+// B leaves the field as Esc, the D-pad turns and moves as the arrows.
+constexpr PixelEngine::PadKeys kNameEntryShown = {NONE, ESCAPE, NONE, NONE, NONE, ENTER, NONE,
+                                                  NONE, NONE,   NONE, UP,   DOWN, LEFT,  RIGHT};
 constexpr PixelEngine::PadKeys kEditor = {SPACE, ESCAPE, T,    DEL, NONE, ENTER, NONE,
                                           NONE,  NONE,   NONE, UP,  DOWN, LEFT,  RIGHT};
 // While a name is typed, no button types a letter.
@@ -81,7 +85,7 @@ const PixelEngine::PadKeys& KeysFor(Context context) {
 }
 
 std::vector<std::pair<std::string, PadButton>> ShownButtons(const std::string& keys, Context context) {
-    const PixelEngine::PadKeys& table = KeysFor(context);
+    const PixelEngine::PadKeys& table = context == Context::NameEntry ? kNameEntryShown : KeysFor(context);
     std::vector<std::pair<std::string, PadButton>> shown;
     std::istringstream words(keys);
     bool crossed = false; // the D-pad's cross stands before the run of directions that goes on

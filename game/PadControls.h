@@ -19,7 +19,8 @@ const pge::PixelEngine::PadKeys& KeysFor(Context context);
 
 // The buttons that stand for the keys of a key hint in a context: "← →", "↑↓", "↓ Space
 // Enter", "D R A T" or "Esc" name their keys with arrows, words and letters. For each key, in
-// the same order, the first of A, B, X, Y, Back, Start, LB, RB, LT and RT that stands for it,
+// the same order, the first of A, B, X, Y, Back, Start, LB, RB, LT and RT that stands for it
+// (in the name field, which reads the pad itself, for what the key would do there),
 // else its D-pad direction, shown as its arrow behind the D-pad's cross (once for several in
 // a row); a key that no button stands for keeps its name, with PAD_BUTTONS as its button.
 std::vector<std::pair<std::string, pge::PadButton>> ShownButtons(const std::string& keys, Context context);

@@ -224,8 +224,23 @@ public:
     static constexpr HintStyle kCardHint{11, 6, kFg};
     static constexpr HintStyle kHelpHint{10, 3, kMuted};
     int KeyHintWidth(const std::string& key, const std::string& label, const HintStyle& style = kCardHint);
-    // A key cap (text width + 6 wide) with the key's text 3 right of its edge at y, and its
-    // meaning behind it; returns KeyHintWidth. Every key hint of the game is drawn here.
+    // The caps a hint's keys are drawn on: the keys in one cap, or, while the pad was used
+    // last, the buttons that stand for them on this screen, each in a round cap (the D-pad's
+    // directions in one, behind its cross); keys no button stands for keep their names.
+    struct HintCap {
+        std::string text;
+        bool pad;
+    };
+    std::vector<HintCap> HintCaps(const std::string& keys) const;
+    // The caps' texts in a line.
+    std::string ShownKeys(const std::string& keys) const;
+    // A text with the keys it names as ShownKeys names them: those in brackets at its end,
+    // "Weiter (Esc)", else those that open it or a part of it behind " · ", "Space – ...",
+    // "← → blättern · Esc zurück".
+    std::string WithShownKeys(const std::string& text) const;
+    // Caps (text width + 6 wide, 2 apart) with their texts 3 right of their edges at y, and
+    // the keys' meaning behind them; returns KeyHintWidth. Every key hint of the game is
+    // drawn here.
     int DrawKeyHint(int x, int y, const std::string& key, const std::string& label,
                     const HintStyle& style = kCardHint);
     // A labelled toggle centred at centreX whose whole line is one button.

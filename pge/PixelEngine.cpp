@@ -288,8 +288,10 @@ void PixelEngine::pge_ReadPads(bool keys[256]) {
         if (!held[b]) pPadLatched[b] = false;
         if (held[b] && !pPadLatched[b] && padKeys[b] != NONE) keys[padKeys[b]] = true;
     }
-    // A key typed on the keyboard in the same frame has the last word.
-    if (nKeyboardPresses > 0) bPadUsedLast = false;
+    // A key typed on the keyboard, or a mouse button pressed, in the same frame has the last word.
+    const bool clicked =
+        std::any_of(std::begin(pMousePressCache), std::end(pMousePressCache), [](auto n) { return n > 0; });
+    if (nKeyboardPresses > 0 || clicked) bPadUsedLast = false;
     nKeyboardPresses = 0;
 }
 

@@ -134,7 +134,8 @@ public:
     void SetPadKeys(const PadKeys& keys);
     // The playing pad's own buttons, whatever they stand for.
     HWButton GetPadButton(PadButton b) const { return b < PAD_BUTTONS ? pPadState[b] : HWButton(); }
-    // From a press on the playing pad until the next key pressed on the keyboard.
+    // From a press on the playing pad until the next key pressed on the keyboard or the next
+    // mouse button pressed.
     bool PadUsedLast() const { return bPadUsedLast; }
     // The engine's pads, for plugging in a virtual one and asking what is plugged in.
     Gamepads& Pads() { return pads; }

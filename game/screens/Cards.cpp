@@ -54,9 +54,10 @@ void TorvaneApp::Card::Story(const std::string& text) {
     if (draw) adv::canvas::FillRect(app->GetDrawTarget(), x + kPadding, first - 1, 2, y - 3 - (first - 1), kChestnut);
 }
 
-void TorvaneApp::Card::Button(const std::string& label, ButtonId id) {
+void TorvaneApp::Card::Button(const std::string& text, ButtonId id) {
     y += 6;
     if (draw) {
+        const std::string label = app->WithShownKeys(text);
         const int bw = adv::text::Width(*app, label) + 24;
         adv::canvas::FillRoundRect(app->GetDrawTarget(), float(x + kPadding), float(y), float(bw), 18.0f, 3.0f,
                                    kChestnut);
@@ -89,24 +90,81 @@ void TorvaneApp::DrawCard(const CardContent& content, int width, int minHeight) 
     content(card);
 }
 
+std::vector<TorvaneApp::HintCap> TorvaneApp::HintCaps(const std::string& keys) const {
+    if (!PadUsedLast()) return {{keys, false}};
+    std::vector<HintCap> caps;
+    bool dpadBefore = false, keyBefore = false;
+    for (const auto& [name, button] : pad::ShownButtons(keys, PadContext())) {
+        const bool dpad = button >= pge::PAD_UP && button < pge::PAD_BUTTONS, key = button == pge::PAD_BUTTONS;
+        // A run of directions shares the D-pad's cap, a run of keys one key cap.
+        if ((dpad && dpadBefore) || (key && keyBefore)) {
+            caps.back().text += " " + name;
+        } else {
+            caps.push_back({name, !key});
+        }
+        dpadBefore = dpad;
+        keyBefore = key;
+    }
+    return caps;
+}
+
+std::string TorvaneApp::ShownKeys(const std::string& keys) const {
+    std::string text;
+    for (const HintCap& cap : HintCaps(keys)) text += (text.empty() ? "" : " ") + cap.text;
+    return text;
+}
+
+std::string TorvaneApp::WithShownKeys(const std::string& text) const {
+    if (!PadUsedLast()) return text;
+    const size_t open = text.rfind(" (");
+    if (open != std::string::npos && text.back() == ')')
+        return text.substr(0, open + 2) + ShownKeys(text.substr(open + 2, text.size() - open - 3)) + ")";
+    // Each part behind " · " names its keys first, up to the first word that names none.
+    static const std::string kDot = " · ";
+    std::string shown;
+    for (size_t from = 0; from <= text.size();) {
+        const size_t dot = std::min(text.find(kDot, from), text.size());
+        const std::string part = text.substr(from, dot - from);
+        size_t keysEnd = 0;
+        for (size_t at = 0; at < part.size();) {
+            const size_t end = std::min(part.find(' ', at), part.size());
+            const auto buttons = pad::ShownButtons(part.substr(at, end - at), PadContext());
+            if (buttons.empty() || buttons.back().second == pge::PAD_BUTTONS) break;
+            keysEnd = end;
+            at = end + 1;
+        }
+        shown += (from == 0 ? "" : kDot) + ShownKeys(part.substr(0, keysEnd)) + part.substr(keysEnd);
+        from = dot + kDot.size();
+    }
+    return shown;
+}
+
 int TorvaneApp::KeyHintWidth(const std::string& key, const std::string& label, const HintStyle& style) {
-    return adv::text::Width(*this, key) + 6 + style.gap + adv::text::Width(*this, label);
+    int width = style.gap + adv::text::Width(*this, label) - 2;
+    for (const HintCap& cap : HintCaps(key)) width += adv::text::Width(*this, cap.text) + 6 + 2;
+    return width;
 }
 
 int TorvaneApp::DrawKeyHint(int x, int y, const std::string& key, const std::string& label, const HintStyle& style) {
     pge::Sprite* target = GetDrawTarget();
-    const int cap = adv::text::Width(*this, key) + 6;
     const float top = float(y + 9 - style.capHeight), height = float(style.capHeight);
-    adv::canvas::FillRoundRect(target, float(x), top, float(cap), height, 2.0f, kBg);
-    adv::canvas::StrokeRoundRect(target, float(x), top, float(cap), height, 2.0f, kLine, 1.0f);
-    adv::text::Draw(*this, x + 3, y, key, kFg);
-    adv::text::Draw(*this, x + cap + style.gap, y, label, style.labelColour);
+    int at = x;
+    for (const HintCap& cap : HintCaps(key)) {
+        const int w = adv::text::Width(*this, cap.text) + 6;
+        // A pad's button is round at its ends, a key's cap square.
+        const float radius = cap.pad ? height / 2.0f : 2.0f;
+        adv::canvas::FillRoundRect(target, float(at), top, float(w), height, radius, kBg);
+        adv::canvas::StrokeRoundRect(target, float(at), top, float(w), height, radius, kLine, 1.0f);
+        adv::text::Draw(*this, at + 3, y, cap.text, kFg);
+        at += w + 2;
+    }
+    adv::text::Draw(*this, at - 2 + style.gap, y, label, style.labelColour);
     return KeyHintWidth(key, label, style);
 }
 
 int TorvaneApp::SwitchWidth(const std::string& key, const std::string& label, const std::string& value) {
     const int sw = std::max(adv::text::Width(*this, value) + 18, 30);
-    return adv::text::Width(*this, key) + adv::text::Width(*this, label) + 18 + sw;
+    return KeyHintWidth(key, label) + 6 + sw;
 }
 
 void TorvaneApp::DrawSwitch(int centreX, int y, const std::string& key, const std::string& label,

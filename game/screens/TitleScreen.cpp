@@ -63,8 +63,8 @@ void TorvaneApp::DrawTitleFoot() {
     adv::canvas::VerticalGradient(target, 0, 304, 640, 24, Shade(0), Shade(170));
     adv::canvas::FillRect(target, 0, 328, 640, 72, Shade(170));
     if (std::fmod(clock, 1.2f) < 0.8f)
-        adv::text::DrawOutlined(*this, 320, 336, Tr("Space – Spiel starten"), kGlowFill, kGlowOutline, 2,
-                                adv::text::Align::Centre);
+        adv::text::DrawOutlined(*this, 320, 336, WithShownKeys(Tr("Space – Spiel starten")), kGlowFill,
+                                kGlowOutline, 2, adv::text::Align::Centre);
 
     // Row one: the pages, the settings, the way out.
     const std::vector<std::pair<std::string, std::string>> first = {
@@ -143,8 +143,8 @@ void TorvaneApp::DrawTitleCard(Card& card) {
     card.Button(Tr("Spiel starten (Space)"), ButtonId::NewGame);
     if (card.draw)
         adv::text::Draw(*this, card.x + card.w - 14, card.y - 12,
-                        titleImage ? Tr("← → blättern · Esc zurück") : Tr("← → blättern"), kMuted, 1,
-                        adv::text::Align::Right);
+                        WithShownKeys(titleImage ? Tr("← → blättern · Esc zurück") : Tr("← → blättern")), kMuted,
+                        1, adv::text::Align::Right);
 }
 
 void TorvaneApp::DrawStoryPage(Card& card) {

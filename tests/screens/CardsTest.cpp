@@ -291,8 +291,21 @@ TEST_F(CardTest, HelpBarKeepsEveryHintAndTheLevelsNameInBothLanguages) {
         {"automatic repair, classic", true, [&](Settings& s) { s.repair_mode = 1, game.phase = Phase::Attack; }, 4,
          false},
     };
-    for (Language language : {Language::German, Language::English}) {
+    // While the pad was used last, with its buttons in the caps.
+    pge::VirtualPad pad;
+    ASSERT_TRUE(pad.Plug());
+    ASSERT_TRUE(Frame()); // found
+    const std::pair<Language, bool> columns[] = {
+        {Language::German, false}, {Language::English, false}, {Language::German, true}, {Language::English, true}};
+    for (const auto& [language, padUsed] : columns) {
         SetLanguage(language);
+        if (padUsed && !app.PadUsedLast()) {
+            pad.Set(pge::PAD_LT, true);
+            ASSERT_TRUE(Frame());
+            pad.Set(pge::PAD_LT, false);
+            ASSERT_TRUE(Frame() && app.PadUsedLast());
+        }
+        SCOPED_TRACE(padUsed ? "pad" : "keys");
         for (const Case& c : cases) {
             for (bool undo : {false, true}) {
                 GetSettings() = saved;

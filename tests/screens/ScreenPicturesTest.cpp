@@ -95,6 +95,15 @@ TEST_F(ScreenPictures, PauseAndSettingsInRingAndClassicMode) {
     app.game.StartLevel(3);
     app.settingsOpen = true;
     Expect("card_settings_classic");
+    // While the pad was used last: its buttons in the help bar's caps and on the card.
+    app.settingsOpen = false;
+    app.paused = true;
+    pge::VirtualPad pad;
+    ASSERT_TRUE(pad.Plug());
+    ASSERT_TRUE(Frame()); // found
+    pad.Set(pge::PAD_LT, true);
+    ASSERT_TRUE(Frame());
+    Expect("card_pause_pad");
 }
 
 TEST_F(ScreenPictures, TitlePagesInBothLanguages) {
