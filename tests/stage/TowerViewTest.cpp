@@ -1,5 +1,5 @@
 // The stage: whole frames compared with reference pictures, the marks on the wall,
-// the ray-cast wall where the pictures do not show it, and the landscape behind it with its theme.
+// and the landscape behind the tower with its theme.
 #include "engine/Assets.h"
 #include "game/content/PackStorage.h"
 #include "game/rules/AutoPlayer.h"
@@ -27,15 +27,21 @@ using namespace testing_support;
 using TowerViewMarksTest = TowerViewFrameTest;
 using BackgroundTest = TowerViewFrameTest;
 
+// Pieces on the ring, one over a gap, a ruin beside a placed piece of the same shape, a
+// piece flashing that was placed 0.3 seconds ago, and no flash of one placed 1.3 seconds ago
+// or on a tower that is not there.
 TEST_F(TowerViewFrameTest, RingBuildPhase) {
     Game g = Started(false, 7, 1);
     const int top = g.ColumnTop(0, 0);
-    Lay(g, 0, 'O', 0, 0, top);
+    const int stale = Lay(g, 0, 'O', 0, 0, top);
     Lay(g, 0, 'T', 0, 2, top);
     Lay(g, 0, 'I', 1, 30, top);
+    g.AddPiece(0, 'I', {{31, top}, {31, top + 1}, {31, top + 2}, {31, top + 3}}, true);
     Lay(g, 0, 'L', 0, 5, top + 2); // over a gap
     g.clock = 4.0f;
     view.flashes.push_back({g.pieces.at(Lay(g, 0, 'S', 0, 27, top)).cells, 3.7f, 0});
+    view.flashes.push_back({g.pieces.at(stale).cells, 2.7f, 0});
+    view.flashes.push_back({g.pieces.at(stale).cells, 3.9f, 3}); // on a tower that does not exist
     g.cursorX = 1;
     DrawAt(g, 1.25f);
     ExpectMatchesReference(Screen(), "ring_build");
@@ -120,7 +126,7 @@ TEST_F(TowerViewFrameTest, KeptAndFreshFramesAreTheSame) {
     }
 }
 
-TEST_F(TowerViewMarksTest, RedGapsEndBelowTheLineAndStaleFlashesDrawNothing) {
+TEST_F(TowerViewMarksTest, RedGapsEndBelowTheLine) {
     Game g = EmptyGame(false, 1);
     g.config.sectors.clear(); // every column is attacked
     g.phase = Phase::Eval;    // no marks outside the build and the attack
@@ -134,15 +140,6 @@ TEST_F(TowerViewMarksTest, RedGapsEndBelowTheLineAndStaleFlashesDrawNothing) {
         const float lineY = geo.baseY - geo.cellH * static_cast<float>(g.config.line) + geo.ry * std::sqrt(1 - n * n);
         ASSERT_GE(static_cast<float>(p.y) + 0.5f, lineY - 1.0f) << p.x << "," << p.y;
     }
-    // Flashes older than 1.2 seconds, or on a tower that is not drawn, draw nothing.
-    const std::vector<Cell> cells = g.pieces.at(Lay(g, 0, 'O', 0, 0, 0)).cells;
-    g.clock = 10.0f;
-    const Pixels unflashed = DrawAt(g, 1.0f, 0.5f);
-    view.flashes.push_back({cells, 8.7f, 0}); // 1.3 seconds old
-    view.flashes.push_back({cells, 9.0f, 3}); // on a tower that does not exist
-    EXPECT_TRUE(unflashed == DrawAt(g, 1.0f, 0.5f));
-    view.flashes.push_back({cells, 9.5f, 0});
-    EXPECT_FALSE(unflashed == DrawAt(g, 1.0f, 0.5f));
 }
 
 TEST_F(TowerViewMarksTest, GhostOnlyOnTheActiveTowerAndWhenItLands) {
@@ -162,54 +159,6 @@ TEST_F(TowerViewMarksTest, GhostOnlyOnTheActiveTowerAndWhenItLands) {
     const Pixels full = TowersAt(g, 0.0f);
     g.supply.clear();
     EXPECT_TRUE(full == TowersAt(g, 0.0f));
-}
-
-// The ray-cast wall on small pictures, where the cell seen at a pixel can be worked
-// out by hand: angle = asin((x + 0.5 - cx) / rx), row = (baseY + ry cos(angle) - y - 0.5) / cellH.
-class WallTest : public RulesTest {
-protected:
-    // Classic tower 0 on a black 200 by 200 picture: cx 100, rx 50, ry 9, foot at 180, rows 10 high.
-    pge::Sprite Draw(const Game& g) {
-        const TowerView::Geo geo = {100.0f, 50.0f, 9.0f, 180.0f, 10.0f, g.config.width, g.config.height, false, 0.0f, 1.2f};
-        pge::Sprite s(200, 200);
-        for (pge::Pixel& p : s.pColData) p = pge::Pixel(0, 0, 0);
-        view.DrawWall(&s, g, geo, 0);
-        return s;
-    }
-    int MapAt(int x, int y) const {
-        return view.wallMap[static_cast<size_t>((y - view.mapY) * view.mapW + (x - view.mapX))];
-    }
-    TowerView view;
-};
-
-TEST_F(WallTest, ClassicEdgeColumnsAreClampedIntoTheGrid) {
-    Game g = ClassicGame(1);
-    FillColumn(g, 0, 0, 0, 14);
-    FillColumn(g, 0, 7, 0, 14);
-    Draw(g);
-    // The rightmost pixel of the wall at y 180 (row 0 at every x), where n lies just below
-    // sin 1.2 and the column computed may reach 8, shows column 7.
-    int lastX = -1;
-    for (int x = view.mapX; x < view.mapX + view.mapW; ++x) lastX = MapAt(x, 180) >= 0 ? x : lastX;
-    EXPECT_EQ(MapAt(lastX, 180), 7);
-    EXPECT_TRUE(view.FilledAt(lastX, 180));
-    // x 54: asin(-0.91) = -1.1433, column 8 * 0.0567 / 2.4 = 0.19; x 100: column 4.03, empty.
-    EXPECT_EQ(MapAt(54, 180), 0);
-    EXPECT_EQ(MapAt(100, 180), 4);
-    EXPECT_FALSE(view.FilledAt(54, 185)); // below the foot: row -0.18
-    EXPECT_FALSE(view.FilledAt(-5000, 184));
-}
-
-TEST_F(WallTest, RuinIsDarkerThanAPlacedPiece) {
-    Pixels at; // x 106: column 4.43; y 173: row 1.54, inside the piece
-    for (const bool ruin : {false, true}) {
-        Game g = ClassicGame(1);
-        g.AddPiece(0, 'O', {{4, 1}, {5, 1}, {4, 2}, {5, 2}}, ruin);
-        at.push_back(Draw(g).GetPixel(106, 173));
-        EXPECT_TRUE(view.FilledAt(106, 173));
-    }
-    EXPECT_GT(at[1].r, 0);
-    EXPECT_LT(at[1].r + at[1].g + at[1].b, at[0].r + at[0].g + at[0].b);
 }
 
 TEST_F(BackgroundTest, PalettedImageHangsFromTheTopOfTheScreenUnderTheVignette) {
