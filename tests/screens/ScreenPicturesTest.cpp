@@ -73,8 +73,11 @@ TEST_F(ScreenPictures, PhaseCardsInGerman) {
     app.playerName = "Anna";
     app.clock = 20.25f; // the cursor is lit
     Expect("card_over");
+    app.playerName = ""; // the cursor before the placeholder
+    Expect("card_over_empty");
 
-    app.scores = {{"Jörg", 9800, 5, 0}, {"Anna", 4570, 2, 0}, {"Torvane", 1200, 1, 0}};
+    // A name too long for the table is cut before its level and score.
+    app.scores = {{"Jörg" + std::string(300, 'W'), 9800, 5, 0}, {"Anna", 4570, 2, 0}, {"Torvane", 1200, 1, 0}};
     app.nameEntry = false;
     app.scoreSaved = true;
     app.highlightRow = 1;
