@@ -63,57 +63,10 @@ TEST_F(EditorCardTest, ScrolledListWithItsCounter) {
     ExpectMatchesReference(*app.GetDrawTarget(), "editor_list");
 }
 
-TEST_F(EditorCardTest, TheCounterLineOnlyWhenRowsAreHidden) {
-    // Counts the muted pixels in the counter's place, right below the fifteenth row.
-    const auto counterPixels = [this] {
-        const pge::Sprite& screen = *app.GetDrawTarget();
-        int n = 0;
-        for (int y = 300; y < 312; ++y)
-            for (int x = 300; x < 580; ++x) n += screen.GetPixel(x, y) == kMuted ? 1 : 0;
-        return n;
-    };
-    for (char c = 'A'; c <= 'N'; ++c) AddPack(std::string("Burg ") + c, 1);
-    Start({"--editor"});
-    Frames(3);
-    ASSERT_EQ(app.editor.RowCount(), 15);
-    EXPECT_EQ(counterPixels(), 0);
-    // One pack more: sixteen rows, of which fifteen are shown, the first selected.
-    AddPack("Burg O", 1);
-    app.editor.RefreshList();
-    Frames(1);
-    ASSERT_EQ(app.editor.RowCount(), 16);
-    EXPECT_GT(counterPixels(), 20);
-}
-
 TEST_F(EditorCardTest, NewPackPage) {
     Start({"--editor=enter,type:Neue Burg,down"});
     Frames(5);
     ExpectMatchesReference(*app.GetDrawTarget(), "editor_new");
-}
-
-TEST_F(EditorCardTest, ErrorsInTheDangerColourSuccessesInTheOkColour) {
-    const auto count = [this](pge::Pixel colour) {
-        const std::vector<pge::Pixel>& pixels = app.GetDrawTarget()->pColData;
-        return std::count(pixels.begin(), pixels.end(), colour);
-    };
-    const auto expect = [&](const std::string& message, pge::Pixel shown, pge::Pixel absent) {
-        ASSERT_EQ(app.editor.message, message);
-        EXPECT_GT(count(shown), 20) << message;
-        EXPECT_EQ(count(absent), 0) << message;
-    };
-    Start({"--editor=enter,enter"}); // a new pack without a name
-    Frames(4);
-    expect("Bitte einen Namen eingeben", kDanger, kOk);
-    app.editorScript = "type:Burg,enter";
-    Frames(3);
-    expect("Gespeichert", kOk, kDanger);
-    SetLanguage(Language::English);
-    app.editorScript = "esc";
-    Frames(2);
-    expect("Saved", kOk, kDanger);
-    app.editorScript = "up,enter,enter";
-    Frames(4);
-    expect("Please enter a name", kDanger, kOk);
 }
 
 TEST_F(EditorCardTest, AHugePacksNameIsCutToItsRowAndBehindItsTitle) {

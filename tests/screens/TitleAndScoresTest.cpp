@@ -1,8 +1,8 @@
 // The title screen's keys with and without a title picture, the idle score card, the
-// over card's name field and the entry that lands in highscores.txt, and the settings
-// that are kept for the next run.
+// over card's name field and the entry that lands in highscores.txt. (That the settings
+// are kept for the next run, and a first game's name in highscores.txt, the end-to-end
+// tests show with real key presses.)
 #include "game/content/Highscores.h"
-#include "game/content/Preferences.h"
 #include "game/content/ReplayFiles.h"
 #include "tests/screens/ScreensFixture.h"
 
@@ -218,30 +218,6 @@ TEST_F(ScoresTest, AnEntryKeepsItsGamesReplayAndTheTablePlaysIt) {
     ASSERT_NE(row, app.buttons.end());
     Click(row->x + 2, row->y + 2);
     EXPECT_NE(app.watching, nullptr);
-}
-
-TEST_F(ScoresTest, SettingsAndLanguageAreKeptForTheNextRun) {
-    SetLanguage(Language::English);
-    Start({});
-    ASSERT_TRUE(Tap(pge::L));
-    EXPECT_EQ(CurrentLanguage(), Language::German);
-    ASSERT_TRUE(Tap(pge::S));
-    ASSERT_TRUE(app.settingsOpen);
-    GetSettings().difficulty = 0;
-    for (pge::Key k : {pge::D, pge::R, pge::A, pge::T}) ASSERT_TRUE(Tap(k));
-    const Settings after = GetSettings();
-    const std::string text = ReadData("settings.txt");
-    EXPECT_NE(text.find("language=de\n"), std::string::npos);
-    EXPECT_NE(text.find("difficulty=medium\n"), std::string::npos);
-    // A fresh start reads them back.
-    GetSettings() = Settings{};
-    SetLanguage(Language::English);
-    preferences::Load();
-    EXPECT_EQ(CurrentLanguage(), Language::German);
-    EXPECT_EQ(GetSettings().difficulty, 1);
-    EXPECT_EQ(GetSettings().repair_mode, after.repair_mode);
-    EXPECT_EQ(GetSettings().auto_rotate, after.auto_rotate);
-    EXPECT_EQ(GetSettings().piece_choice, after.piece_choice);
 }
 
 } // namespace

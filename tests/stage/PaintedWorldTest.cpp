@@ -1,8 +1,7 @@
-// The painted world as the game reads it: the ten landscapes through the paletted loader
-// with their cycles, the towers' frames against the rim table the runner stands on, and
-// the painter making exactly the committed files (which were looked at when they were made).
+// The painted world as the game reads it: the towers' frames against the rim table the
+// runner stands on, and the painter making exactly the committed files (which were looked
+// at when they were made).
 #include "engine/Assets.h"
-#include "engine/IndexedImage.h"
 #include "game/stage/Theme.h"
 #include "pge/Sprite.h"
 
@@ -13,7 +12,6 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <set>
 
 namespace torvane {
 namespace {
@@ -29,42 +27,7 @@ protected:
         ASSERT_TRUE(std::filesystem::equivalent(adv::Assets::Root(), kAssets)) << adv::Assets::Root();
     }
     static const Theme& ThemeNo(int b) { return ThemeFor(b + 1); }
-    static adv::IndexedImage Load(const std::string& key) {
-        adv::IndexedImage image;
-        EXPECT_TRUE(image.Load(kAssets + "/" + key)) << key;
-        return image;
-    }
 };
-
-TEST_F(PaintedWorld, EveryLandscapeLoadsPalettedWithCyclesAtTwoSpeedsThatMoveItsPixels) {
-    for (int b = 0; b < 5; ++b)
-        for (const std::string& key : {ThemeNo(b).background, ThemeNo(b).integrated}) {
-            SCOPED_TRACE(key);
-            const adv::IndexedImage image = Load(key);
-            ASSERT_EQ(image.width, 320);
-            ASSERT_EQ(image.height, 200);
-            ASSERT_EQ(image.pixels.size(), 320u * 200u);
-            const std::vector<adv::PaletteCycle>& cycles = ColorCyclesFor(key);
-            ASSERT_GE(cycles.size(), 2u);
-            std::set<float> speeds;
-            for (const adv::PaletteCycle& c : cycles) {
-                ASSERT_GE(c.start, 0);
-                ASSERT_LE(c.end, 255);
-                ASSERT_LT(c.start, c.end);
-                EXPECT_GT(c.fps, 0.0f);
-                speeds.insert(c.fps);
-                // Something on screen uses the range, and rotating it changes a colour.
-                const auto used = std::count_if(image.pixels.begin(), image.pixels.end(),
-                                                [&](uint8_t i) { return i >= c.start && i <= c.end; });
-                EXPECT_GT(used, 0) << c.start << ".." << c.end;
-                const std::array<pge::Pixel, 256> later = image.CycledPalette({c}, 1.0f / c.fps);
-                bool changes = false;
-                for (int i = c.start; i <= c.end; ++i) changes |= later[static_cast<size_t>(i)].n != image.palette[static_cast<size_t>(i)].n;
-                EXPECT_TRUE(changes) << c.start << ".." << c.end;
-            }
-            EXPECT_GE(speeds.size(), 2u) << "cycles at different speeds";
-        }
-}
 
 TEST_F(PaintedWorld, OnlyTheTowerPicturesHaveAFrameAndTheFrameAgreesWithTheRimTable) {
     for (int b = 0; b < 5; ++b) {

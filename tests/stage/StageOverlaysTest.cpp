@@ -307,35 +307,6 @@ TEST_F(LabelTest, AlarmForAnotherTowerBlinksSixTenthsOfTheTimeAndNeverOnTheActiv
     EXPECT_EQ(alarmPixels(1), 0);
 }
 
-// The seconds left are rounded up, and a hole whose time is up shows 0: frames of the same
-// number are the same, frames of other numbers differ (the digits themselves are in the
-// pictures of the ring under fire).
-TEST_F(LabelTest, HoleCountdownRoundsUpAndShowsZeroWhenTheTimeIsUp) {
-    Game g = EmptyGame(false, 2);
-    g.phase = Phase::Eval; // of the labels only the line's name and the countdown remain
-    g.clock = 30.0f;
-    DrawAt(g, 1.0f, 1.0f);
-    const auto labels = [&]() {
-        for (pge::Pixel& p : Screen().pColData) p = pge::Pixel(0, 0, 0);
-        view.DrawTowerLabels(engine, g, view.layout, 0);
-        return Screen().pColData;
-    };
-    const Pixels none = labels();
-    g.holes.push_back(Hole{1, 0, {{0, 3}, {1, 3}}, 28.0f, 0.0f, 0});
-    const auto left = [&](float seconds) {
-        g.holes[0].collapseAt = g.clock + seconds;
-        return labels();
-    };
-    const Pixels zero = left(0.0f), one = left(1.0f), two = left(2.0f);
-    EXPECT_FALSE(zero == none);
-    EXPECT_FALSE(zero == one);
-    EXPECT_FALSE(one == two);
-    EXPECT_TRUE(left(-0.4f) == zero);
-    EXPECT_TRUE(left(0.2f) == one);
-    EXPECT_TRUE(left(0.5f) == one);
-    EXPECT_TRUE(left(1.5f) == two);
-}
-
 using EffectsTest = TowerViewFrameTest;
 
 // A burst's debris starts in its cells, four to a cell in turn, drawn from the view's own

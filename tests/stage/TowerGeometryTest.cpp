@@ -66,29 +66,6 @@ TEST_F(TowerGeometryTest, PaintedFrameFitsTheGridOnRingsOnly) {
     EXPECT_FALSE(view.ComputeLayout(ClassicGame(1), kStage).integrated);
 }
 
-TEST_F(TowerGeometryTest, AnglesWrapRoundTheRingAndVisibilityIncludesTheEdge) {
-    TowerView::Geo geo = RingGeo(0, 1, 0, 0, 1);
-    geo.camera = 31.0f;
-    // Column 1 lies 2 columns to the right of 31, across the seam: 2 * 2pi / 32.
-    EXPECT_NEAR(geo.Angle(1.0f), kPi / 8.0f, 1e-5f);
-    EXPECT_NEAR(geo.Angle(29.0f), -kPi / 8.0f, 1e-5f);
-    // Directly behind: +-pi, never beyond, on either side of the seam.
-    for (const float camera : {0.0f, 30.0f, 31.5f, 7.25f}) {
-        geo.camera = camera;
-        const float behind = std::fabs(geo.Angle(camera + 16.0f));
-        EXPECT_NEAR(behind, kPi, 1e-5f);
-        EXPECT_LE(behind, 3.1415927f);
-    }
-    // 80 degrees are 7.11 columns of 32.
-    geo.camera = 0.0f;
-    EXPECT_TRUE(geo.Visible(24.9f));
-    EXPECT_FALSE(geo.Visible(7.12f));
-    TowerView::Geo classic; // 8 columns from -1.2 to +1.2, both ends in view
-    EXPECT_FLOAT_EQ(classic.Angle(0.0f), -1.2f);
-    EXPECT_TRUE(classic.Visible(8.0f));
-    EXPECT_FALSE(classic.Visible(8.01f));
-}
-
 // Where the pictures cannot tell: the light at its extremes, and a cell whose centre lies
 // beyond the view hidden though a corner of it is in view.
 TEST_F(TowerGeometryTest, LightAndHiddenCells) {

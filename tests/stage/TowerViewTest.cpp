@@ -126,22 +126,6 @@ TEST_F(TowerViewFrameTest, KeptAndFreshFramesAreTheSame) {
     }
 }
 
-TEST_F(TowerViewMarksTest, RedGapsEndBelowTheLine) {
-    Game g = EmptyGame(false, 1);
-    g.config.sectors.clear(); // every column is attacked
-    g.phase = Phase::Eval;    // no marks outside the build and the attack
-    const Pixels plain = TowersAt(g, 0.0f);
-    g.phase = Phase::Attack;
-    const std::vector<pge::vi2d> diff = Differences(plain, TowersAt(g, 0.0f));
-    ASSERT_FALSE(diff.empty());
-    const TowerView::Geo geo = view.TowerGeo(view.layout, 0);
-    for (const pge::vi2d& p : diff) { // the line's ring at x: baseY - cellH line + ry cos(asin((x - cx) / rx))
-        const float n = (static_cast<float>(p.x) + 0.5f - geo.cx) / geo.rx;
-        const float lineY = geo.baseY - geo.cellH * static_cast<float>(g.config.line) + geo.ry * std::sqrt(1 - n * n);
-        ASSERT_GE(static_cast<float>(p.y) + 0.5f, lineY - 1.0f) << p.x << "," << p.y;
-    }
-}
-
 TEST_F(TowerViewMarksTest, GhostOnlyOnTheActiveTowerAndWhenItLands) {
     Game g = ClassicGame(2);
     const std::vector<char> supply = g.supply;
