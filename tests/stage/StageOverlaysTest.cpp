@@ -1,7 +1,5 @@
 // What the stage tells the player over the towers: the runner, the carousel, the edge
-// arrows, the labels' blinking and countdowns, and the effects of the rules' events.
-#include "game/content/PackStorage.h"
-#include "game/stage/Theme.h"
+// arrows and the effects of the rules' events; over the towers' labels, the pictures.
 #include "game/stage/Carousel.h"
 #include "tests/stage/StageTestSupport.h"
 
@@ -211,32 +209,6 @@ TEST_F(OverlayPictureTest, MessageLineBelowTheCarousel) {
     ExpectMatchesReference(Screen(), "message_line");
 }
 
-TEST_F(RunnerSheetTest, OnAPaintedTowerHeStandsOnThePaintedRimAndItsEndsHoldBeyondTheTable) {
-    Game g = Started(false, 7, 1);
-    g.phase = Phase::Inspect;
-    DrawAt(g, 1.0f, 0.0f);
-    // A painted tower: centre at image column 160, the wall twice the image's scale.
-    TowerView::Layout painted = view.layout;
-    painted.integrated = true;
-    painted.radius = 200.0f;
-    painted.lift = 8.0f;
-    view.layout = painted;
-    view.frame = TowerFrame{true, 160.0f, 40.0f, 60.0f, 180.0f};
-    view.frameScale = 2.0f;
-    const TowerView::Geo geo = view.TowerGeo(painted, 0);
-    const auto& rim = rim::kTop[static_cast<size_t>(BackgroundIndex(g.level) % 5)];
-    // Columns far to each side reach image columns beyond 96 to 190: the table's first and last heights.
-    for (const auto& [column, height] : {std::pair{7.0f, rim.back()}, std::pair{25.0f, rim.front()}}) {
-        view.runnerColumn = column;
-        pge::Sprite blank(640, 400);
-        view.DrawRunner(&blank, g, geo);
-        const int x = static_cast<int>(std::lround(geo.P(column, static_cast<float>(geo.rows), 1.0f).x));
-        const int feet = 2 * height - 1;
-        EXPECT_EQ(blank.GetPixel(x, feet), RunnerBody(2, 8 % 6)) << column;      // standing, at time 1
-        EXPECT_EQ(blank.GetPixel(x, feet + 1), pge::Pixel(0, 0, 0)) << column;  // nothing below
-    }
-}
-
 using EdgeArrowTest = TowerViewFrameTest;
 
 TEST_F(EdgeArrowTest, DangersBehindTheRingAreListedMostUrgentFirstAndBlink) {
@@ -269,40 +241,6 @@ TEST_F(EdgeArrowTest, DangersBehindTheRingAreListedMostUrgentFirstAndBlink) {
         shown += Screen().GetPixel(553, static_cast<int>(base) + 22) == pge::Pixel(255, 74, 58);
     }
     EXPECT_NEAR(shown, 42, 1);
-}
-
-using LabelTest = TowerViewFrameTest;
-
-TEST_F(LabelTest, AlarmForAnotherTowerBlinksSixTenthsOfTheTimeAndNeverOnTheActiveOne) {
-    Game g = Started(true, 3, 3);
-    ASSERT_GE(g.config.towers, 2);
-    g.phase = Phase::Attack;
-    const int piece = g.CellAt(1, 0, 0);
-    ASSERT_NE(piece, 0);
-    g.targets.push_back(Target{1, piece, 1, 0.0f, 100.0f, g.pieces.at(piece).cells, {}});
-    DrawAt(g, 1.0f, 0.0f);
-    const TowerView::Geo geo = view.TowerGeo(view.layout, 1);
-    const int x = static_cast<int>(std::lround(geo.cx));
-    const int y = static_cast<int>(std::lround(geo.baseY - view.layout.cell * static_cast<float>(geo.rows) - geo.ry -
-                                               view.layout.cell * 0.8f - 8.0f));
-    const auto alarmPixels = [&](int tower) {
-        for (pge::Pixel& p : Screen().pColData) p = pge::Pixel(0, 0, 0);
-        view.DrawTowerLabels(engine, g, view.layout, tower);
-        int n = 0;
-        for (int j = y; j < y + 16; ++j)
-            for (int i = x - 40; i < x + 40; ++i) n += Screen().GetPixel(i, j) == pge::Pixel(255, 74, 58);
-        return n;
-    };
-    // sin(12 t) > -0.3 over one period: (pi + 2 asin 0.3) / 2 pi = 0.597.
-    int shown = 0;
-    for (int i = 0; i < 100; ++i) {
-        g.clock = static_cast<float>(i) * 0.5235988f / 100.0f;
-        shown += alarmPixels(1) > 0;
-    }
-    EXPECT_NEAR(shown, 60, 1);
-    g.activeTower = 1;
-    g.clock = 0.0f; // sin 0 = 0: a moment when it shows
-    EXPECT_EQ(alarmPixels(1), 0);
 }
 
 using EffectsTest = TowerViewFrameTest;

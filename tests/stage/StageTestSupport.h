@@ -41,14 +41,6 @@ inline int Lay(Game& g, int tower, char type, int rotation, int x, int y) {
     return g.AddPiece(tower, type, cells, false);
 }
 
-// The screen pixels that differ between two frames.
-inline std::vector<pge::vi2d> Differences(const Pixels& a, const Pixels& b) {
-    std::vector<pge::vi2d> out;
-    for (size_t i = 0; i < a.size(); ++i)
-        if (a[i] != b[i]) out.push_back({static_cast<int>(i % 640), static_cast<int>(i / 640)});
-    return out;
-}
-
 // The five sheets of the runner, 3 by 2 frames of 64 pixels: a body whose colour tells
 // the sheet (red) and the frame (green), a head above it and a white mark at the body's
 // right, which a mirrored frame shows at the left. The feet stand on row 59.
@@ -98,14 +90,6 @@ protected:
         RingCamera ring;
         ring.Update(g, 0.0f);
         view.Draw(engine, g, stage, time, camera >= 0.0f ? camera : ring.angle);
-        return Screen().pColData;
-    }
-    // The towers alone on a black screen, at the layout of a frame at `camera`: no
-    // runner, labels or carousel in the way.
-    Pixels TowersAt(const Game& g, float camera) {
-        DrawAt(g, 1.0f, camera);
-        for (pge::Pixel& p : Screen().pColData) p = pge::Pixel(0, 0, 0);
-        for (int t = 0; t < static_cast<int>(g.towers.size()); ++t) view.DrawTower(engine, g, view.layout, t);
         return Screen().pColData;
     }
     static Game Started(bool classic, unsigned seed, int level) {
