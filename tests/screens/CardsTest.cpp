@@ -1,7 +1,6 @@
 // The card toolkit and the strips around the stage where the screens' pictures do not
 // show them: a card cut to the stage, the buttons a frame registers, the HUD's end button,
-// the banner's fade, the sentence of parts and the help bar's hints.
-#include "engine/Canvas.h"
+// the sentence of parts and the help bar's hints.
 #include "game/content/Highscores.h"
 #include "game/rules/LevelPack.h"
 #include "tests/screens/ScreensFixture.h"
@@ -85,22 +84,6 @@ TEST_F(CardTest, HudEndButtonOnlyInTheBuildAndOnlyWithRoom) {
     // ENTER still ends the build.
     ASSERT_TRUE(Tap(pge::ENTER));
     EXPECT_EQ(app.game.phase, Phase::Inspect);
-}
-
-TEST_F(CardTest, BannerFadesOverItsLastTenthsOfASecond) {
-    Start({"--level=1"});
-    app.bannerText = "";
-    const pge::Pixel back{8, 10, 14};
-    for (const auto& [left, alpha] : std::vector<std::pair<float, int>>{{2.0f, 170}, {0.2f, 85}, {0.1f, 42}}) {
-        app.Clear(kBg);
-        app.bannerUntil = app.game.clock + left;
-        app.DrawBanner();
-        pge::Sprite expect(1, 1);
-        expect.SetPixel(0, 0, kBg);
-        adv::canvas::Blend(&expect, 0, 0, pge::Pixel(back.r, back.g, back.b, uint8_t(alpha)));
-        EXPECT_EQ(Screen().GetPixel(5, 200), expect.GetPixel(0, 0)) << left;
-        EXPECT_EQ(Screen().GetPixel(5, 179), kBg);
-    }
 }
 
 TEST(PartList, ByDirectionByTowerOrNothing) {

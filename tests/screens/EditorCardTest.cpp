@@ -69,31 +69,6 @@ TEST_F(EditorCardTest, NewPackPage) {
     ExpectMatchesReference(*app.GetDrawTarget(), "editor_new");
 }
 
-TEST_F(EditorCardTest, AHugePacksNameIsCutToItsRowAndBehindItsTitle) {
-    AddPack(std::string(1 << 20, 'W'), 1);
-    Start({"--editor"});
-    // Text drawn right of where the rows' values end, x + w - 14 of the card of 520.
-    const auto beyond = [this] {
-        int n = 0;
-        for (int y = 40; y < 380; ++y)
-            for (int x = (640 - 520) / 2 + 520 - 14; x < 640; ++x) {
-                const pge::Pixel p = app.GetDrawTarget()->GetPixel(x, y);
-                n += p == kFg || p == kMuted || p == kSlate || p == kChestnut ? 1 : 0;
-            }
-        return n;
-    };
-    Frames(3);
-    EXPECT_EQ(beyond(), 0) << "the list";
-    app.editorScript = "down,enter"; // the pack's page, its name on the top row
-    Frames(3);
-    ASSERT_EQ(app.editor.page, 2);
-    EXPECT_EQ(beyond(), 0) << "the pack's page";
-    app.editorScript = "enter"; // the level's page, the pack's name behind the title
-    Frames(2);
-    ASSERT_EQ(app.editor.page, 3);
-    EXPECT_EQ(beyond(), 0) << "the level's page";
-}
-
 TEST_F(EditorCardTest, PackPageAndLevelPageOverTheirLandscape) {
     AddPack("Vellmark", 6);
     Start({"--editor=down,enter,down,down"});

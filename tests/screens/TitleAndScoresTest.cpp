@@ -1,7 +1,7 @@
-// The title screen's keys with and without a title picture, the idle score card, the
-// over card's name field and the entry that lands in highscores.txt. (That the settings
-// are kept for the next run, and a first game's name in highscores.txt, the end-to-end
-// tests show with real key presses.)
+// The title screen's keys with a title picture, the over card's name field and the entry
+// that lands in highscores.txt, and a replay watched from the score table. (That the settings
+// are kept for the next run, a first game's name in highscores.txt and the idle score
+// card after 15 untouched seconds, the end-to-end tests show with real key presses.)
 #include "game/content/Highscores.h"
 #include "game/content/ReplayFiles.h"
 #include "tests/screens/ScreensFixture.h"
@@ -73,41 +73,6 @@ TEST_F(TitleTest, PictureOpensBareArrowsStepRoundThePagesAndEscapeLeavesAPageFir
     run->SetKey(pge::ESCAPE, true); // pause, not quit
     ASSERT_TRUE(Frame());
     EXPECT_TRUE(app.paused);
-}
-
-TEST_F(TitleTest, IdleScoresAfterFifteenSecondsForTenAndConfirmStarts) {
-    MakeTitlePicture();
-    Start({});
-    const auto wait = [this](int tenths) {
-        for (int i = 0; i < tenths; ++i) ASSERT_TRUE(Frame(0.1f));
-    };
-    wait(140);
-    EXPECT_FALSE(app.attractScores);
-    wait(12);
-    EXPECT_TRUE(app.attractScores);
-    wait(102); // ten seconds later it goes by itself
-    EXPECT_FALSE(app.attractScores);
-    // A key takes it away and counts as input; it comes back only after 15 quiet seconds.
-    wait(152);
-    ASSERT_TRUE(app.attractScores);
-    ASSERT_TRUE(Tap(pge::K));
-    EXPECT_FALSE(app.attractScores);
-    EXPECT_EQ(app.game.phase, Phase::Title);
-    wait(152);
-    ASSERT_TRUE(app.attractScores);
-    ASSERT_TRUE(Tap(pge::SPACE));
-    EXPECT_EQ(app.game.phase, Phase::Build);
-    EXPECT_FALSE(app.attractScores);
-    // On a page the idle card never comes.
-    app.Press(ButtonId::ToTitle, 0);
-    wait(1);
-    ASSERT_EQ(app.titlePage, -1);
-    app.titlePage = 1;
-    wait(200);
-    EXPECT_FALSE(app.attractScores);
-    app.titlePage = -1;
-    wait(2);
-    EXPECT_TRUE(app.attractScores);
 }
 
 // Keys alone type small letters, digits and blanks, raw presses with their keys each

@@ -14,12 +14,7 @@ namespace {
 using testing_support::ClassicGame;
 using testing_support::EmptyGame;
 
-constexpr float kPi = 3.14159265f;
 const StageRect kStage{0, 18, 640, 368};
-
-TowerView::Geo RingGeo(float cx, float rx, float ry, float baseY, float cellH) { // 32 columns, 80 degrees seen
-    return {cx, rx, ry, baseY, cellH, 32, 14, true, 0.0f, 80.0f * kPi / 180.0f};
-}
 
 class TowerGeometryTest : public testing_support::RulesTest {
 protected:
@@ -64,17 +59,6 @@ TEST_F(TowerGeometryTest, PaintedFrameFitsTheGridOnRingsOnly) {
     // A stage of another width, or a classic level, ignores the frame.
     EXPECT_FALSE(view.ComputeLayout(g, StageRect{0, 18, 600, 368}).integrated);
     EXPECT_FALSE(view.ComputeLayout(ClassicGame(1), kStage).integrated);
-}
-
-// Where the pictures cannot tell: the light at its extremes, and a cell whose centre lies
-// beyond the view hidden though a corner of it is in view.
-TEST_F(TowerGeometryTest, LightAndHiddenCells) {
-    const TowerView::Geo geo = RingGeo(300.0f, 100.0f, 18.0f, 300.0f, 10.0f);
-    // 0.7 + 0.42 cos(a + 0.55): brightest 0.55 rad left of the front, 0.5 at the back.
-    EXPECT_NEAR(geo.Light(-0.55f * 32.0f / (2.0f * kPi)), 1.12f, 1e-4f);
-    EXPECT_FLOAT_EQ(geo.Light(16.0f), 0.5f);
-    EXPECT_TRUE(geo.CellPath(6.7f, 0.0f, 0.0f).empty()); // centre at 7.2 of 7.11 columns
-    EXPECT_EQ(geo.CellPath(6.5f, 0.0f, 0.0f).size(), 10u);
 }
 
 } // namespace

@@ -144,24 +144,6 @@ TEST_F(BackgroundTest, PalettedImageHangsFromTheTopOfTheScreenUnderTheVignette) 
     EXPECT_EQ(view.cyclePixels.size(), water);
 }
 
-TEST_F(BackgroundTest, CyclingTouchesOnlyCycledPixelsAndOnlyAtASteps) {
-    WriteWaterBackground(MakeAssetRoot("paletted_cycle"));
-    const Game g = Started(false, 5, 1);
-    const TowerView::Layout layout = view.ComputeLayout(g, stage);
-    view.DrawBackground(engine, g, layout, 0.0f);
-    const Pixels before = view.background->pColData;
-    view.DrawBackground(engine, g, layout, 0.2f); // 0.8 steps: none yet
-    EXPECT_EQ(view.background->pColData, before);
-    view.DrawBackground(engine, g, layout, 0.3f); // step 1
-    int changed = 0;
-    for (int i = 0; i < 640 * 368; ++i)
-        if (view.background->pColData[static_cast<size_t>(i)] != before[static_cast<size_t>(i)]) {
-            ++changed; // only in the water band
-            ASSERT_GE(IndexAt(i % 640 / 2, (i / 640 + 18) / 2), 200) << i;
-        }
-    EXPECT_GT(changed, 0);
-}
-
 // Made ahead on a thread of its own while a card stands, at another moment of its cycles, a
 // landscape is the same to the pixel once a frame has drawn it, a step of the cycle later
 // or none.
