@@ -47,11 +47,6 @@ TEST_F(TitleTest, PictureOpensBareArrowsStepRoundThePagesAndEscapeLeavesAPageFir
     int tabs = 0;
     for (const Button& b : app.buttons) tabs += b.id == ButtonId::TitlePage ? 1 : 0;
     EXPECT_EQ(tabs, 4);
-    const int top = (368 - 336) / 2 + 18; // nothing between the rule and the button
-    int ink = 0;
-    for (int y = top + 70; y < top + 290; ++y)
-        for (int x = 100; x < 540; ++x) ink += Screen().GetPixel(x, y) == kPanel ? 0 : 1;
-    EXPECT_EQ(ink, 0);
     // From the largest page there is, as "--page=2147483647" sets it: 2^31 modulo 4.
     const int kMax = std::numeric_limits<int>::max();
     for (const auto& [from, key, to] : std::vector<std::tuple<int, pge::Key, int>>{
@@ -75,28 +70,22 @@ TEST_F(TitleTest, PictureOpensBareArrowsStepRoundThePagesAndEscapeLeavesAPageFir
     EXPECT_TRUE(app.paused);
 }
 
-// Keys alone type small letters, digits and blanks, raw presses with their keys each
-// character once, capitals and umlauts too; fourteen code points at most, no leading blank.
-TEST_F(ScoresTest, NameFieldTakesKeysAndRawPressesFourteenCodePointsAndNoLeadingBlank) {
+// Keys alone type small letters, digits and blanks; fourteen code points at most, no leading
+// blank. (Raw presses with capitals and umlauts the end-to-end test of a first game types.)
+TEST_F(ScoresTest, NameFieldTakesFourteenCodePointsAndNoLeadingBlank) {
     OpenNameField("--level=1", 500);
     ASSERT_TRUE(Tap(pge::SPACE));
     EXPECT_EQ(app.playerName, "");
     for (pge::Key k : {pge::A, pge::N, pge::K1, pge::SPACE, pge::B}) ASSERT_TRUE(Tap(k));
     EXPECT_EQ(app.playerName, "an1 b");
-    app.playerName = "";
-    TypeText("Jürgen Ö");
-    EXPECT_EQ(app.playerName, "Jürgen Ö");
-    // Characters the font can't draw, control characters and Ctrl with a letter type nothing.
-    for (uint32_t code : {0xE9u, 0x20ACu, 0x1F600u, 1u}) run->Type(code, code == 1u);
-    for (int i = 0; i < 4; ++i) Frame(); // one press a frame
-    EXPECT_EQ(app.playerName, "Jürgen Ö");
+    app.playerName = "Jö";
     ASSERT_TRUE(Tap(pge::BACK)); // a whole code point
-    EXPECT_EQ(app.playerName, "Jürgen ");
+    EXPECT_EQ(app.playerName, "J");
     app.playerName = "ÄÖÜäöüßabcdef"; // 13 code points, 20 bytes
     ASSERT_TRUE(Tap(pge::X));
     ASSERT_TRUE(Tap(pge::Y));
     EXPECT_EQ(app.playerName, "ÄÖÜäöüßabcdefx");
-    TypeText("\b");
+    ASSERT_TRUE(Tap(pge::BACK));
     ASSERT_TRUE(Tap(pge::Y));
     EXPECT_EQ(app.playerName, "ÄÖÜäöüßabcdefy");
     // ESCAPE leaves the field without an entry; the list is shown with its button.

@@ -54,63 +54,6 @@ TEST_F(RunnerTest, JumpsFromTowerZeroToTwoInAThirdOfASecondMoreAndStaysAtTheGoal
     EXPECT_FLOAT_EQ(view.runnerColumn, goal - 0.9f); // 18 columns a second
 }
 
-TEST_F(RunnerTest, HoldsStillAtDtZeroAndTakesTheShortWayRoundTheRing) {
-    Game g = Started(false, 7, 1);
-    g.cursorX = 2;
-    view.UpdateRunner(g, 0.05f, 0.0f);
-    g.cursorX = 28; // the goal lies 6 columns to the left, across the seam
-    view.UpdateRunner(g, 0.05f, 0.0f);
-    EXPECT_TRUE(view.running);
-    EXPECT_EQ(view.runnerDirection, -1);
-    const float column = view.runnerColumn, runTime = view.runTime;
-    view.UpdateRunner(g, 0.0f, 0.0f);
-    EXPECT_FLOAT_EQ(view.runnerColumn, column);
-    EXPECT_FLOAT_EQ(view.runTime, runTime);
-}
-
-// The runner drawn alone on a blank sprite: the body's colour at his waist tells the
-// sheet and the frame shown.
-class RunnerSheetTest : public TowerViewFrameTest {
-protected:
-    pge::Pixel Shown(const Game& g, float time, bool mirrored = false, int anchor = 59) {
-        pge::Sprite blank(640, 400);
-        view.lastTime = time;
-        const TowerView::Geo geo = view.TowerGeo(view.layout, g.activeTower);
-        view.DrawRunner(&blank, g, geo);
-        const pge::vf2d at = geo.P(view.runnerColumn, static_cast<float>(geo.rows), 1.0f);
-        const int x = static_cast<int>(std::lround(at.x)), y = static_cast<int>(std::lround(at.y - geo.lift));
-        // The white mark at frame column 39, or 24 when mirrored.
-        EXPECT_EQ(blank.GetPixel(x - 32 + (mirrored ? 24 : 39), y - anchor + 35), pge::Pixel(255, 255, 255)) << time;
-        return blank.GetPixel(x, y - anchor + 45);
-    }
-};
-
-TEST_F(RunnerSheetTest, DropSheetPlaysForFourTenthsOfASecondAfterAPlacedPiece) {
-    Game g = Started(true, 3, 1);
-    g.cursorY = 0; // nothing carried over his head
-    DrawAt(g, 10.0f, 0.0f);
-    Event placed;
-    placed.kind = Event::Placed;
-    view.OnEvent(placed, g);
-    EXPECT_FLOAT_EQ(view.dropTime, 10.0f);
-    const int drop = 3, idle = 2;
-    EXPECT_EQ(Shown(g, 10.0f), RunnerBody(drop, 0));
-    EXPECT_EQ(Shown(g, 10.1f), RunnerBody(drop, 1));  // 0.1 / 0.4 * 6 = 1.5
-    EXPECT_EQ(Shown(g, 10.25f), RunnerBody(drop, 3)); // 3.75
-    EXPECT_EQ(Shown(g, 10.4f), RunnerBody(drop, 5));
-    EXPECT_EQ(Shown(g, 10.41f), RunnerBody(idle, 83 % 6)); // trunc(10.41 * 8) = 83
-    EXPECT_EQ(Shown(g, 9.9f), RunnerBody(idle, 79 % 6));   // before the drop: no negative age
-    view.runnerDirection = -1;
-    EXPECT_EQ(Shown(g, 10.25f, true), RunnerBody(drop, 3)); // mirrored to the left
-    // In the air he shows the jump, a piece placed or not.
-    view.jumping = true;
-    view.jumpFromTower = 0;
-    view.jumpStart = 10.0f;
-    view.jumpDuration = 0.5f;
-    view.runnerDirection = 1;
-    EXPECT_EQ(Shown(g, 10.6f, false, 54), RunnerBody(4, 5)); // landed: the last frame, 5 pixels lower
-}
-
 using OverlayPictureTest = TowerViewFrameTest;
 
 // A ring under fire, seen from column 0.5: a ball on its way to a piece in view, a
