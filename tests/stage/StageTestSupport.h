@@ -17,6 +17,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace torvane::testing_support {
@@ -44,32 +45,20 @@ inline int Lay(Game& g, int tower, char type, int rotation, int x, int y) {
 // The five sheets of the runner, 3 by 2 frames of 64 pixels: a body whose colour tells
 // the sheet (red) and the frame (green), a head above it and a white mark at the body's
 // right, which a mirrored frame shows at the left. The feet stand on row 59.
-inline const std::vector<std::string>& RunnerSheets() {
-    static const std::vector<std::string> keys = {
-        "torvane/torvane-run-right-pixel-sheet.png", "torvane/torvane-run-left-pixel-sheet.png",
-        "torvane/torvane-idle-right-stabilized-pixel-sheet.png", "torvane/torvane-drop-down-empty-pixel-sheet.png",
-        "torvane/torvane-jump-right-pixel-sheet.png"};
-    return keys;
-}
-inline pge::Pixel RunnerBody(int sheet, int frame) {
-    return pge::Pixel(static_cast<uint8_t>(60 + sheet * 40), static_cast<uint8_t>(40 + frame * 40), 220);
-}
 inline void WriteRunnerSheets(const std::string& root) {
+    const char* keys[] = {"run-right", "run-left", "idle-right-stabilized", "drop-down-empty", "jump-right"};
     for (int s = 0; s < 5; ++s) {
         pge::Sprite sheet(192, 128);
         for (pge::Pixel& p : sheet.pColData) p = pge::Pixel(0, 0, 0, 0);
-        for (int f = 0; f < 6; ++f) {
-            const int x0 = (f % 3) * 64, y0 = (f / 3) * 64;
-            const auto fill = [&](int x, int y, int w, int h, pge::Pixel c) {
+        for (int f = 0; f < 6; ++f)
+            for (const auto& [x, y, w, h, c] :
+                 {std::tuple{26, 30, 12, 30, pge::Pixel(uint8_t(60 + s * 40), uint8_t(40 + f * 40), 220)},
+                  std::tuple{28, 20, 8, 9, pge::Pixel(240, 200, 160)}, std::tuple{38, 34, 4, 4, pge::Pixel(255, 255, 255)}})
                 for (int j = y; j < y + h; ++j)
-                    for (int i = x; i < x + w; ++i) sheet.SetPixel(x0 + i, y0 + j, c);
-            };
-            fill(26, 30, 12, 30, RunnerBody(s, f)); // rows 30 to 59
-            fill(28, 20, 8, 9, pge::Pixel(240, 200, 160));
-            fill(38, 34, 4, 4, pge::Pixel(255, 255, 255));
-        }
-        std::filesystem::create_directories(std::filesystem::path(root + "/" + RunnerSheets()[s]).parent_path());
-        adv::screenshot::SavePng(sheet, root + "/" + RunnerSheets()[s]);
+                    for (int i = x; i < x + w; ++i) sheet.SetPixel((f % 3) * 64 + i, (f / 3) * 64 + j, c);
+        const std::string path = root + "/torvane/torvane-" + keys[s] + "-pixel-sheet.png";
+        std::filesystem::create_directories(std::filesystem::path(path).parent_path());
+        adv::screenshot::SavePng(sheet, path);
     }
 }
 
