@@ -1,7 +1,6 @@
 // The card toolkit and the strips around the stage where the screens' pictures do not
 // show them: a card cut to the stage, the buttons a frame registers, the HUD's end button,
 // the sentence of parts and the help bar's hints.
-#include "game/content/Highscores.h"
 #include "game/rules/LevelPack.h"
 #include "tests/screens/ScreensFixture.h"
 

@@ -1,18 +1,11 @@
 // The editor card and the packs on screen, against reference pictures: the pages of
 // the editor, the title foot with a pack chosen, the help bar with a pack level's name.
 #include "engine/Screenshot.h"
-#include "game/rules/Lang.h"
-#include "game/rules/Level.h"
-#include "game/TorvaneApp.h"
 #include "tests/stage/ReferencePicture.h"
 #include "tests/screens/PackFixture.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
-#include <string>
 #include <utility>
-#include <vector>
 
 namespace torvane {
 namespace {

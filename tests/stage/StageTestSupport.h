@@ -13,8 +13,6 @@
 
 #include <gtest/gtest.h>
 
-
-#include <cstdlib>
 #include <filesystem>
 #include <string>
 #include <tuple>

@@ -1,21 +1,12 @@
 // The stage: whole frames compared with reference pictures (the marks on the wall, the
 // ghost on the active tower alone), and the landscape behind the tower with its theme.
-#include "engine/Assets.h"
 #include "game/content/PackStorage.h"
 #include "game/rules/AutoPlayer.h"
 #include "game/rules/LevelPack.h"
-#include "game/rules/Pieces.h"
-#include "game/stage/RingCamera.h"
 #include "game/stage/Theme.h"
-#include "game/stage/TowerView.h"
-#include "pge/Headless.h"
 #include "tests/stage/PalettedTestImage.h"
 #include "tests/stage/StageTestSupport.h"
 
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <cstdlib>
 #include <filesystem>
 #include <random>
 
