@@ -17,14 +17,8 @@ protected:
     // A level's figures as the end of an attack leaves them.
     void SetStats(bool passed) {
         RoundStats& s = app.game.stats;
-        s.buildScore = 1240;
-        s.timeBonus = 180;
-        s.gapCells = 3;
-        s.dropped = 2;
-        s.repairScore = 650;
-        s.held = 5;
-        s.lost = 7;
-        s.levelBonus = passed ? 500 : 0;
+        s.buildScore = 1240, s.timeBonus = 180, s.gapCells = 3, s.dropped = 2;
+        s.repairScore = 650, s.held = 5, s.lost = 7, s.levelBonus = passed ? 500 : 0;
         s.sectorPct.clear();
         for (size_t i = 0; i < app.game.config.sectors.size(); ++i) s.sectorPct.push_back(passed ? 70 - 5 * int(i) : 40);
         s.overallPct = passed ? 66 : 38;

@@ -7,22 +7,14 @@
 #include "tests/screens/ScreensFixture.h"
 
 #include <algorithm>
-#include <fstream>
 #include <limits>
 #include <tuple>
-#include <sstream>
 
 namespace torvane::testing_support {
 namespace {
 
 class TitleTest : public ScreensTest {
 protected:
-    std::string ReadData(const std::string& name) {
-        std::ifstream in(dataFolder + "/" + name);
-        std::ostringstream all;
-        all << in.rdbuf();
-        return all.str();
-    }
     // A game at `level` lost with `score` points, its over card open with the name field.
     void OpenNameField(const char* level, int32_t score) {
         Start({level});
@@ -92,7 +84,7 @@ TEST_F(ScoresTest, NameFieldTakesFourteenCodePointsAndNoLeadingBlank) {
     ASSERT_TRUE(Tap(pge::ESCAPE));
     EXPECT_FALSE(app.nameEntry);
     EXPECT_FALSE(app.scoreSaved);
-    EXPECT_EQ(ReadData("highscores.txt"), "");
+    EXPECT_TRUE(highscores::Load().empty());
     EXPECT_TRUE(HasButton(ButtonId::ToTitle));
 }
 
