@@ -74,7 +74,8 @@ TEST(KeptLayerTest, RectanglesAreCutToTheTarget) {
     for (int i = 0; i < 2; ++i) {
         frame.pColData.assign(frame.pColData.size(), pge::Pixel(200, 200, 200));
         kept::Draw(&frame, layer, {}, {-5, -5, 40, 40}, draw);
-        EXPECT_EQ(frame.GetPixel(19, 9), cv::Over(pge::Pixel(200, 200, 200), pge::Pixel(10, 20, 30, 100)));
+        for (const auto& [x, y] : {std::pair{0, 0}, std::pair{19, 9}}) // both corners, kept or not
+            EXPECT_EQ(frame.GetPixel(x, y), cv::Over(pge::Pixel(200, 200, 200), pge::Pixel(10, 20, 30, 100))) << i;
     }
     EXPECT_EQ(draws, 1);
     kept::Draw(&frame, layer, {}, {30, 0, 40, 10}, draw);

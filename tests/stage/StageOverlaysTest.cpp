@@ -52,6 +52,9 @@ TEST_F(RunnerTest, JumpsFromTowerZeroToTwoInAThirdOfASecondMoreAndStaysAtTheGoal
     EXPECT_FALSE(view.jumping);
     EXPECT_TRUE(view.running);
     EXPECT_FLOAT_EQ(view.runnerColumn, goal - 0.9f); // 18 columns a second
+    view.runnerColumn = goal - 3.5f; // half a column short of the goal at column 0: on towards it
+    view.UpdateRunner(g, 0.02f, 0.0f);
+    EXPECT_NEAR(view.runnerColumn, goal - 3.5f + 0.36f, 1e-4f);
 }
 
 using OverlayPictureTest = TowerViewFrameTest;
