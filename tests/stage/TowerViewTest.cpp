@@ -55,7 +55,7 @@ TEST_F(TowerViewFrameTest, RingAttackWithHoleAndTarget) {
     g.targets.push_back(Target{1, aimed, 0, 9.0f, 12.0f, g.pieces.at(aimed).cells, {}});
     g.targets.push_back(Target{2, prepped, 0, 9.5f, 13.0f, prep, {Prep{'1', {prep[0]}}}});
     g.focus = {Focus::Hole, 1};
-    DrawAt(g, 2.0f);
+    DrawAt(g, 2.35f); // the map's blips in their second colours (the ring under fire has the first)
     ExpectMatchesReference(Screen(), "ring_attack");
 }
 
