@@ -57,9 +57,6 @@ TEST_F(TitleTest, PictureOpensBareArrowsStepRoundThePagesAndEscapeLeavesAPageFir
     while (std::fmod(app.clock, 1.2f) < 0.85f) Frame();
     Click(320, 340);
     EXPECT_EQ(app.game.phase, Phase::Build);
-    run->SetKey(pge::ESCAPE, true); // pause, not quit
-    ASSERT_TRUE(Frame());
-    EXPECT_TRUE(app.paused);
 }
 
 // Keys alone type small letters, digits and blanks; fourteen code points at most, no leading

@@ -11,6 +11,10 @@ namespace torvane {
 namespace {
 
 using namespace testing_support;
+using RunnerTest = TowerViewFrameTest;
+using OverlayPictureTest = TowerViewFrameTest;
+using EdgeArrowTest = TowerViewFrameTest;
+using EffectsTest = TowerViewFrameTest;
 
 TEST(CarouselTest, ShowsAShortListOnceAndAtMostFive) {
     // Limited: the piece in hand and the next one only.
@@ -20,8 +24,6 @@ TEST(CarouselTest, ShowsAShortListOnceAndAtMostFive) {
         {5, false, five}, {9, false, five}, {1, true, {0}},    {2, true, {0, 1}},      {6, true, {0, 1}}};
     for (const auto& [n, limited, offsets] : cases) EXPECT_EQ(CarouselOffsets(n, limited), offsets) << n << limited;
 }
-
-using RunnerTest = TowerViewFrameTest;
 
 TEST_F(RunnerTest, JumpsFromTowerZeroToTwoInAThirdOfASecondMoreAndStaysAtTheGoal) {
     Game g = Started(true, 3, 7);
@@ -56,8 +58,6 @@ TEST_F(RunnerTest, JumpsFromTowerZeroToTwoInAThirdOfASecondMoreAndStaysAtTheGoal
     view.UpdateRunner(g, 0.02f, 0.0f);
     EXPECT_NEAR(view.runnerColumn, goal - 3.5f + 0.36f, 1e-4f);
 }
-
-using OverlayPictureTest = TowerViewFrameTest;
 
 // A ring under fire, seen from column 0.5: a ball on its way to a piece in view, a
 // replacement laid out for another, the focus on a hole with the piece in hand fitting
@@ -155,8 +155,6 @@ TEST_F(OverlayPictureTest, MessageLineBelowTheCarousel) {
     ExpectMatchesReference(Screen(), "message_line");
 }
 
-using EdgeArrowTest = TowerViewFrameTest;
-
 TEST_F(EdgeArrowTest, DangersBehindTheRingAreListedMostUrgentFirst) {
     Game g = EmptyGame(false, 2);
     g.phase = Phase::Attack;
@@ -180,8 +178,6 @@ TEST_F(EdgeArrowTest, DangersBehindTheRingAreListedMostUrgentFirst) {
     EXPECT_EQ(arrows[2].tip.x, arrows[0].tip.x);
     EXPECT_FLOAT_EQ(arrows[2].tip.y, base + 22.0f); // the second on the right, below the first
 }
-
-using EffectsTest = TowerViewFrameTest;
 
 // A burst's debris starts in its cells, four to a cell in turn, drawn from the view's own
 // generator; a floater starts at the middle of its cells, across the seam too. Debris
