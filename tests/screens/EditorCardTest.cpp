@@ -1,18 +1,11 @@
 // The editor card and the packs on screen, against reference pictures: the pages of
 // the editor, the title foot with a pack chosen, the help bar with a pack level's name.
 #include "engine/Screenshot.h"
-#include "game/rules/Lang.h"
-#include "game/rules/Level.h"
-#include "game/TorvaneApp.h"
 #include "tests/stage/ReferencePicture.h"
 #include "tests/screens/PackFixture.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
-#include <string>
 #include <utility>
-#include <vector>
 
 namespace torvane {
 namespace {
@@ -63,82 +56,10 @@ TEST_F(EditorCardTest, ScrolledListWithItsCounter) {
     ExpectMatchesReference(*app.GetDrawTarget(), "editor_list");
 }
 
-TEST_F(EditorCardTest, TheCounterLineOnlyWhenRowsAreHidden) {
-    // Counts the muted pixels in the counter's place, right below the fifteenth row.
-    const auto counterPixels = [this] {
-        const pge::Sprite& screen = *app.GetDrawTarget();
-        int n = 0;
-        for (int y = 300; y < 312; ++y)
-            for (int x = 300; x < 580; ++x) n += screen.GetPixel(x, y) == kMuted ? 1 : 0;
-        return n;
-    };
-    for (char c = 'A'; c <= 'N'; ++c) AddPack(std::string("Burg ") + c, 1);
-    Start({"--editor"});
-    Frames(3);
-    ASSERT_EQ(app.editor.RowCount(), 15);
-    EXPECT_EQ(counterPixels(), 0);
-    // One pack more: sixteen rows, of which fifteen are shown, the first selected.
-    AddPack("Burg O", 1);
-    app.editor.RefreshList();
-    Frames(1);
-    ASSERT_EQ(app.editor.RowCount(), 16);
-    EXPECT_GT(counterPixels(), 20);
-}
-
 TEST_F(EditorCardTest, NewPackPage) {
     Start({"--editor=enter,type:Neue Burg,down"});
     Frames(5);
     ExpectMatchesReference(*app.GetDrawTarget(), "editor_new");
-}
-
-TEST_F(EditorCardTest, ErrorsInTheDangerColourSuccessesInTheOkColour) {
-    const auto count = [this](pge::Pixel colour) {
-        const std::vector<pge::Pixel>& pixels = app.GetDrawTarget()->pColData;
-        return std::count(pixels.begin(), pixels.end(), colour);
-    };
-    const auto expect = [&](const std::string& message, pge::Pixel shown, pge::Pixel absent) {
-        ASSERT_EQ(app.editor.message, message);
-        EXPECT_GT(count(shown), 20) << message;
-        EXPECT_EQ(count(absent), 0) << message;
-    };
-    Start({"--editor=enter,enter"}); // a new pack without a name
-    Frames(4);
-    expect("Bitte einen Namen eingeben", kDanger, kOk);
-    app.editorScript = "type:Burg,enter";
-    Frames(3);
-    expect("Gespeichert", kOk, kDanger);
-    SetLanguage(Language::English);
-    app.editorScript = "esc";
-    Frames(2);
-    expect("Saved", kOk, kDanger);
-    app.editorScript = "up,enter,enter";
-    Frames(4);
-    expect("Please enter a name", kDanger, kOk);
-}
-
-TEST_F(EditorCardTest, AHugePacksNameIsCutToItsRowAndBehindItsTitle) {
-    AddPack(std::string(1 << 20, 'W'), 1);
-    Start({"--editor"});
-    // Text drawn right of where the rows' values end, x + w - 14 of the card of 520.
-    const auto beyond = [this] {
-        int n = 0;
-        for (int y = 40; y < 380; ++y)
-            for (int x = (640 - 520) / 2 + 520 - 14; x < 640; ++x) {
-                const pge::Pixel p = app.GetDrawTarget()->GetPixel(x, y);
-                n += p == kFg || p == kMuted || p == kSlate || p == kChestnut ? 1 : 0;
-            }
-        return n;
-    };
-    Frames(3);
-    EXPECT_EQ(beyond(), 0) << "the list";
-    app.editorScript = "down,enter"; // the pack's page, its name on the top row
-    Frames(3);
-    ASSERT_EQ(app.editor.page, 2);
-    EXPECT_EQ(beyond(), 0) << "the pack's page";
-    app.editorScript = "enter"; // the level's page, the pack's name behind the title
-    Frames(2);
-    ASSERT_EQ(app.editor.page, 3);
-    EXPECT_EQ(beyond(), 0) << "the level's page";
 }
 
 TEST_F(EditorCardTest, PackPageAndLevelPageOverTheirLandscape) {

@@ -17,14 +17,8 @@ protected:
     // A level's figures as the end of an attack leaves them.
     void SetStats(bool passed) {
         RoundStats& s = app.game.stats;
-        s.buildScore = 1240;
-        s.timeBonus = 180;
-        s.gapCells = 3;
-        s.dropped = 2;
-        s.repairScore = 650;
-        s.held = 5;
-        s.lost = 7;
-        s.levelBonus = passed ? 500 : 0;
+        s.buildScore = 1240, s.timeBonus = 180, s.gapCells = 3, s.dropped = 2;
+        s.repairScore = 650, s.held = 5, s.lost = 7, s.levelBonus = passed ? 500 : 0;
         s.sectorPct.clear();
         for (size_t i = 0; i < app.game.config.sectors.size(); ++i) s.sectorPct.push_back(passed ? 70 - 5 * int(i) : 40);
         s.overallPct = passed ? 66 : 38;
@@ -73,8 +67,11 @@ TEST_F(ScreenPictures, PhaseCardsInGerman) {
     app.playerName = "Anna";
     app.clock = 20.25f; // the cursor is lit
     Expect("card_over");
+    app.playerName = ""; // the cursor before the placeholder
+    Expect("card_over_empty");
 
-    app.scores = {{"Jörg", 9800, 5, 0}, {"Anna", 4570, 2, 0}, {"Torvane", 1200, 1, 0}};
+    // A name too long for the table is cut before its level and score.
+    app.scores = {{"Jörg" + std::string(300, 'W'), 9800, 5, 0}, {"Anna", 4570, 2, 0}, {"Torvane", 1200, 1, 0}};
     app.nameEntry = false;
     app.scoreSaved = true;
     app.highlightRow = 1;

@@ -62,18 +62,28 @@ TEST_F(RingCameraTest, EasingCrossesTheSeamTheShortWayAndTurnsLeadItALittle) {
     EXPECT_FLOAT_EQ(cam.target, 31.5f);
 }
 
-TEST_F(RingCameraTest, CursorDragsTheTargetOnlyBeyondTheSlack) {
+// A new level snaps to the middle of the piece in hand, to its first sector without one,
+// or to column 0 without sectors; the cursor drags the target only beyond the slack of 3.
+TEST_F(RingCameraTest, NewLevelsSnapAndTheCursorDragsTheTargetOnlyBeyondTheSlack) {
     Game g = EmptyGame(false, 1);
     g.cursorX = 20;
-    cam.Update(g, 0.05f); // a new level snaps to the middle of the piece in hand
+    cam.Update(g, 0.05f);
     const float start = 20.0f + static_cast<float>(ShapeWidth(Rotated(g.SelectedType(), g.rotation))) * 0.5f;
     ASSERT_FLOAT_EQ(cam.angle, start);
-    // 3 columns stay inside the margin; 4 drag it along at 3 exactly; 5 the other way too.
     for (const auto& [cursor, target] : {std::pair{23, 0.0f}, std::pair{24, 1.0f}, std::pair{16, -1.0f}}) {
         g.cursorX = cursor;
         cam.Update(g, 0.05f);
         EXPECT_FLOAT_EQ(cam.target, start + target) << cursor;
     }
+    g = EmptyGame(false, 2);
+    g.phase = Phase::Eval;
+    cam.Update(g, 0.05f);
+    EXPECT_FLOAT_EQ(cam.angle, static_cast<float>(g.config.sectors.front().centre));
+    g = EmptyGame(false, 1);
+    g.phase = Phase::Eval;
+    g.config.sectors.clear();
+    cam.Update(g, 0.05f);
+    EXPECT_FLOAT_EQ(cam.angle, 0.0f);
 }
 
 TEST_F(RingCameraTest, AttackFocusIsFollowedOnlyWithAutoRotate) {
@@ -88,18 +98,6 @@ TEST_F(RingCameraTest, AttackFocusIsFollowedOnlyWithAutoRotate) {
     GetSettings().auto_rotate = true; // the far focus (20.5) is centred
     cam.Update(g, 0.05f);
     EXPECT_FLOAT_EQ(cam.target, 20.5f);
-}
-
-TEST_F(RingCameraTest, LevelWithoutGoalStartsAtItsFirstSectorOrColumnZero) {
-    Game g = EmptyGame(false, 2);
-    g.phase = Phase::Eval;
-    cam.Update(g, 0.05f);
-    EXPECT_FLOAT_EQ(cam.angle, static_cast<float>(g.config.sectors.front().centre));
-    g = EmptyGame(false, 1);
-    g.phase = Phase::Eval;
-    g.config.sectors.clear();
-    cam.Update(g, 0.05f);
-    EXPECT_FLOAT_EQ(cam.angle, 0.0f);
 }
 
 } // namespace

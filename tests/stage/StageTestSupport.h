@@ -13,10 +13,9 @@
 
 #include <gtest/gtest.h>
 
-
-#include <cstdlib>
 #include <filesystem>
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace torvane::testing_support {
@@ -41,43 +40,23 @@ inline int Lay(Game& g, int tower, char type, int rotation, int x, int y) {
     return g.AddPiece(tower, type, cells, false);
 }
 
-// The screen pixels that differ between two frames.
-inline std::vector<pge::vi2d> Differences(const Pixels& a, const Pixels& b) {
-    std::vector<pge::vi2d> out;
-    for (size_t i = 0; i < a.size(); ++i)
-        if (a[i] != b[i]) out.push_back({static_cast<int>(i % 640), static_cast<int>(i / 640)});
-    return out;
-}
-
 // The five sheets of the runner, 3 by 2 frames of 64 pixels: a body whose colour tells
 // the sheet (red) and the frame (green), a head above it and a white mark at the body's
 // right, which a mirrored frame shows at the left. The feet stand on row 59.
-inline const std::vector<std::string>& RunnerSheets() {
-    static const std::vector<std::string> keys = {
-        "torvane/torvane-run-right-pixel-sheet.png", "torvane/torvane-run-left-pixel-sheet.png",
-        "torvane/torvane-idle-right-stabilized-pixel-sheet.png", "torvane/torvane-drop-down-empty-pixel-sheet.png",
-        "torvane/torvane-jump-right-pixel-sheet.png"};
-    return keys;
-}
-inline pge::Pixel RunnerBody(int sheet, int frame) {
-    return pge::Pixel(static_cast<uint8_t>(60 + sheet * 40), static_cast<uint8_t>(40 + frame * 40), 220);
-}
 inline void WriteRunnerSheets(const std::string& root) {
+    const char* keys[] = {"run-right", "run-left", "idle-right-stabilized", "drop-down-empty", "jump-right"};
     for (int s = 0; s < 5; ++s) {
         pge::Sprite sheet(192, 128);
         for (pge::Pixel& p : sheet.pColData) p = pge::Pixel(0, 0, 0, 0);
-        for (int f = 0; f < 6; ++f) {
-            const int x0 = (f % 3) * 64, y0 = (f / 3) * 64;
-            const auto fill = [&](int x, int y, int w, int h, pge::Pixel c) {
+        for (int f = 0; f < 6; ++f)
+            for (const auto& [x, y, w, h, c] :
+                 {std::tuple{26, 30, 12, 30, pge::Pixel(uint8_t(60 + s * 40), uint8_t(40 + f * 40), 220)},
+                  std::tuple{28, 20, 8, 9, pge::Pixel(240, 200, 160)}, std::tuple{38, 34, 4, 4, pge::Pixel(255, 255, 255)}})
                 for (int j = y; j < y + h; ++j)
-                    for (int i = x; i < x + w; ++i) sheet.SetPixel(x0 + i, y0 + j, c);
-            };
-            fill(26, 30, 12, 30, RunnerBody(s, f)); // rows 30 to 59
-            fill(28, 20, 8, 9, pge::Pixel(240, 200, 160));
-            fill(38, 34, 4, 4, pge::Pixel(255, 255, 255));
-        }
-        std::filesystem::create_directories(std::filesystem::path(root + "/" + RunnerSheets()[s]).parent_path());
-        adv::screenshot::SavePng(sheet, root + "/" + RunnerSheets()[s]);
+                    for (int i = x; i < x + w; ++i) sheet.SetPixel((f % 3) * 64 + i, (f / 3) * 64 + j, c);
+        const std::string path = root + "/torvane/torvane-" + keys[s] + "-pixel-sheet.png";
+        std::filesystem::create_directories(std::filesystem::path(path).parent_path());
+        adv::screenshot::SavePng(sheet, path);
     }
 }
 
@@ -98,14 +77,6 @@ protected:
         RingCamera ring;
         ring.Update(g, 0.0f);
         view.Draw(engine, g, stage, time, camera >= 0.0f ? camera : ring.angle);
-        return Screen().pColData;
-    }
-    // The towers alone on a black screen, at the layout of a frame at `camera`: no
-    // runner, labels or carousel in the way.
-    Pixels TowersAt(const Game& g, float camera) {
-        DrawAt(g, 1.0f, camera);
-        for (pge::Pixel& p : Screen().pColData) p = pge::Pixel(0, 0, 0);
-        for (int t = 0; t < static_cast<int>(g.towers.size()); ++t) view.DrawTower(engine, g, view.layout, t);
         return Screen().pColData;
     }
     static Game Started(bool classic, unsigned seed, int level) {
