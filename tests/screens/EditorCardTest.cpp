@@ -90,5 +90,55 @@ TEST_F(EditorCardTest, TitleFootWithAPackAndTheHelpBarWithItsLevelName) {
     ExpectMatchesReference(Band(386, 400), "help_bar_pack_level");
 }
 
+TEST_F(EditorCardTest, ErrorsInTheDangerColourSuccessesInTheOkColour) {
+    const auto count = [this](pge::Pixel colour) {
+        const std::vector<pge::Pixel>& pixels = app.GetDrawTarget()->pColData;
+        return std::count(pixels.begin(), pixels.end(), colour);
+    };
+    const auto expect = [&](const std::string& message, pge::Pixel shown, pge::Pixel absent) {
+        ASSERT_EQ(app.editor.message, message);
+        EXPECT_GT(count(shown), 20) << message;
+        EXPECT_EQ(count(absent), 0) << message;
+    };
+    Start({"--editor=enter,enter"}); // a new pack without a name
+    Frames(4);
+    expect("Bitte einen Namen eingeben", kDanger, kOk);
+    app.editorScript = "type:Burg,enter";
+    Frames(3);
+    expect("Gespeichert", kOk, kDanger);
+    SetLanguage(Language::English);
+    app.editorScript = "esc";
+    Frames(2);
+    expect("Saved", kOk, kDanger);
+    app.editorScript = "up,enter,enter";
+    Frames(4);
+    expect("Please enter a name", kDanger, kOk);
+}
+
+TEST_F(EditorCardTest, AHugePacksNameIsCutToItsRowAndBehindItsTitle) {
+    AddPack(std::string(1 << 20, 'W'), 1);
+    Start({"--editor"});
+    // Text drawn right of where the rows' values end, x + w - 14 of the card of 520.
+    const auto beyond = [this] {
+        int n = 0;
+        for (int y = 40; y < 380; ++y)
+            for (int x = (640 - 520) / 2 + 520 - 14; x < 640; ++x) {
+                const pge::Pixel p = app.GetDrawTarget()->GetPixel(x, y);
+                n += p == kFg || p == kMuted || p == kSlate || p == kChestnut ? 1 : 0;
+            }
+        return n;
+    };
+    Frames(3);
+    EXPECT_EQ(beyond(), 0) << "the list";
+    app.editorScript = "down,enter"; // the pack's page, its name on the top row
+    Frames(3);
+    ASSERT_EQ(app.editor.page, 2);
+    EXPECT_EQ(beyond(), 0) << "the pack's page";
+    app.editorScript = "enter"; // the level's page, the pack's name behind the title
+    Frames(2);
+    ASSERT_EQ(app.editor.page, 3);
+    EXPECT_EQ(beyond(), 0) << "the level's page";
+}
+
 } // namespace
 } // namespace torvane
