@@ -23,6 +23,10 @@ TEST_F(AutoPlayerBuild, PlacementsStayInsideTheSectorAndAFullSectorEndsTheBuild)
     for (int x = -4; x < 4; ++x) FillColumn(game, 0, game.WrapX(x), 0, game.config.height);
     game.supply = {'O', 'T'};
     EXPECT_FALSE(bot.BestPlacement(game).found);
+    GetSettings().piece_choice = true;  // the next piece is tried first
+    bot.Step(game);
+    EXPECT_EQ(game.selected, 1);
+    GetSettings().piece_choice = false;
     bot.Step(game);
     EXPECT_EQ(game.phase, Phase::Inspect);
 }

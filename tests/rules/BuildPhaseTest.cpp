@@ -88,6 +88,8 @@ TEST_F(BuildCursor, EdgesEnterTheNextTowerOrWrapOnTheRing) {
     two.Move(-1);
     EXPECT_EQ(two.activeTower, 1);
     EXPECT_EQ(two.cursorX, 6);  // the right edge for a shape of width 2
+    two.Act(Action::Switch);
+    EXPECT_EQ(two.activeTower, 0);
     Game ring = EmptyGame(false, 1);
     ring.supply = {'I'};
     ring.cursorX = 31;

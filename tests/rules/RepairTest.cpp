@@ -109,6 +109,10 @@ TEST_F(RepairFree, PlacesSupportedPiecesAndPrepsAndTheCursorGoesToTheFit) {
     EXPECT_TRUE(Occupied(game, 0, 11, 0));
     EXPECT_EQ(game.score, 20);
     EXPECT_EQ(game.undo.points, 20);
+    game.Act(Action::Undo);  // placing in the attack can be taken back too
+    EXPECT_FALSE(Occupied(game, 0, 11, 0));
+    EXPECT_EQ(game.score, 0);
+    game.Act(Action::Place);
     const Focus target = AddTarget('2', Row(20, 0, 2));
     game.cursorX = 20;
     game.cursorY = 0;
@@ -120,7 +124,8 @@ TEST_F(RepairFree, PlacesSupportedPiecesAndPrepsAndTheCursorGoesToTheFit) {
     game.PlaceFree();
     EXPECT_TRUE(HasText(game.TakeEvents(), "Passt hier nicht"));
     game.selected = 1;
-    game.focus = AddHole({{5, 3}, {5, 4}});
+    game.focus = Focus{Focus::Hole, 999};  // gone: the most urgent goal takes its place
+    AddHole({{5, 3}, {5, 4}});
     game.CursorToFocus();
     EXPECT_EQ(game.rotation, 1);
     EXPECT_EQ(game.cursorX, 5);
