@@ -256,16 +256,6 @@ TEST_F(LevelEditorTest, TestingSavesAndTellsWhere) {
     EXPECT_EQ(editor.Handle(Key::Esc), 1);
 }
 
-TEST_F(LevelEditorTest, AFailedSaveIsShownAndThePageChangesAnyway) {
-    OpenPack(2);
-    *store.failWrites = true;
-    editor.Handle(Key::Esc);
-    EXPECT_EQ(editor.message, "Speichern fehlgeschlagen");
-    EXPECT_TRUE(editor.GetView().warning);
-    EXPECT_EQ(editor.page, 0);
-    EXPECT_FALSE(LevelEditor{}.Save()); // no store at all
-}
-
 TEST_F(LevelEditorTest, APackDeletedWhileShownIsKeptAndSavedAgain) {
     OpenPack(2);
     OpenLevel(1, 6);
