@@ -5,7 +5,6 @@
 
 #include <gtest/gtest.h>
 
-#include <random>
 #include <string>
 
 namespace torvane {
@@ -119,44 +118,25 @@ TEST_F(PackFormatTest, WritesTheDocumentedText) {
               "interval=3.5\ndirections=NO\norder=mixed\nprep=no\nnew_tower=yes\n");
 }
 
-TEST_F(PackFormatTest, ReadingBackAnyClampedPackGivesItAgain) {
-    std::mt19937 rng(2024);
-    const auto any = [&](int lo, int hi) { return std::uniform_int_distribution<int>(lo, hi)(rng); };
-    const std::string letters = "NOSWEnoswe xZ";
-    for (int round = 0; round < 500; ++round) {
-        LevelPack pack;
-        // Names without line ends or blanks at their ends, as the editor makes them.
-        for (int i = any(0, 12); i > 0; --i) pack.name += static_cast<char>(any(33, 255));
-        for (int n = any(1, 30); n > 0; --n) {
-            PackLevel l;
-            for (int i = any(0, 10); i > 0; --i) l.name += static_cast<char>(any(33, 255));
-            l.background = any(-3, 9);
-            l.build = any(-10, 300);
-            l.pieces = any(0, 80);
-            l.line = any(-1, 20);
-            l.need = any(0, 120);
-            l.shots = any(-5, 70);
-            l.interval = any(0, 200);
-            l.directions.clear();
-            for (int i = any(0, 6); i > 0; --i) l.directions += letters[static_cast<size_t>(any(0, 12))];
-            l.waves = any(0, 1);
-            l.prep = any(0, 1);
-            l.newTower = any(0, 1);
-            Clamp(l);
-            pack.levels.push_back(l);
-        }
-        LevelPack back;
-        ASSERT_TRUE(ParsePack(SerialisePack(pack), back));
-        EXPECT_EQ(back.name, pack.name.empty() ? "Levelpack" : pack.name);
-        ASSERT_EQ(back.levels.size(), pack.levels.size());
-        for (size_t i = 0; i < pack.levels.size(); ++i) {
-            const PackLevel &a = pack.levels[i], &b = back.levels[i];
-            EXPECT_EQ(std::tie(a.name, a.background, a.build, a.pieces, a.line, a.need, a.shots, a.interval,
-                               a.directions, a.waves, a.prep, a.newTower),
-                      std::tie(b.name, b.background, b.build, b.pieces, b.line, b.need, b.shots, b.interval,
-                               b.directions, b.waves, b.prep, b.newTower))
-                << "round " << round << " level " << i;
-        }
+TEST_F(PackFormatTest, ReadingBackWhatWasWrittenGivesItAgain) {
+    // The bounds of every number, a tenth, the directions' order, and names with the format's
+    // own signs and bytes beyond ASCII, as the editor lets them through.
+    LevelPack pack;
+    pack.name = "#[level]=\xc3\x84\xff";
+    pack.levels = {{"[x]=#", 1, 20, 4, 2, 10, 1, 5, "WN", false, false, true},
+                   {"\xe2\x80\xa2 a=b", 5, 240, 60, 12, 100, 60, 150, "SNOW", true, true, false},
+                   {"", 3, 99, 17, 7, 55, 23, 37, "O", true, false, false}};
+    LevelPack back;
+    ASSERT_TRUE(ParsePack(SerialisePack(pack), back));
+    EXPECT_EQ(back.name, pack.name);
+    ASSERT_EQ(back.levels.size(), pack.levels.size());
+    for (size_t i = 0; i < pack.levels.size(); ++i) {
+        const PackLevel &a = pack.levels[i], &b = back.levels[i];
+        EXPECT_EQ(std::tie(a.name, a.background, a.build, a.pieces, a.line, a.need, a.shots, a.interval,
+                           a.directions, a.waves, a.prep, a.newTower),
+                  std::tie(b.name, b.background, b.build, b.pieces, b.line, b.need, b.shots, b.interval,
+                           b.directions, b.waves, b.prep, b.newTower))
+            << "level " << i;
     }
 }
 
