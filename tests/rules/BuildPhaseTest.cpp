@@ -166,6 +166,7 @@ TEST_F(BuildPlacing, RefusalsSayWhyAndTheLastPieceEndsTheBuildSoon) {
     EXPECT_EQ(g.phase, Phase::Build);
     g.Update(0.02f);
     EXPECT_EQ(g.phase, Phase::Inspect);
+    EXPECT_EQ(g.autoEndAt, -1.0f);  // the ended build keeps no countdown
 }
 
 TEST_F(BuildPlacing, UndoOfAPrepAndOfAPieceThatLostACell) {
