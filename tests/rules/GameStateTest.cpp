@@ -61,4 +61,7 @@ TEST_F(GameShares, PercentagesRoundHalvesUpAndPoolAllTowers) {
     Fill(g, 1, 1, 6);
     for (int x = 2; x < 10; ++x) FillColumn(g, 1, x, 0, 7);
     EXPECT_TRUE(g.LineComplete());
+    g.towers.clear();  // nothing counted: nothing reaches the line
+    EXPECT_EQ(g.OverallPct(), 0);
+    EXPECT_FALSE(g.LineComplete());
 }

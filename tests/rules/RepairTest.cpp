@@ -126,6 +126,7 @@ TEST_F(RepairFree, PlacesSupportedPiecesAndPrepsAndTheCursorGoesToTheFit) {
     game.selected = 1;
     game.focus = Focus{Focus::Hole, 999};  // gone: the most urgent goal takes its place
     AddHole({{5, 3}, {5, 4}});
+    game.cursorY = 0;
     game.CursorToFocus();
     EXPECT_EQ(game.rotation, 1);
     EXPECT_EQ(game.cursorX, 5);
