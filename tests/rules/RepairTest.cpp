@@ -97,6 +97,19 @@ TEST_F(RepairAuto, RefusalsSayWhyHolesEarnTenACellPrepsOnlyAtTheImpact) {
     EXPECT_EQ(game.supply, (std::vector<char>{'T'}));
 }
 
+TEST_F(RepairAuto, TheBotTriesEveryPieceThenGoesOnToTheNextGoal) {
+    const Focus first = AddHole({{5, 3}});
+    const Focus second = AddHole({{9, 3}}, 4.0f);
+    game.supply = {'O', 'T'};  // neither fits a single cell
+    game.focus = first;
+    AutoPlayer bot;
+    bot.Step(game);
+    bot.Step(game);
+    EXPECT_EQ(game.focus, first);
+    bot.Step(game);
+    EXPECT_EQ(game.focus, second);
+}
+
 using RepairFree = RepairFixture;
 
 TEST_F(RepairFree, PlacesSupportedPiecesAndPrepsAndTheCursorGoesToTheFit) {
