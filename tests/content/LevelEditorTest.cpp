@@ -84,13 +84,7 @@ TEST_F(LevelEditorTest, NewPackIsNamedCountedAndSaved) {
     editor.Type("?!?");
     editor.Handle(Key::Enter);
     EXPECT_EQ(editor.pack.file, "Levelpack_2.tpack");
-    editor.Handle(Key::Esc);
-    editor.row = 0;
-    editor.Handle(Key::Enter);
-    editor.Type("?");
-    editor.Handle(Key::Enter);
-    EXPECT_EQ(editor.pack.file, "Levelpack_3.tpack");
-    EXPECT_EQ(store.files->size(), 3u);
+    EXPECT_EQ(store.files->size(), 2u);
 }
 
 TEST_F(LevelEditorTest, RowsWrapAndKeepTheMessage) {
@@ -262,16 +256,6 @@ TEST_F(LevelEditorTest, TestingSavesAndTellsWhere) {
     EXPECT_EQ(editor.Handle(Key::Esc), 1);
 }
 
-TEST_F(LevelEditorTest, AFailedSaveIsShownAndThePageChangesAnyway) {
-    OpenPack(2);
-    *store.failWrites = true;
-    editor.Handle(Key::Esc);
-    EXPECT_EQ(editor.message, "Speichern fehlgeschlagen");
-    EXPECT_TRUE(editor.GetView().warning);
-    EXPECT_EQ(editor.page, 0);
-    EXPECT_FALSE(LevelEditor{}.Save()); // no store at all
-}
-
 TEST_F(LevelEditorTest, APackDeletedWhileShownIsKeptAndSavedAgain) {
     OpenPack(2);
     OpenLevel(1, 6);
@@ -292,46 +276,19 @@ TEST_F(LevelEditorTest, APackDeletedWhileShownIsKeptAndSavedAgain) {
     EXPECT_EQ(editor.page, 0);
 }
 
-TEST_F(LevelEditorTest, ViewsOfThePages) {
+// The pages' pictures show the German texts; the English forms and numbers are checked here.
+TEST_F(LevelEditorTest, EnglishViewsTakeTheSingularAndAPoint) {
     OpenPack(2);
-    editor.Handle(Key::Esc);
-    LevelEditor::View list = editor.GetView();
-    EXPECT_EQ(list.title, "Leveleditor");
-    ASSERT_EQ(list.rows.size(), 2u);
-    EXPECT_EQ(list.rows[0].label, "+ Neues Levelpack");
-    EXPECT_EQ(list.rows[1].label, "Burg");
-    EXPECT_EQ(list.rows[1].value, "2 Level");
-    EXPECT_TRUE(list.rows[1].selected);
-    EXPECT_EQ(list.background, -1);
-
-    editor.Handle(Key::Enter);
-    editor.pack.levels[1].background = 4;
-    editor.pack.levels[1].name = "Sturm";
-    editor.row = 2;
-    const LevelEditor::View pack = editor.GetView();
-    EXPECT_EQ(pack.subtitle, "Burg.tpack");
-    EXPECT_EQ(pack.rows[0].value, "Burg");
-    EXPECT_EQ(pack.rows[1].value, "Wüstenpass · N · 6 Schüsse");
-    EXPECT_EQ(pack.rows[2].value, "Sturm · N · 8 Schüsse");
-    EXPECT_EQ(pack.rows[3].label, "+ Level anhängen");
-    EXPECT_EQ(pack.background, 3);
-
-    editor.Handle(Key::Enter);
-    const LevelEditor::View level = editor.GetView();
-    EXPECT_EQ(level.title, "Level 2");
-    EXPECT_EQ(level.subtitle, "Burg");
-    ASSERT_EQ(level.rows.size(), 12u);
-    EXPECT_EQ(level.rows[2].heading, "AUFBAU");
-    EXPECT_EQ(level.rows[6].heading, "VERTEIDIGUNG");
-    EXPECT_EQ(level.rows[4].value, "Reihe " + std::to_string(editor.pack.levels[1].line));
     SetLanguage(Language::English);
-    editor.pack.levels[1].interval = 35;
-    EXPECT_EQ(editor.GetView().rows[7].value, "3.5 s"); // a point in both languages
-    EXPECT_EQ(level.hints.size(), 5u);
-    // One shot, one level: the singular.
+    editor.pack.levels[1].name = "Sturm";
     editor.pack.levels[1].shots = 1;
-    editor.Handle(Key::Esc);
     EXPECT_EQ(editor.GetView().rows[2].value, "Sturm · N · 1 shot");
+    OpenLevel(1, 7);
+    editor.pack.levels[1].interval = 35;
+    const LevelEditor::View level = editor.GetView();
+    EXPECT_EQ(level.rows[7].value, "3.5 s");
+    EXPECT_EQ(level.hints.size(), 5u);
+    editor.Handle(Key::Esc);
     editor.row = 1;
     editor.Handle(Key::Del);
     editor.Handle(Key::Del);

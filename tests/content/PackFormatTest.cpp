@@ -5,7 +5,6 @@
 
 #include <gtest/gtest.h>
 
-#include <random>
 #include <string>
 
 namespace torvane {
@@ -32,11 +31,8 @@ TEST_F(PackFormatTest, RefusesWhatIsNoPackAndLeavesTheTargetAlone) {
     LevelPack out;
     out.name = "vorher";
     out.file = "vorher.tpack";
-    std::mt19937 rng(7);
-    std::string noise(4096, '\0');
-    for (char& c : noise) c = static_cast<char>(rng());
     for (const std::string& text : {std::string(), std::string("\n\n# nur ein Kommentar\n"), kHeader + "name=Leer\n",
-                                    std::string("levelpack 1\n[level]\n"), "[level]\n" + kHeader, noise})
+                                    std::string("levelpack 1\n[level]\n"), "[level]\n" + kHeader})
         EXPECT_FALSE(ParsePack(text, out));
     EXPECT_EQ(out.name, "vorher");
     EXPECT_EQ(out.file, "vorher.tpack");
@@ -52,17 +48,9 @@ TEST_F(PackFormatTest, HeaderCommentsAndDefaults) {
     const PackLevel& l = pack.levels[0];
     EXPECT_EQ(l.name, "X");
     // Keys before the first level are the pack's, and only its name counts there.
-    EXPECT_EQ(l.background, 1);
-    EXPECT_EQ(l.build, 70);
-    EXPECT_EQ(l.pieces, 16);
-    EXPECT_EQ(l.line, 5);
-    EXPECT_EQ(l.need, 50);
-    EXPECT_EQ(l.shots, 6);
-    EXPECT_EQ(l.interval, 50);
-    EXPECT_EQ(l.directions, "N");
-    EXPECT_TRUE(l.waves);
-    EXPECT_TRUE(l.prep);
-    EXPECT_FALSE(l.newTower);
+    EXPECT_EQ(std::tie(l.background, l.build, l.pieces, l.line, l.need, l.shots, l.interval, l.directions),
+              std::make_tuple(1, 70, 16, 5, 50, 6, 50, std::string("N")));
+    EXPECT_TRUE(l.waves && l.prep && !l.newTower);
     EXPECT_EQ(Parsed(kHeader + "[level]\n").name, "Levelpack");
 }
 
@@ -113,14 +101,6 @@ TEST_F(PackFormatTest, AThirtyFirstLevelOverwritesTheThirtieth) {
     ASSERT_EQ(pack.levels.size(), 30u);
     EXPECT_EQ(pack.levels[28].shots, 29);
     EXPECT_EQ(pack.levels[29].shots, 31);
-
-    // Ten thousand sections and names that are not UTF-8 are read without harm.
-    std::string many = kHeader + "name=\xff\xfe\xc3\n";
-    for (int i = 0; i < 10000; ++i) many += "[level]\nname=\x80\xc3(\n";
-    const LevelPack big = Parsed(many);
-    EXPECT_EQ(big.levels.size(), 30u);
-    EXPECT_EQ(big.name, "\xff\xfe\xc3");
-    EXPECT_EQ(big.levels[29].name, "\x80\xc3(");
 }
 
 TEST_F(PackFormatTest, WritesTheDocumentedText) {
@@ -138,76 +118,46 @@ TEST_F(PackFormatTest, WritesTheDocumentedText) {
               "interval=3.5\ndirections=NO\norder=mixed\nprep=no\nnew_tower=yes\n");
 }
 
-TEST_F(PackFormatTest, ReadingBackAnyClampedPackGivesItAgain) {
-    std::mt19937 rng(2024);
-    const auto any = [&](int lo, int hi) { return std::uniform_int_distribution<int>(lo, hi)(rng); };
-    const std::string letters = "NOSWEnoswe xZ";
-    for (int round = 0; round < 500; ++round) {
-        LevelPack pack;
-        // Names without line ends or blanks at their ends, as the editor makes them.
-        for (int i = any(0, 12); i > 0; --i) pack.name += static_cast<char>(any(33, 255));
-        for (int n = any(1, 30); n > 0; --n) {
-            PackLevel l;
-            for (int i = any(0, 10); i > 0; --i) l.name += static_cast<char>(any(33, 255));
-            l.background = any(-3, 9);
-            l.build = any(-10, 300);
-            l.pieces = any(0, 80);
-            l.line = any(-1, 20);
-            l.need = any(0, 120);
-            l.shots = any(-5, 70);
-            l.interval = any(0, 200);
-            l.directions.clear();
-            for (int i = any(0, 6); i > 0; --i) l.directions += letters[static_cast<size_t>(any(0, 12))];
-            l.waves = any(0, 1);
-            l.prep = any(0, 1);
-            l.newTower = any(0, 1);
-            Clamp(l);
-            pack.levels.push_back(l);
-        }
-        LevelPack back;
-        ASSERT_TRUE(ParsePack(SerialisePack(pack), back));
-        EXPECT_EQ(back.name, pack.name.empty() ? "Levelpack" : pack.name);
-        ASSERT_EQ(back.levels.size(), pack.levels.size());
-        for (size_t i = 0; i < pack.levels.size(); ++i) {
-            const PackLevel &a = pack.levels[i], &b = back.levels[i];
-            EXPECT_EQ(std::tie(a.name, a.background, a.build, a.pieces, a.line, a.need, a.shots, a.interval,
-                               a.directions, a.waves, a.prep, a.newTower),
-                      std::tie(b.name, b.background, b.build, b.pieces, b.line, b.need, b.shots, b.interval,
-                               b.directions, b.waves, b.prep, b.newTower))
-                << "round " << round << " level " << i;
-        }
+TEST_F(PackFormatTest, ReadingBackWhatWasWrittenGivesItAgain) {
+    // The bounds of every number, a tenth, the directions' order, and names with the format's
+    // own signs and bytes beyond ASCII, as the editor lets them through.
+    LevelPack pack;
+    pack.name = "#[level]=\xc3\x84\xff";
+    pack.levels = {{"[x]=#", 1, 20, 4, 2, 10, 1, 5, "WN", false, false, true},
+                   {"\xe2\x80\xa2 a=b", 5, 240, 60, 12, 100, 60, 150, "SNOW", true, true, false},
+                   {"", 3, 99, 17, 7, 55, 23, 37, "O", true, false, false}};
+    LevelPack back;
+    ASSERT_TRUE(ParsePack(SerialisePack(pack), back));
+    EXPECT_EQ(back.name, pack.name);
+    ASSERT_EQ(back.levels.size(), pack.levels.size());
+    for (size_t i = 0; i < pack.levels.size(); ++i) {
+        const PackLevel &a = pack.levels[i], &b = back.levels[i];
+        EXPECT_EQ(std::tie(a.name, a.background, a.build, a.pieces, a.line, a.need, a.shots, a.interval,
+                           a.directions, a.waves, a.prep, a.newTower),
+                  std::tie(b.name, b.background, b.build, b.pieces, b.line, b.need, b.shots, b.interval,
+                           b.directions, b.waves, b.prep, b.newTower))
+            << "level " << i;
     }
 }
 
-TEST_F(PackFormatTest, DefaultLevelsFollowTheRingCampaignWhateverIsActive) {
+TEST_F(PackFormatTest, DefaultLevelsAreTheRingCampaignsWhateverIsActive) {
     LevelPack active;
     active.levels.resize(3);
     active.levels[1].shots = 60;
     SetActivePack(&active);
     GetSettings().classic = 1;
-    const PackLevel two = DefaultPackLevel(2);
-    // Both are restored afterwards.
-    EXPECT_EQ(GetSettings().classic, 1);
+    const PackLevel seven = DefaultPackLevel(7), far = DefaultPackLevel(32), first = DefaultPackLevel(0);
+    EXPECT_EQ(GetSettings().classic, 1);  // both are restored afterwards
     ASSERT_NE(ActivePack(), nullptr);
     EXPECT_EQ(ActivePack()->levels[1].shots, 60);
-
-    SetActivePack(nullptr);
-    GetSettings().classic = 0;
-    for (int level : {-2, 0, 1, 2, 7, 12}) {
-        const LevelConfig c = ConfigFor(level);
-        const PackLevel l = level == 2 ? two : DefaultPackLevel(level);
-        EXPECT_EQ(l.background, (std::max(level, 1) - 1) % 5 + 1) << level;
-        EXPECT_EQ(l.build, std::clamp(static_cast<int>(c.buildTime + 0.5f), 20, 240)) << level;
-        EXPECT_EQ(l.shots, std::clamp(c.shots, 1, 60)) << level;
-        EXPECT_EQ(l.interval, std::clamp(static_cast<int>(c.interval * 10.0f + 0.5f), 5, 150)) << level;
-        EXPECT_EQ(l.line, std::clamp(c.line, 2, 12)) << level;
-        EXPECT_EQ(l.need, std::clamp(c.need, 10, 100)) << level;
-        EXPECT_EQ(l.pieces, std::clamp(c.pieces, 4, 60)) << level;
-        ASSERT_EQ(l.directions.size(), c.sectors.size()) << level;
-        for (size_t i = 0; i < c.sectors.size(); ++i) EXPECT_EQ(l.directions[i], c.sectors[i].letter);
-        EXPECT_TRUE(l.name.empty());
-        EXPECT_TRUE(l.waves && l.prep && !l.newTower);
-    }
+    // The build time and the interval in tenths rounded; the far level's 62 shots clamped.
+    EXPECT_EQ(std::tie(seven.background, seven.build, seven.shots, seven.interval, seven.directions),
+              std::make_tuple(2, 106, 12, 18, std::string("NSOW")));
+    EXPECT_EQ(std::tie(far.background, far.shots, far.line, far.need, far.interval), std::make_tuple(2, 60, 12, 70, 11));
+    EXPECT_EQ(std::tie(first.background, first.build, first.pieces, first.line, first.need, first.shots,
+                       first.interval, first.directions),
+              std::make_tuple(1, 70, 16, 5, 50, 6, 50, std::string("N")));
+    EXPECT_TRUE(first.name.empty() && first.waves && first.prep && !first.newTower);
 }
 
 TEST_F(PackFormatTest, FileNamesFromTitles) {
@@ -223,22 +173,12 @@ TEST_F(PackFormatTest, FileNamesFromTitles) {
 
 TEST_F(PackFormatTest, TextHelpers) {
     EXPECT_EQ(Trim(" \t\r a b \r\t "), "a b");
-    EXPECT_EQ(Trim(" \t\r"), "");
-    std::string s = "Süd";
+    std::string s = "Süd\x80\x80";  // loose continuation bytes go with the character before them
     PopChar(s);
     PopChar(s);
     EXPECT_EQ(s, "S");
-    PopChar(s);
-    PopChar(s);
-    EXPECT_EQ(s, "");
-    std::string loose = "\x80\x80"; // continuation bytes alone go as one
-    PopChar(loose);
-    EXPECT_EQ(loose, "");
-    // Characters, not bytes: a loose continuation byte counts for nothing.
-    EXPECT_EQ(CodePoints("Süd"), 3u);
     EXPECT_EQ(CodePoints("ÄÖÜß"), 4u);
-    EXPECT_EQ(CodePoints("a\x80"), 1u);
-    EXPECT_EQ(CodePoints(""), 0u);
+    EXPECT_EQ(CodePoints("a\x80"), 1u);  // a loose continuation byte counts for nothing
 }
 
 } // namespace

@@ -5,6 +5,7 @@
 #include "game/rules/Level.h"
 #include "game/rules/StateHash.h"
 #include "tests/content/ContentTestSupport.h"
+#include "tests/rules/RulesTestSupport.h"
 
 #include <gtest/gtest.h>
 
@@ -31,7 +32,6 @@ struct Played {
 using Extra = std::function<void(Owner&, Recorder&, int n, float dt)>;
 
 struct Case {
-    const char* name;
     bool classic;
     bool pack;
     int levels;        // the recorded game ends when it reaches one more
@@ -52,18 +52,8 @@ LevelPack TwoLevelPack() {
     return pack;
 }
 
-class ReplayTest : public ::testing::TestWithParam<Case> {
+class ReplayTest : public testing_support::RulesTest, public ::testing::WithParamInterface<Case> {
 protected:
-    void SetUp() override {
-        saved = GetSettings();
-        language = CurrentLanguage();
-    }
-    void TearDown() override {
-        GetSettings() = saved;
-        SetLanguage(language);
-        SetActivePack(nullptr);
-    }
-
     // A first game of some minutes, so that the recorded second one takes a used engine and
     // counters over; then the recorded game to `levels` levels, at frame steps of 60 to the
     // second on the tick grid with jitter, a few off it.
@@ -88,9 +78,6 @@ protected:
         recorder.End(o.S());
         return out;
     }
-
-    Settings saved;
-    Language language = Language::English;
 };
 
 TEST_P(ReplayTest, EveryFrameReachesTheRecordedState) {
@@ -98,7 +85,6 @@ TEST_P(ReplayTest, EveryFrameReachesTheRecordedState) {
     GetSettings().classic = c.classic;
     GetSettings().auto_rotate = true;
     GetSettings().repair_mode = 1;
-    SetLanguage(Language::German);
     const LevelPack pack = TwoLevelPack();
     if (c.pack) SetActivePack(&pack);
     const Played played = Play(c);
@@ -133,8 +119,13 @@ TEST_P(ReplayTest, EveryFrameReachesTheRecordedState) {
     EXPECT_TRUE(player.Done());
     EXPECT_TRUE(player.Result().Matches());
     EXPECT_TRUE(o.game.level > c.levels || o.game.phase == Phase::Over) << o.game.level;
-    // The player keeps the owner's language; the rules spoke the recording's.
+    // The player keeps the owner's language; the rules spoke the recording's. The pack
+    // travels in the replay and is the active one afterwards.
     EXPECT_EQ(CurrentLanguage(), Language::English);
+    if (c.pack) {
+        ASSERT_NE(ActivePack(), nullptr);
+        EXPECT_EQ(ActivePack()->name, "Zwei");
+    }
 }
 
 // A person's game in the window: the arrows turn the camera in the attack, a pause with the
@@ -154,19 +145,10 @@ void ByHand(Owner& o, Recorder& r, int n, float dt) {
     if (n == 901) o.game.viewCentre = 3.0f; // and the rules' view, for one frame
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Games, ReplayTest,
-    ::testing::Values(Case{"ring, three levels", false, false, 3, nullptr},
-                      Case{"classic", true, false, 2, nullptr}, Case{"pack", false, true, 1, nullptr},
-                      Case{"by hand", false, false, 2, ByHand}),
-    [](const ::testing::TestParamInfo<Case>& info) {
-        std::string name = info.param.name;
-        for (char& ch : name)
-            if (!std::isalnum(static_cast<unsigned char>(ch))) ch = '_';
-        return name;
-    });
-
-// ---- damaged files ----
+// The ring for three levels, the classic towers, a pack, a person's game.
+INSTANTIATE_TEST_SUITE_P(Games, ReplayTest,
+                         ::testing::Values(Case{false, false, 3, nullptr}, Case{true, false, 2, nullptr},
+                                           Case{false, true, 1, nullptr}, Case{false, false, 2, ByHand}));
 
 class ReplayFilesTest : public ::testing::Test {
 protected:
@@ -243,37 +225,6 @@ TEST_F(ReplayFilesTest, EveryFlippedByteIsRefusedOrChangesNothing) {
             EXPECT_EQ(back, stream) << "byte " << i;
         }
     }
-}
-
-TEST_F(ReplayFilesTest, APackGameNeedsNoPackFile) {
-    // The pack travels in the replay: with its file gone and no pack active, it plays.
-    const LevelPack pack = TwoLevelPack();
-    const std::string path = Write("Zwei.tpack", SerialisePack(pack));
-    LevelPack read;
-    ASSERT_TRUE(ParsePack(SerialisePack(pack), read));
-    SetActivePack(&read);
-    Owner o(8);
-    Recorder recorder;
-    std::string recorded;
-    recorder.finished = [&](std::string s) { recorded = std::move(s); };
-    recorder.Do(o.S(), {Op::NewGame}, 0.0f);
-    for (int n = 0; n < 1500; ++n) recorder.Frame(o.S(), 0.05f, {});
-    recorder.End(o.S());
-    ASSERT_TRUE(Save(Write("pack.trep", ""), recorded));
-    std::filesystem::remove(path);
-    SetActivePack(nullptr);
-
-    Replay replay;
-    Error error;
-    ASSERT_TRUE(Load((folder / "pack.trep").string(), replay, error)) << Describe(error);
-    Owner again(1);
-    Player player(std::move(replay));
-    player.Begin(again.S());
-    while (!player.Done()) player.Frame(again.S(), {});
-    EXPECT_TRUE(player.Result().Matches());
-    ASSERT_NE(ActivePack(), nullptr);
-    EXPECT_EQ(ActivePack()->name, "Zwei");
-    SetActivePack(nullptr);
 }
 
 } // namespace

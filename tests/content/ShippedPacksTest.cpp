@@ -1,7 +1,5 @@
 // The packs that come with the game: they parse, are complete and named, and the bot plays each to its end.
 #include "game/content/PackStorage.h"
-#include "game/rules/AutoPlayer.h"
-#include "game/rules/FrameSteps.h"
 #include "tests/rules/RulesTestSupport.h"
 
 #include <gtest/gtest.h>
@@ -12,6 +10,7 @@ namespace torvane {
 namespace {
 
 using ShippedPacksTest = testing_support::RulesTest;
+using testing_support::PlayFrames;
 
 const LevelPack* Find(const std::vector<LevelPack>& packs, const std::string& file) {
     for (const LevelPack& p : packs)
@@ -24,35 +23,22 @@ struct PackRun {
     bool finished = false; // the last level of the pack was held
 };
 
-// The bot plays the active pack through the application's frame steps at 60 frames a second.
+// The bot plays the active pack through the application's frame steps.
 PackRun PlayActivePack(unsigned seed) {
     GetSettings().auto_rotate = true;
     GetSettings().repair_mode = 1;
     Game game(seed);
     game.NewGame();
-    game.TakeEvents();
     AutoPlayer bot;
-    float autoTimer = 0.0f;
-    Phase lastPhase = game.phase;
-    int32_t lastLevel = game.level;
     PackRun run;
     bool ended = false;
-    frame::Hooks hooks;
-    Phase before = game.phase;
-    hooks.rulesStepped = [&] {
-        if (before != Phase::Attack) return;
-        if (game.phase == Phase::Over) ended = true;
-        if (game.phase != Phase::Eval) return;
+    PlayFrames(game, bot, 60L * 60 * 60, [&](Phase before) {
+        if (before != Phase::Attack) return false;
+        if (game.phase == Phase::Over) return ended = true;
+        if (game.phase != Phase::Eval) return false;
         ++run.held;
-        run.finished = ended = game.LastLevel();
-    };
-    const frame::Refs refs{game, bot, autoTimer, lastPhase, lastLevel, true, false};
-    const float dt = frame::RulesStep(1.0f / 60.0f);
-    for (long frames = 0; !ended && frames < 60L * 60 * 60; ++frames) {
-        before = game.phase;
-        frame::RunRules(refs, dt, hooks);
-        game.TakeEvents();
-    }
+        return ended = run.finished = game.LastLevel();
+    });
     EXPECT_TRUE(ended) << "seed " << seed;
     return run;
 }

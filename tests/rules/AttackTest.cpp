@@ -28,6 +28,11 @@ TEST_F(AttackStart, OnlyFromTheAnnouncementAndTheSparesGoRightAfterTheSelectedPi
     const auto events = game.TakeEvents();
     EXPECT_EQ(Texts(events, Event::Banner), std::vector<std::string>{"Angriffe kommen aus Norden!"});
     EXPECT_EQ(CountSound(events, Sfx::Horn), 1);
+    game.supply.clear();  // nothing left from the build: the spares are the supply
+    game.phase = Phase::Announce;
+    game.BeginAttack();
+    EXPECT_EQ(std::multiset<char>(game.supply.begin(), game.supply.end()), (std::multiset<char>{'1', '1', '2'}));
+    EXPECT_EQ(game.selected, 0);
 }
 
 // Shots of each wave for `sectors` sectors and `shots` shots.

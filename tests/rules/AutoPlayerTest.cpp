@@ -1,8 +1,6 @@
 // The auto player: where it builds, how it repairs, and whole games through the frame steps.
 #include "RulesTestSupport.h"
 
-#include "game/rules/AutoPlayer.h"
-#include "game/rules/FrameSteps.h"
 #include "game/rules/Pieces.h"
 
 using namespace torvane;
@@ -23,6 +21,10 @@ TEST_F(AutoPlayerBuild, PlacementsStayInsideTheSectorAndAFullSectorEndsTheBuild)
     for (int x = -4; x < 4; ++x) FillColumn(game, 0, game.WrapX(x), 0, game.config.height);
     game.supply = {'O', 'T'};
     EXPECT_FALSE(bot.BestPlacement(game).found);
+    GetSettings().piece_choice = true;  // the next piece is tried first
+    bot.Step(game);
+    EXPECT_EQ(game.selected, 1);
+    GetSettings().piece_choice = false;
     bot.Step(game);
     EXPECT_EQ(game.phase, Phase::Inspect);
 }
@@ -38,23 +40,15 @@ GameRun PlayLevelOne(unsigned seed, bool repairs) {
     game.NewGame();
     AutoPlayer bot;
     bot.repairs = repairs;
-    float timer = 0.0f;
-    Phase lastPhase = game.phase;
-    int32_t lastLevel = game.level;
     GameRun run;
-    frame::Hooks hooks;
-    hooks.rulesStepped = [&] {
-        if (run.ended || (game.phase != Phase::Eval && game.phase != Phase::Over)) return;
+    PlayFrames(game, bot, 60L * 60 * 10, [&](Phase) {
+        if (game.phase == Phase::Build)
+            for (const auto& [id, piece] : game.pieces)
+                for (const Cell& c : piece.cells) run.outsideSector |= !piece.ruin && !game.IsAttackedColumn(c.x);
+        if (game.phase != Phase::Eval && game.phase != Phase::Over) return false;
         run = GameRun{true, game.stats.passed, run.outsideSector, game.phase};
-    };
-    const frame::Refs refs{game, bot, timer, lastPhase, lastLevel, true, false};
-    for (int frame = 0; frame < 60 * 60 * 10 && !run.ended; ++frame) {
-        frame::RunRules(refs, 1.0f / 60.0f, hooks);
-        game.TakeEvents();
-        if (run.ended || game.phase != Phase::Build) continue;  // the bot may go on in the judging frame
-        for (const auto& [id, piece] : game.pieces)
-            for (const Cell& c : piece.cells) run.outsideSector |= !piece.ruin && !game.IsAttackedColumn(c.x);
-    }
+        return true;
+    });
     return run;
 }
 

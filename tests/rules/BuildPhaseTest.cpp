@@ -88,6 +88,8 @@ TEST_F(BuildCursor, EdgesEnterTheNextTowerOrWrapOnTheRing) {
     two.Move(-1);
     EXPECT_EQ(two.activeTower, 1);
     EXPECT_EQ(two.cursorX, 6);  // the right edge for a shape of width 2
+    two.Act(Action::Switch);
+    EXPECT_EQ(two.activeTower, 0);
     Game ring = EmptyGame(false, 1);
     ring.supply = {'I'};
     ring.cursorX = 31;
@@ -164,6 +166,7 @@ TEST_F(BuildPlacing, RefusalsSayWhyAndTheLastPieceEndsTheBuildSoon) {
     EXPECT_EQ(g.phase, Phase::Build);
     g.Update(0.02f);
     EXPECT_EQ(g.phase, Phase::Inspect);
+    EXPECT_EQ(g.autoEndAt, -1.0f);  // the ended build keeps no countdown
 }
 
 TEST_F(BuildPlacing, UndoOfAPrepAndOfAPieceThatLostACell) {

@@ -2,25 +2,10 @@
 
 #include "game/rules/Pieces.h"
 
-#include <cmath>
-#include <random>
 #include <set>
 
 using namespace torvane;
 using namespace torvane::testing_support;
-
-namespace {
-float Scaled(uint32_t u) { return static_cast<float>(std::ldexp(static_cast<double>(u), -32)); }
-} // namespace
-
-class GameRandom : public RulesTest {};
-
-TEST_F(GameRandom, FirstTenValuesAreTheStandardTwisterTimesTwoToTheMinus32) {
-    Game g(1);
-    g.rng.seed(5489);
-    std::mt19937 reference(5489);
-    for (int i = 0; i < 10; ++i) EXPECT_FLOAT_EQ(g.Random(), Scaled(reference())) << "draw " << i;
-}
 
 TEST(PiecesShapes, RotationsAreNormalisedQuarterTurnsModuloFour) {
     EXPECT_EQ(Rotated('T', 1), (std::vector<Cell>{{0, 2}, {0, 1}, {0, 0}, {1, 1}}));
@@ -46,8 +31,12 @@ TEST_F(GameGeometry, WrapAndCentresOnTheRingOnly) {
     EXPECT_EQ(ring.WrapX(-65), 31);
     EXPECT_FLOAT_EQ(ring.WrapDiff(16.0f), -16.0f);  // the half rounds away from zero
     EXPECT_FLOAT_EQ(ring.ColumnCentre({{30, 0}, {31, 0}, {0, 0}}), 31.5f);
+    EXPECT_NEAR(ring.ColumnCentre({{0, 0}, {10, 0}, {20, 0}}), 32.0f - 1.0f / 6.0f, 1e-4);  // measured from the first
     EXPECT_TRUE(ring.Free(0, BaseShape('I'), 30, 13));  // over the seam
+    Fill(ring, 0, 3, 0);
+    EXPECT_EQ(ring.ColumnTop(0, 3), 1);
     Fill(ring, 0, 1, 13);
+    EXPECT_EQ(ring.ColumnTop(0, 1), 14);
     EXPECT_FALSE(ring.Free(0, BaseShape('I'), 30, 13));
     Game classic = ClassicGame(1);
     EXPECT_EQ(classic.WrapX(32), 32);
@@ -68,5 +57,11 @@ TEST_F(GameShares, PercentagesRoundHalvesUpAndPoolAllTowers) {
     EXPECT_EQ(g.PctAbove(0), 100);
     EXPECT_EQ(g.PctAbove(1), 10);
     EXPECT_EQ(g.OverallPct(), 55);  // 11 of 20 pooled
+    EXPECT_FALSE(g.LineComplete());
+    Fill(g, 1, 1, 6);
+    for (int x = 2; x < 10; ++x) FillColumn(g, 1, x, 0, 7);
+    EXPECT_TRUE(g.LineComplete());
+    g.towers.clear();  // nothing counted: nothing reaches the line
+    EXPECT_EQ(g.OverallPct(), 0);
     EXPECT_FALSE(g.LineComplete());
 }

@@ -78,6 +78,18 @@ TEST_F(ImpactHole, APartlyFilledHoleDropsOnlyTheOpenColumns) {
     EXPECT_TRUE(HasText(game.TakeEvents(), "Eingestürzt: 2 Felder"));
 }
 
+TEST_F(ImpactHole, AHoleOnTheSecondTowerIsThatTowers) {
+    Game g = ClassicGame(2);
+    const int stem = g.AddPiece(1, 'I', {{0, 0}, {1, 0}, {2, 0}, {3, 0}}, false);
+    g.AddPiece(1, 'O', {{0, 1}, {1, 1}, {0, 2}, {1, 2}}, false);
+    g.phase = Phase::Announce;
+    g.BeginAttack();
+    g.FireAt(stem);
+    g.Update(g.targets.back().hitAt - g.clock);
+    ASSERT_EQ(g.holes.size(), 1u);
+    EXPECT_EQ(g.holes[0].tower, 1);
+}
+
 using ImpactPrep = ImpactFixture;
 
 TEST_F(ImpactPrep, AFullPrepReplacesAtOnce) {

@@ -29,8 +29,11 @@ TEST_F(InspectionGaps, EndingTheBuildDropsWhatHangsOnEveryTowerWithCappedBursts)
     Fill(g, 0, 0, 1);
     FillColumn(g, 1, 4, 1, 14);
     Fill(g, 1, 5, 1);  // 14 cells over one group of two gaps: 42 sparks, capped at 40
-    g.EndBuild(false);
+    g.Update(g.buildLeft - 0.5f);
+    EXPECT_EQ(g.phase, Phase::Build);
+    g.Update(0.6f);  // the clock runs out
     EXPECT_EQ(g.phase, Phase::Inspect);
+    EXPECT_EQ(g.buildLeft, 0.0f);
     EXPECT_EQ(g.stats.gapCells, 1 + 2);
     EXPECT_EQ(g.stats.dropped, 1 + 14);
     EXPECT_EQ(g.stats.timeBonus, 0);  // the clock ran out: no bonus
@@ -42,7 +45,7 @@ TEST_F(InspectionGaps, EndingTheBuildDropsWhatHangsOnEveryTowerWithCappedBursts)
     EXPECT_EQ(events[1].count, 40);
     EXPECT_EQ(events[2].sfx, Sfx::Collapse);
     EXPECT_EQ(events[3].text, "Bauabnahme: 15 Felder eingestürzt");
-    EXPECT_FLOAT_EQ(g.inspectEndAt, 1.8f);
+    EXPECT_FLOAT_EQ(g.inspectEndAt, g.clock + 1.8f);
 }
 
 TEST_F(InspectionGaps, ACleanWallIsShortlyInspectedAndEarlyEndsEarnTwoPerWholeSecondOverOne) {

@@ -97,6 +97,19 @@ TEST_F(RepairAuto, RefusalsSayWhyHolesEarnTenACellPrepsOnlyAtTheImpact) {
     EXPECT_EQ(game.supply, (std::vector<char>{'T'}));
 }
 
+TEST_F(RepairAuto, TheBotTriesEveryPieceThenGoesOnToTheNextGoal) {
+    const Focus first = AddHole({{5, 3}});
+    const Focus second = AddHole({{9, 3}}, 4.0f);
+    game.supply = {'O', 'T'};  // neither fits a single cell
+    game.focus = first;
+    AutoPlayer bot;
+    bot.Step(game);
+    bot.Step(game);
+    EXPECT_EQ(game.focus, first);
+    bot.Step(game);
+    EXPECT_EQ(game.focus, second);
+}
+
 using RepairFree = RepairFixture;
 
 TEST_F(RepairFree, PlacesSupportedPiecesAndPrepsAndTheCursorGoesToTheFit) {
@@ -109,6 +122,10 @@ TEST_F(RepairFree, PlacesSupportedPiecesAndPrepsAndTheCursorGoesToTheFit) {
     EXPECT_TRUE(Occupied(game, 0, 11, 0));
     EXPECT_EQ(game.score, 20);
     EXPECT_EQ(game.undo.points, 20);
+    game.Act(Action::Undo);  // placing in the attack can be taken back too
+    EXPECT_FALSE(Occupied(game, 0, 11, 0));
+    EXPECT_EQ(game.score, 0);
+    game.Act(Action::Place);
     const Focus target = AddTarget('2', Row(20, 0, 2));
     game.cursorX = 20;
     game.cursorY = 0;
@@ -120,7 +137,9 @@ TEST_F(RepairFree, PlacesSupportedPiecesAndPrepsAndTheCursorGoesToTheFit) {
     game.PlaceFree();
     EXPECT_TRUE(HasText(game.TakeEvents(), "Passt hier nicht"));
     game.selected = 1;
-    game.focus = AddHole({{5, 3}, {5, 4}});
+    game.focus = Focus{Focus::Hole, 999};  // gone: the most urgent goal takes its place
+    AddHole({{5, 3}, {5, 4}});
+    game.cursorY = 0;
     game.CursorToFocus();
     EXPECT_EQ(game.rotation, 1);
     EXPECT_EQ(game.cursorX, 5);
