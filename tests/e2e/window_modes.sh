@@ -18,11 +18,11 @@ stop() {
     wait "$GAME" 2>/dev/null || true
     GAME=""
 }
-# The window's size and where the picture lies in it, in window pixels.
-view() { sleep 0.8; px view "$WINDOW"; }
+# The window's size and where the picture lies in it, in window pixels; a loaded machine
+# may take seconds to resize and draw, so it is asked again until it matches or 15 s passed.
 expect_view() { # what, expected
-    local got
-    got=$(view)
+    local got tries=0
+    until got=$(px view "$WINDOW"); [ "$got" = "$2" ] || [ $((tries += 1)) -gt 30 ]; do sleep 0.5; done
     echo "$1: $got"
     [ "$got" = "$2" ] || fail "$1: the window shows '$got', not '$2'"
 }
