@@ -62,8 +62,7 @@ TEST_F(AssetSearch, ImagesAreCachedUntilClearAndMissingOnesGetThePlaceholder) {
     ASSERT_TRUE(adv::screenshot::SavePng(picture, dir + "title.png"));
     testing::internal::CaptureStderr();
     pge::Renderable* first = adv::Assets::Sprite("torvane/title.png");
-    EXPECT_EQ(first->Sprite()->pColData, picture.pColData);
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    EXPECT_EQ(std::pair(first->Sprite()->pColData, testing::internal::GetCapturedStderr()), std::pair(picture.pColData, std::string()));
     picture.pColData.assign(6, pge::Pixel(90, 80, 70));
     ASSERT_TRUE(adv::screenshot::SavePng(picture, dir + "title.png"));
     EXPECT_EQ(adv::Assets::Sprite("torvane/title.png"), first); // cached until Clear

@@ -10,7 +10,6 @@
 
 #include <gtest/gtest.h>
 
-
 namespace {
 
 struct StoryTest : ::testing::Test {
@@ -22,6 +21,11 @@ struct StoryTest : ::testing::Test {
         game.SetContentBuilder(vorabend::BuildStory);
         ASSERT_TRUE(run.Create());
         game.BeginPlay();
+    }
+    // The next frame matches the checked-in picture of that name.
+    void LooksAs(const std::string& picture) {
+        run.Frame(0.05f);
+        torvane::testing_support::ExpectMatchesReference(*game.GetDrawTarget(), "vorabend_" + picture);
     }
 };
 
@@ -58,9 +62,8 @@ TEST_F(StoryTest, EachSceneLooksAsItsPictureInBothLanguages) {
         for (const char* id : kScenes) {
             game.ChangeScene(id, "default");
             game.runner.Clear();
-            for (int i = 0; i < 20; ++i) run.Frame(0.05f); // the fade from black is over
-            torvane::testing_support::ExpectMatchesReference(*game.GetDrawTarget(),
-                                                             std::string("vorabend_") + id + "_" + name);
+            for (int i = 0; i < 19; ++i) run.Frame(0.05f); // the fade from black is over with the next
+            LooksAs(std::string(id) + "_" + name);
         }
     }
 }
@@ -164,19 +167,15 @@ TEST_F(StoryTest, MenuDialogueAndEndingLookAsTheirPictures) {
     Calm(*this);
     run.MoveMouse(0, 0);
     game.BeginDialogue("hella");
-    run.Frame(0.05f);
-    torvane::testing_support::ExpectMatchesReference(*game.GetDrawTarget(), "vorabend_dialogue");
+    LooksAs("dialogue");
     game.EndDialogue();
     game.OpenMenu();
-    run.Frame(0.05f);
-    torvane::testing_support::ExpectMatchesReference(*game.GetDrawTarget(), "vorabend_menu");
+    LooksAs("menu");
     game.menu.Activate(adv::GameMenu::kSaveGame);
-    run.Frame(0.05f);
-    torvane::testing_support::ExpectMatchesReference(*game.GetDrawTarget(), "vorabend_savepage");
+    LooksAs("savepage");
     game.menu.Close();
     game.FinishGame("Das Leuchtfeuer lodert.");
-    run.Frame(0.05f);
-    torvane::testing_support::ExpectMatchesReference(*game.GetDrawTarget(), "vorabend_end");
+    LooksAs("end");
 }
 
 } // namespace

@@ -85,10 +85,14 @@ struct TestGame {
         game.BeginPlay();
     }
     Actor& Player() { return game.Player(); }
-    // A click with the left (0) or right (1) button, pressed in one frame, released in the next.
-    void Click(int x, int y, int button = 0) {
+    // The mouse moved to (x, y) and a frame run.
+    void Hover(int x, int y) {
         run.MoveMouse(x, y);
         run.Frame(0.016f);
+    }
+    // A click with the left (0) or right (1) button, pressed in one frame, released in the next.
+    void Click(int x, int y, int button = 0) {
+        Hover(x, y);
         run.SetMouseButton(button, true);
         run.Frame(0.016f);
         run.SetMouseButton(button, false);
@@ -96,8 +100,7 @@ struct TestGame {
     }
     // A click that goes down and up between two frames, as a quick finger does.
     void QuickClick(int x, int y, int button = 0) {
-        run.MoveMouse(x, y);
-        run.Frame(0.016f);
+        Hover(x, y);
         run.SetMouseButton(button, true);
         run.SetMouseButton(button, false);
         run.Frame(0.016f);
