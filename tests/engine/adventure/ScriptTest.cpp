@@ -25,13 +25,10 @@ struct ScriptRunnerTest : ::testing::Test {
 
 TEST_F(ScriptRunnerTest, InstantActionsRunInOneFrameUpTo256StepsAndAWaitAfterThemGetsNoTime) {
     runner.Start(Marks(10));
-    EXPECT_FALSE(Step());
-    EXPECT_EQ(trace.size(), 10u);
+    EXPECT_EQ((std::pair{Step(), trace.size()}), std::pair(false, size_t(10)));
     runner.Start(Marks(290));
-    EXPECT_TRUE(Step());
-    EXPECT_EQ(trace.size(), size_t(10 + ScriptRunner::kMaxSteps));
-    EXPECT_FALSE(Step());
-    EXPECT_EQ(trace.size(), 300u);
+    EXPECT_EQ((std::pair{Step(), trace.size()}), std::pair(true, size_t(10 + ScriptRunner::kMaxSteps)));
+    EXPECT_EQ((std::pair{Step(), trace.size()}), std::pair(false, size_t(300)));
     trace.clear();
     runner.Start(Marks(1).Wait(1.0f).Append(Marks(1, "!")));
     Step(0.6f); // the mark takes this frame's time; the wait gets 0
@@ -64,9 +61,7 @@ TEST_F(ScriptRunnerTest, SkipsOnlyCutAStartedLineOfSpeechAndNobodysSpeechTakesNo
     Step();
     EXPECT_TRUE(t.Player().Talking());
     runner.Skip(game);
-    EXPECT_FALSE(t.Player().Talking());
-    Step();
-    EXPECT_FALSE(Step());
+    EXPECT_EQ((std::pair{t.Player().Talking(), Step()}), std::pair(false, false)); // the next frame ends the script
     runner.Start(Script().Say("nobody", "...").Append(Marks(1)));
     Step();
     EXPECT_EQ(trace, ".");

@@ -55,17 +55,11 @@ inline void BuildTestContent(AdventureGame& g) {
         item.name = std::string(id) == "bread" ? "Brot" : id;
         g.AddItem(item);
     }
+    // An option said once, one shown only with a flag, and one that ends the talk unless a flag keeps it.
     Dialogue d;
     d.id = "talk";
-    DialogueOption once, flagged, bye;
-    once.text = "Einmal";
-    once.once = true;
-    flagged.text = "Nur mit Flagge";
-    flagged.requiresFlag = "asked";
-    bye.text = "Tschuess";
-    bye.next = "$exit";
-    bye.forbidsFlag = "stay";
-    d.nodes["start"] = {once, flagged, bye};
+    d.nodes["start"] = {{"Einmal", {}, "", true, false, "", ""}, {"Nur mit Flagge", {}, "", false, false, "asked", ""},
+                        {"Tschuess", {}, "$exit", false, false, "", "stay"}};
     g.AddDialogue(d);
     g.RegisterScene("room", std::make_unique<Room>());
     g.RegisterScene("hall", std::make_unique<Hall>());
