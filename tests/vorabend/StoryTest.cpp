@@ -108,10 +108,7 @@ TEST_F(StoryTest, InEnglishEveryTextOfTheStoryIsEnglish) {
         for (const auto& [verb, script] : actor.scripts) PlayThrough(*this, script);
         for (const auto& [item, script] : actor.useScripts) PlayThrough(*this, script);
     }
-    for (const auto& [id, item] : game.items) {
-        adv::Tr(item.name);
-        adv::Tr(item.lookText);
-    }
+    for (const auto& [id, item] : game.items) adv::Tr(item.name), adv::Tr(item.lookText);
     for (auto& [id, dialogue] : game.dialogues)
         for (auto& [node, options] : dialogue.nodes)
             for (size_t i = 0; i < options.size(); ++i) {
@@ -152,19 +149,14 @@ TEST_F(StoryTest, InEnglishEveryTextOfTheStoryIsEnglish) {
     adv::Actor::SetTextSpeed(4);
 }
 
-// Frames until the fade from black is over and nothing is said.
-void Calm(StoryTest& t) {
-    t.game.runner.Clear();
-    for (auto& [id, actor] : t.game.actors) actor.StopTalking();
-    t.game.Narrate("", 0.0f);
-    for (int i = 0; i < 20; ++i) t.run.Frame(0.05f);
-}
-
-// The menu, a dialogue and the ending, each as its checked-in picture. Saves go to a
-// folder of their own, so the save page shows six empty slots.
+// The menu, a dialogue and the ending, each as its checked-in picture, once the fade from black
+// is over and nothing is said. Saves go to a folder of their own: the save page shows six empty slots.
 TEST_F(StoryTest, MenuDialogueAndEndingLookAsTheirPictures) {
     const adv::testing::DataFolder saves;
-    Calm(*this);
+    game.runner.Clear();
+    for (auto& [id, actor] : game.actors) actor.StopTalking();
+    game.Narrate("", 0.0f);
+    for (int i = 0; i < 20; ++i) run.Frame(0.05f);
     run.MoveMouse(0, 0);
     game.BeginDialogue("hella");
     LooksAs("dialogue");

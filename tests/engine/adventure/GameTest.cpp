@@ -170,26 +170,15 @@ struct Card : ScreenDefinition {
 };
 
 TEST(Intro, TheMenuOpensOverTheTitleAndTheClickThatEndsItIsNoOrder) {
-    AdventureGame game;
-    pge::Headless run(game, AdventureGame::kViewWidth, AdventureGame::kViewHeight);
-    game.SetContentBuilder([](AdventureGame& g) {
-        testing::BuildTestContent(g);
-        g.AddIntroScreen(std::make_unique<Card>());
-    });
-    ASSERT_TRUE(run.Create());
-    auto press = [&](pge::Key key) {
-        run.SetKey(key, true);
-        run.Frame(0.016f);
-        run.SetKey(key, false);
-        run.Frame(0.016f);
-    };
-    press(pge::F5);
+    testing::TestGame t([](AdventureGame& g) { g.AddIntroScreen(std::make_unique<Card>()); });
+    AdventureGame& game = t.game;
+    t.Press(pge::F5);
     EXPECT_EQ(std::tuple(game.menu.IsOpen(), game.state), std::tuple(true, AdventureGame::Intro));
     const pge::Pixel under = game.GetDrawTarget()->GetPixel(2, 2); // the title, shaded by the menu
     EXPECT_TRUE(under.b > 0 && under.b < 30) << int(under.b);
-    press(pge::ESCAPE); // closes the menu, not the title
+    t.Press(pge::ESCAPE); // closes the menu, not the title
     EXPECT_EQ(std::tuple(game.menu.IsOpen(), game.state), std::tuple(false, AdventureGame::Intro));
-    press(pge::SPACE); // ends the title, and is no pause
+    t.Press(pge::SPACE); // ends the title, and is no pause
     EXPECT_EQ(std::tuple(game.state, game.paused), std::tuple(AdventureGame::Playing, false));
 }
 
@@ -200,9 +189,7 @@ TEST_F(GameTest, TextSpeedKeysAndPause) {
     t.PressKeysym(XK_KP_Subtract);
     EXPECT_EQ(std::pair(Actor::TextSpeed(), game.toast), std::pair(3, std::string("Texttempo 3 / 8")));
     Actor::SetTextSpeed(4);
-    t.run.SetKey(pge::SPACE, true);
-    t.run.Frame(0.016f);
-    t.run.SetKey(pge::SPACE, false);
+    t.Press(pge::SPACE);
     EXPECT_TRUE(game.paused);
     t.Player().SetPath({{300, 150}});
     const float x = t.Player().position.x;

@@ -71,12 +71,15 @@ struct TestGame {
     AdventureGame game;
     pge::Headless run{game, AdventureGame::kViewWidth, AdventureGame::kViewHeight};
 
-    // In German, the language the tests are written in.
-    TestGame() {
+    // In German, the language the tests are written in. With an intro, the game stays at its first screen.
+    explicit TestGame(void (*intro)(AdventureGame&) = nullptr) {
         SetLanguage(Language::German);
-        game.SetContentBuilder(BuildTestContent);
+        game.SetContentBuilder([intro](AdventureGame& g) {
+            BuildTestContent(g);
+            if (intro) intro(g);
+        });
         run.Create();
-        game.BeginPlay();
+        if (!intro) game.BeginPlay();
     }
     Actor& Player() { return game.Player(); }
     // The mouse moved to (x, y) and a frame run.
@@ -97,6 +100,13 @@ struct TestGame {
         Hover(x, y);
         run.SetMouseButton(button, true);
         run.SetMouseButton(button, false);
+        run.Frame(0.016f);
+    }
+    // A key pressed in one frame and released in the next.
+    void Press(pge::Key key) {
+        run.SetKey(key, true);
+        run.Frame(0.016f);
+        run.SetKey(key, false);
         run.Frame(0.016f);
     }
     // A key as the window reports it, by its X keysym, through the window's key table.
