@@ -38,8 +38,7 @@ protected:
 } // namespace
 
 TEST_F(AssetSearch, BundleThenWorkingDirectoryThenBesideTheProgram) {
-    for (const char* dir : {"game/bin", "game/assets", "work/assets", "App/MacOS", "App/assets", "App/Resources/assets"})
-        Make(dir);
+    for (const char* dir : {"game/bin", "game/assets", "work/assets", "App/MacOS", "App/assets", "App/Resources/assets"}) Make(dir);
     const std::string game = base + "game/bin/torvane";
     EXPECT_EQ(RootFrom("elsewhere", game), base + "game/bin/../assets");
     EXPECT_EQ(RootFrom("work", game), "./assets");

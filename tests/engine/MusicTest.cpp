@@ -158,9 +158,7 @@ TEST_F(MusicTest, StopSilencesAtOnceOrFadesAndVolumeIsForTheCurrentTrackOnly) {
 }
 
 TEST_F(MusicTest, SoundClipsVoicesAndTheMasterVolume) {
-    EXPECT_EQ(Constant(0.1f, 100), 0);
-    EXPECT_EQ(adv::Sound::Add({}, kRate), 1);
-    EXPECT_EQ(Constant(0.2f, 1000), 2);
+    EXPECT_EQ((std::vector{Constant(0.1f, 100), adv::Sound::Add({}, kRate), Constant(0.2f, 1000)}), std::vector({0, 1, 2}));
     for (int id : {-1, 3, 1}) adv::Sound::Play(id, 1.0f); // unknown or empty
     EXPECT_EQ(adv::Sound::ActiveVoices(), 0u);
     adv::Sound::Play(0, 1.0f);

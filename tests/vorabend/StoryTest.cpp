@@ -87,6 +87,11 @@ TEST_F(StoryTest, InEnglishEveryTextOfTheStoryIsEnglish) {
     // The title card, then every script of every scene, with the beacon cold and laid.
     game.state = adv::AdventureGame::Intro;
     run.Frame(0.05f);
+    const auto playAll = [this](const auto& thing) { // a hotspot's or a figure's name and scripts
+        adv::Tr(thing.name);
+        for (const auto& [verb, script] : thing.scripts) PlayThrough(*this, script);
+        for (const auto& [item, script] : thing.useScripts) PlayThrough(*this, script);
+    };
     for (int laid : {0, 1}) {
         for (const char* id : kScenes) {
             game.SetFlag(std::string("__visited_") + id, 0);
@@ -95,19 +100,11 @@ TEST_F(StoryTest, InEnglishEveryTextOfTheStoryIsEnglish) {
             game.SetFlag("lappen_drin", laid);
             adv::Scene& scene = *game.scenes.Load(game, id);
             adv::Tr(game.scenes.Definition(id)->DisplayName());
-            for (const adv::Hotspot& h : scene.hotspots) {
-                adv::Tr(h.name);
-                for (const auto& [verb, script] : h.scripts) PlayThrough(*this, script);
-                for (const auto& [item, script] : h.useScripts) PlayThrough(*this, script);
-            }
+            for (const adv::Hotspot& h : scene.hotspots) playAll(h);
         }
     }
     run.Frame(0.05f); // the end, once the beacon burns
-    for (auto& [id, actor] : game.actors) {
-        adv::Tr(actor.name);
-        for (const auto& [verb, script] : actor.scripts) PlayThrough(*this, script);
-        for (const auto& [item, script] : actor.useScripts) PlayThrough(*this, script);
-    }
+    for (const auto& [id, actor] : game.actors) playAll(actor);
     for (const auto& [id, item] : game.items) adv::Tr(item.name), adv::Tr(item.lookText);
     for (auto& [id, dialogue] : game.dialogues)
         for (auto& [node, options] : dialogue.nodes)
