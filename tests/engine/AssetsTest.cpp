@@ -38,8 +38,7 @@ protected:
 } // namespace
 
 TEST_F(AssetSearch, BundleThenWorkingDirectoryThenBesideTheProgram) {
-    for (const char* dir : {"game/bin", "game/assets", "work/assets", "App/MacOS", "App/assets", "App/Resources/assets"})
-        Make(dir);
+    for (const char* dir : {"game/bin", "game/assets", "work/assets", "App/MacOS", "App/assets", "App/Resources/assets"}) Make(dir);
     const std::string game = base + "game/bin/torvane";
     EXPECT_EQ(RootFrom("elsewhere", game), base + "game/bin/../assets");
     EXPECT_EQ(RootFrom("work", game), "./assets");
@@ -62,8 +61,7 @@ TEST_F(AssetSearch, ImagesAreCachedUntilClearAndMissingOnesGetThePlaceholder) {
     ASSERT_TRUE(adv::screenshot::SavePng(picture, dir + "title.png"));
     testing::internal::CaptureStderr();
     pge::Renderable* first = adv::Assets::Sprite("torvane/title.png");
-    EXPECT_EQ(first->Sprite()->pColData, picture.pColData);
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    EXPECT_EQ(std::pair(first->Sprite()->pColData, testing::internal::GetCapturedStderr()), std::pair(picture.pColData, std::string()));
     picture.pColData.assign(6, pge::Pixel(90, 80, 70));
     ASSERT_TRUE(adv::screenshot::SavePng(picture, dir + "title.png"));
     EXPECT_EQ(adv::Assets::Sprite("torvane/title.png"), first); // cached until Clear

@@ -113,10 +113,8 @@ TEST(CanvasBlend, AlphaRulesSpritesAndColours) {
     canvas::VerticalGradient(&g, 0, 0, 1, 3, o, kInk);
     EXPECT_EQ(g.pColData, (std::vector<pge::Pixel>{o, pge::Pixel(128, 128, 128), kInk}));
     canvas::RadialGradient(&r, {2.5f, 2.5f}, 1.0f, 2.0f, kInk, pge::Pixel(0, 0, 1));
-    EXPECT_EQ(r.GetPixel(3, 2), kInk);            // d = 1
-    EXPECT_EQ(r.GetPixel(4, 2).b, 1);             // d = 2, still drawn
-    EXPECT_EQ(r.GetPixel(3, 3).r, 149);           // d = sqrt 2: 255 - 0.414 * 255 + 0.5
-    EXPECT_EQ(r.GetPixel(4, 4), o);               // beyond outer
+    // At d = 1; d = 2, still drawn; d = sqrt 2: 255 - 0.414 * 255 + 0.5; beyond the outer radius.
+    EXPECT_EQ(std::tuple(r.GetPixel(3, 2), r.GetPixel(4, 2).b, r.GetPixel(3, 3).r, r.GetPixel(4, 4)), std::tuple(kInk, 1, 149, o));
 }
 
 TEST(CanvasPolylines, DashesEndEvenWhenRoundingStallsThePhase) {
@@ -177,9 +175,7 @@ TEST(CanvasClip, ClippedDrawingIsTheWholeDrawingCutToTheRectangle) {
         {"filled round rect", [&](S s) { canvas::FillRoundRect(s, 6.0f, 4.0f, 50.0f, 30.0f, 8.0f, glass); }},
         {"gradient", [&](S s) { canvas::RadialGradient(s, {20.0f, 20.0f}, 4.0f, 30.0f, glass, pge::Pixel(0, 0, 0, 0)); }},
         {"sprite", [&](S s) { canvas::DrawSprite(s, &stamp, 26, 20, 0, 0, 9, 7, true, 0.6f); }},
-        {"pixels", [&](S s) {
-             for (int i = 0; i < 200; ++i) canvas::Blend(s, i % 70 - 3, i / 4, glass);
-         }},
+        {"pixels", [&](S s) { for (int i = 0; i < 200; ++i) canvas::Blend(s, i % 70 - 3, i / 4, glass); }},
     };
     const canvas::Rect rects[] = {{10, 8, 40, 30}, {-5, -5, 20, 70}, {30, 0, 64, 1}, {20, 20, 20, 30}, {60, 40, 90, 90}};
     for (const auto& [name, draw] : shapes) {
@@ -198,22 +194,19 @@ TEST(CanvasClip, ClippedDrawingIsTheWholeDrawingCutToTheRectangle) {
                 for (int x = 0; x < w; ++x) {
                     const bool inside = x >= r.x0 && x < r.x1 && y >= r.y0 && y < r.y1;
                     ASSERT_EQ(part.GetPixel(x, y), (inside ? whole : ground).GetPixel(x, y))
-                        << name << " at " << x << "," << y << " clipped to " << r.x0 << "," << r.y0 << "-" << r.x1
-                        << "," << r.y1;
+                        << name << " at " << x << "," << y << " clipped to " << r.x0 << "," << r.y0 << "-" << r.x1 << "," << r.y1;
                 }
         }
     }
     // Clips nest as the intersection, and the outer one is back when the inner ends.
+    const auto bounds = [&] { return std::vector<int>{canvas::Bounds(ground).x0, canvas::Bounds(ground).y0, canvas::Bounds(ground).x1, canvas::Bounds(ground).y1}; };
     {
         const canvas::ClipScope outer({0, 0, 20, 20});
         {
             const canvas::ClipScope inner({10, 10, 40, 40});
-            EXPECT_EQ(canvas::Bounds(ground).x0, 10);
-            EXPECT_EQ(canvas::Bounds(ground).x1, 20);
+            EXPECT_EQ(bounds(), std::vector<int>({10, 10, 20, 20}));
         }
-        EXPECT_EQ(canvas::Bounds(ground).x0, 0);
-        EXPECT_EQ(canvas::Bounds(ground).y1, 20);
+        EXPECT_EQ(bounds(), std::vector<int>({0, 0, 20, 20}));
     }
-    EXPECT_EQ(canvas::Bounds(ground).x1, w);
-    EXPECT_EQ(canvas::Bounds(ground).y1, h);
+    EXPECT_EQ(bounds(), std::vector<int>({0, 0, w, h}));
 }

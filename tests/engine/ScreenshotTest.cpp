@@ -77,8 +77,7 @@ TEST(ScreenshotSavePng, StoredBlocksRoundTheirLimitAndTheFileDecodes) {
         stbi_image_free(px);
     }
     std::remove(path.c_str());
-    EXPECT_FALSE(adv::screenshot::SavePng(pge::Sprite(), path));
-    EXPECT_FALSE(adv::screenshot::SavePng(pge::Sprite(0, 4), path));
+    EXPECT_FALSE(adv::screenshot::SavePng(pge::Sprite(), path) || adv::screenshot::SavePng(pge::Sprite(0, 4), path));
     EXPECT_EQ(access(path.c_str(), F_OK), -1);
     EXPECT_FALSE(adv::screenshot::SavePng(pge::Sprite(2, 2), scratch::Path("no_such_dir/x.png")));
 }

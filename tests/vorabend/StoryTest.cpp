@@ -10,7 +10,6 @@
 
 #include <gtest/gtest.h>
 
-
 namespace {
 
 struct StoryTest : ::testing::Test {
@@ -22,6 +21,11 @@ struct StoryTest : ::testing::Test {
         game.SetContentBuilder(vorabend::BuildStory);
         ASSERT_TRUE(run.Create());
         game.BeginPlay();
+    }
+    // The next frame matches the checked-in picture of that name.
+    void LooksAs(const std::string& picture) {
+        run.Frame(0.05f);
+        torvane::testing_support::ExpectMatchesReference(*game.GetDrawTarget(), "vorabend_" + picture);
     }
 };
 
@@ -58,9 +62,8 @@ TEST_F(StoryTest, EachSceneLooksAsItsPictureInBothLanguages) {
         for (const char* id : kScenes) {
             game.ChangeScene(id, "default");
             game.runner.Clear();
-            for (int i = 0; i < 20; ++i) run.Frame(0.05f); // the fade from black is over
-            torvane::testing_support::ExpectMatchesReference(*game.GetDrawTarget(),
-                                                             std::string("vorabend_") + id + "_" + name);
+            for (int i = 0; i < 19; ++i) run.Frame(0.05f); // the fade from black is over with the next
+            LooksAs(std::string(id) + "_" + name);
         }
     }
 }
@@ -84,6 +87,11 @@ TEST_F(StoryTest, InEnglishEveryTextOfTheStoryIsEnglish) {
     // The title card, then every script of every scene, with the beacon cold and laid.
     game.state = adv::AdventureGame::Intro;
     run.Frame(0.05f);
+    const auto playAll = [this](const auto& thing) { // a hotspot's or a figure's name and scripts
+        adv::Tr(thing.name);
+        for (const auto& [verb, script] : thing.scripts) PlayThrough(*this, script);
+        for (const auto& [item, script] : thing.useScripts) PlayThrough(*this, script);
+    };
     for (int laid : {0, 1}) {
         for (const char* id : kScenes) {
             game.SetFlag(std::string("__visited_") + id, 0);
@@ -92,23 +100,12 @@ TEST_F(StoryTest, InEnglishEveryTextOfTheStoryIsEnglish) {
             game.SetFlag("lappen_drin", laid);
             adv::Scene& scene = *game.scenes.Load(game, id);
             adv::Tr(game.scenes.Definition(id)->DisplayName());
-            for (const adv::Hotspot& h : scene.hotspots) {
-                adv::Tr(h.name);
-                for (const auto& [verb, script] : h.scripts) PlayThrough(*this, script);
-                for (const auto& [item, script] : h.useScripts) PlayThrough(*this, script);
-            }
+            for (const adv::Hotspot& h : scene.hotspots) playAll(h);
         }
     }
     run.Frame(0.05f); // the end, once the beacon burns
-    for (auto& [id, actor] : game.actors) {
-        adv::Tr(actor.name);
-        for (const auto& [verb, script] : actor.scripts) PlayThrough(*this, script);
-        for (const auto& [item, script] : actor.useScripts) PlayThrough(*this, script);
-    }
-    for (const auto& [id, item] : game.items) {
-        adv::Tr(item.name);
-        adv::Tr(item.lookText);
-    }
+    for (const auto& [id, actor] : game.actors) playAll(actor);
+    for (const auto& [id, item] : game.items) adv::Tr(item.name), adv::Tr(item.lookText);
     for (auto& [id, dialogue] : game.dialogues)
         for (auto& [node, options] : dialogue.nodes)
             for (size_t i = 0; i < options.size(); ++i) {
@@ -149,34 +146,25 @@ TEST_F(StoryTest, InEnglishEveryTextOfTheStoryIsEnglish) {
     adv::Actor::SetTextSpeed(4);
 }
 
-// Frames until the fade from black is over and nothing is said.
-void Calm(StoryTest& t) {
-    t.game.runner.Clear();
-    for (auto& [id, actor] : t.game.actors) actor.StopTalking();
-    t.game.Narrate("", 0.0f);
-    for (int i = 0; i < 20; ++i) t.run.Frame(0.05f);
-}
-
-// The menu, a dialogue and the ending, each as its checked-in picture. Saves go to a
-// folder of their own, so the save page shows six empty slots.
+// The menu, a dialogue and the ending, each as its checked-in picture, once the fade from black
+// is over and nothing is said. Saves go to a folder of their own: the save page shows six empty slots.
 TEST_F(StoryTest, MenuDialogueAndEndingLookAsTheirPictures) {
     const adv::testing::DataFolder saves;
-    Calm(*this);
+    game.runner.Clear();
+    for (auto& [id, actor] : game.actors) actor.StopTalking();
+    game.Narrate("", 0.0f);
+    for (int i = 0; i < 20; ++i) run.Frame(0.05f);
     run.MoveMouse(0, 0);
     game.BeginDialogue("hella");
-    run.Frame(0.05f);
-    torvane::testing_support::ExpectMatchesReference(*game.GetDrawTarget(), "vorabend_dialogue");
+    LooksAs("dialogue");
     game.EndDialogue();
     game.OpenMenu();
-    run.Frame(0.05f);
-    torvane::testing_support::ExpectMatchesReference(*game.GetDrawTarget(), "vorabend_menu");
+    LooksAs("menu");
     game.menu.Activate(adv::GameMenu::kSaveGame);
-    run.Frame(0.05f);
-    torvane::testing_support::ExpectMatchesReference(*game.GetDrawTarget(), "vorabend_savepage");
+    LooksAs("savepage");
     game.menu.Close();
     game.FinishGame("Das Leuchtfeuer lodert.");
-    run.Frame(0.05f);
-    torvane::testing_support::ExpectMatchesReference(*game.GetDrawTarget(), "vorabend_end");
+    LooksAs("end");
 }
 
 } // namespace

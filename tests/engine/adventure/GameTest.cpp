@@ -30,8 +30,7 @@ TEST_F(GameTest, ARightClickOnAHotspotUsesItsDefaultVerb) {
     EXPECT_EQ(Said(), "Da ist nichts Besonderes dran.");
     t.Settle();
     t.Click(90, 90, 0); // the left button walks there with nothing selected
-    EXPECT_EQ(t.Player().speech, "");
-    EXPECT_TRUE(t.Player().Walking());
+    EXPECT_EQ(std::pair(t.Player().speech, t.Player().Walking()), std::pair(std::string(), true));
 }
 
 // Without a script of its own, each verb says its fallback line; two items that do not go
@@ -57,46 +56,33 @@ TEST_F(GameTest, FallbackLinesOfVerbsAndItems) {
 }
 
 TEST_F(GameTest, HoverPrefersActorsThenTheTopmostHotspotAndNamesItInTheSentence) {
-    t.run.MoveMouse(65, 95); // the cat stands before the chest
-    t.run.Frame(0.016f);
-    EXPECT_EQ(game.hoveredActor, "cat");
-    EXPECT_EQ(game.sentence, "Gehe zu Katze");
+    t.Hover(65, 95); // the cat stands before the chest
+    EXPECT_EQ(std::pair(game.hoveredActor, game.sentence), std::pair(std::string("cat"), std::string("Gehe zu Katze")));
     game.actors["cat"].visible = false;
     t.run.Frame(0.016f);
     EXPECT_EQ(game.hoveredHotspot, "chest");
-    t.run.MoveMouse(64, 50);
-    t.run.Frame(0.016f);
+    t.Hover(64, 50);
     EXPECT_EQ(game.hoveredHotspot, "lamp");
     game.inventory.Add("bread");
     game.SelectVerb(Verb::Use);
     game.InteractWithItem("bread", Verb::Use);
     t.run.Frame(0.016f);
     EXPECT_EQ(game.sentence, "Benutze Brot mit Lampe");
-    // Over the inventory the item is named.
-    t.run.MoveMouse(250, 200);
-    t.run.Frame(0.016f);
+    t.Hover(250, 200); // over the inventory the item is named
     EXPECT_EQ(game.sentence, "Benutze Brot mit Brot");
 }
 
 TEST_F(GameTest, DuringAScriptClicksSkipSpeechAndTheSentenceStays) {
-    t.run.MoveMouse(90, 90);
-    t.run.Frame(0.016f);
+    t.Hover(90, 90);
     const std::string before = game.sentence;
     game.RunScript(Script().Say("player", "Ein sehr langer Satz, der dauert.").Say("player", "Und noch einer."));
     t.run.Frame(0.016f);
     EXPECT_EQ(t.Player().speech, "Ein sehr langer Satz, der dauert.");
     game.SelectVerb(Verb::Open);
-    t.run.MoveMouse(300, 140);
-    t.run.Frame(0.016f);
+    t.Hover(300, 140);
     EXPECT_EQ(game.sentence, before);
-    t.run.MoveMouse(90, 90);
-    t.run.SetMouseButton(0, true);
-    t.run.Frame(0.016f);
-    t.run.SetMouseButton(0, false);
-    t.run.Frame(0.016f);
-    // The click skipped to the next line and did not open the chest.
-    EXPECT_EQ(t.Player().speech, "Und noch einer.");
-    EXPECT_EQ(game.verb, Verb::Open);
+    t.Click(90, 90); // skips to the next line and does not open the chest
+    EXPECT_EQ(std::tuple(t.Player().speech, game.verb), std::tuple("Und noch einer.", Verb::Open));
 }
 
 TEST_F(GameTest, TheCameraFollowsWithinTheSceneAndANarrowSceneNeverScrolls) {
@@ -116,13 +102,11 @@ TEST_F(GameTest, TheCameraFollowsWithinTheSceneAndANarrowSceneNeverScrolls) {
 }
 
 TEST_F(GameTest, SceneChangesPlaceThePlayerAndRunTheFirstVisitOnce) {
-    EXPECT_EQ(game.Flag("__visited_room"), 1);
-    EXPECT_EQ(game.Flag("entered"), 1);
+    EXPECT_EQ(std::pair(game.Flag("__visited_room"), game.Flag("entered")), std::pair(1, 1));
     game.ChangeScene("nowhere", "default");
     EXPECT_EQ(game.current->id, "room");
     game.ChangeScene("hall", "no such entry");
-    EXPECT_FLOAT_EQ(t.Player().position.x, 20); // the default entry
-    EXPECT_EQ(t.Player().scene, "hall");
+    EXPECT_EQ(std::tuple(t.Player().position.x, t.Player().scene), std::tuple(20.0f, "hall")); // the default entry
     game.ChangeScene("room", "default");
     t.Settle();
     EXPECT_EQ(game.Flag("entered"), 2);
@@ -177,9 +161,7 @@ TEST_F(GameTest, SoundsPlayByNameAndAWalkingFigureAtEachFootfall) {
     t.Player().SetPath({{300, 150}});
     // A stride is pi / 11 seconds; the first foot lands half a stride after setting off.
     for (int i = 0; i < 18; ++i) t.run.Frame(0.05f);
-    EXPECT_EQ(Sound::ActiveVoices(), 1u + 3u);
-    EXPECT_EQ(Actor::Footfalls(0.0f, 0.9f), 3);
-    EXPECT_EQ(Actor::Footfalls(0.2f, 0.2f), 0);
+    EXPECT_EQ(std::tuple(Sound::ActiveVoices(), Actor::Footfalls(0.0f, 0.9f), Actor::Footfalls(0.2f, 0.2f)), std::tuple(1u + 3u, 3, 0));
 }
 
 // A title card that paints the screen one colour.
@@ -188,31 +170,16 @@ struct Card : ScreenDefinition {
 };
 
 TEST(Intro, TheMenuOpensOverTheTitleAndTheClickThatEndsItIsNoOrder) {
-    AdventureGame game;
-    pge::Headless run(game, AdventureGame::kViewWidth, AdventureGame::kViewHeight);
-    game.SetContentBuilder([](AdventureGame& g) {
-        testing::BuildTestContent(g);
-        g.AddIntroScreen(std::make_unique<Card>());
-    });
-    ASSERT_TRUE(run.Create());
-    auto press = [&](pge::Key key) {
-        run.SetKey(key, true);
-        run.Frame(0.016f);
-        run.SetKey(key, false);
-        run.Frame(0.016f);
-    };
-    press(pge::F5);
-    EXPECT_TRUE(game.menu.IsOpen());
-    EXPECT_EQ(game.state, AdventureGame::Intro);
+    testing::TestGame t([](AdventureGame& g) { g.AddIntroScreen(std::make_unique<Card>()); });
+    AdventureGame& game = t.game;
+    t.Press(pge::F5);
+    EXPECT_EQ(std::tuple(game.menu.IsOpen(), game.state), std::tuple(true, AdventureGame::Intro));
     const pge::Pixel under = game.GetDrawTarget()->GetPixel(2, 2); // the title, shaded by the menu
-    EXPECT_GT(under.b, 0);
-    EXPECT_LT(under.b, 30);
-    press(pge::ESCAPE); // closes the menu, not the title
-    EXPECT_FALSE(game.menu.IsOpen());
-    EXPECT_EQ(game.state, AdventureGame::Intro);
-    press(pge::SPACE); // ends the title, and is no pause
-    EXPECT_EQ(game.state, AdventureGame::Playing);
-    EXPECT_FALSE(game.paused);
+    EXPECT_TRUE(under.b > 0 && under.b < 30) << int(under.b);
+    t.Press(pge::ESCAPE); // closes the menu, not the title
+    EXPECT_EQ(std::tuple(game.menu.IsOpen(), game.state), std::tuple(false, AdventureGame::Intro));
+    t.Press(pge::SPACE); // ends the title, and is no pause
+    EXPECT_EQ(std::tuple(game.state, game.paused), std::tuple(AdventureGame::Playing, false));
 }
 
 TEST_F(GameTest, TextSpeedKeysAndPause) {
@@ -222,9 +189,7 @@ TEST_F(GameTest, TextSpeedKeysAndPause) {
     t.PressKeysym(XK_KP_Subtract);
     EXPECT_EQ(std::pair(Actor::TextSpeed(), game.toast), std::pair(3, std::string("Texttempo 3 / 8")));
     Actor::SetTextSpeed(4);
-    t.run.SetKey(pge::SPACE, true);
-    t.run.Frame(0.016f);
-    t.run.SetKey(pge::SPACE, false);
+    t.Press(pge::SPACE);
     EXPECT_TRUE(game.paused);
     t.Player().SetPath({{300, 150}});
     const float x = t.Player().position.x;

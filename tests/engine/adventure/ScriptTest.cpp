@@ -25,14 +25,10 @@ struct ScriptRunnerTest : ::testing::Test {
 
 TEST_F(ScriptRunnerTest, InstantActionsRunInOneFrameUpTo256StepsAndAWaitAfterThemGetsNoTime) {
     runner.Start(Marks(10));
-    EXPECT_FALSE(Step());
-    EXPECT_EQ(trace.size(), 10u);
-    trace.clear();
-    runner.Start(Marks(300));
-    EXPECT_TRUE(Step());
-    EXPECT_EQ(trace.size(), size_t(ScriptRunner::kMaxSteps));
-    EXPECT_FALSE(Step());
-    EXPECT_EQ(trace.size(), 300u);
+    EXPECT_EQ((std::pair{Step(), trace.size()}), std::pair(false, size_t(10)));
+    runner.Start(Marks(290));
+    EXPECT_EQ((std::pair{Step(), trace.size()}), std::pair(true, size_t(10 + ScriptRunner::kMaxSteps)));
+    EXPECT_EQ((std::pair{Step(), trace.size()}), std::pair(false, size_t(300)));
     trace.clear();
     runner.Start(Marks(1).Wait(1.0f).Append(Marks(1, "!")));
     Step(0.6f); // the mark takes this frame's time; the wait gets 0
@@ -65,9 +61,7 @@ TEST_F(ScriptRunnerTest, SkipsOnlyCutAStartedLineOfSpeechAndNobodysSpeechTakesNo
     Step();
     EXPECT_TRUE(t.Player().Talking());
     runner.Skip(game);
-    EXPECT_FALSE(t.Player().Talking());
-    Step();
-    EXPECT_FALSE(Step());
+    EXPECT_EQ((std::pair{t.Player().Talking(), Step()}), std::pair(false, false)); // the next frame ends the script
     runner.Start(Script().Say("nobody", "...").Append(Marks(1)));
     Step();
     EXPECT_EQ(trace, ".");
@@ -79,10 +73,8 @@ TEST_F(ScriptRunnerTest, ASceneChangeInAScriptRunsTheNewEntryScriptFromItsStart)
     const int before = game.Flag("entered");
     runner.Start(Script().GoToScene("room", "default").Append(Marks(1)));
     Step();
-    EXPECT_EQ(game.current->id, "room");
     // The room's entry script replaced the rest of the old one, and its first action ran.
-    EXPECT_EQ(game.Flag("entered"), before + 1);
-    EXPECT_EQ(trace, "");
+    EXPECT_EQ(std::tuple(game.current->id, game.Flag("entered"), trace), std::tuple("room", before + 1, ""));
 }
 
 TEST_F(ScriptRunnerTest, AScriptedWalkToNowhereTeleportsInsteadOfHanging) {
@@ -92,20 +84,18 @@ TEST_F(ScriptRunnerTest, AScriptedWalkToNowhereTeleportsInsteadOfHanging) {
     runner.Start(Script().WalkTo("player", {350, 150}));
     Step();
     EXPECT_FALSE(Step());
-    EXPECT_FLOAT_EQ(t.Player().position.x, 350);
-    EXPECT_EQ(t.Player().facing, Facing::Left);
+    EXPECT_EQ(std::pair(t.Player().position.x, t.Player().facing), std::pair(350.0f, Facing::Left));
 }
 
 TEST(Actor, SpeechLastsByLengthAndTextSpeed) {
-    Actor::SetTextSpeed(4);
-    EXPECT_FLOAT_EQ(Actor::SpeechDuration(""), 1.2f);
-    EXPECT_FLOAT_EQ(Actor::SpeechDuration(std::string(100, 'a')), 0.9f + 5.5f);
-    Actor::SetTextSpeed(0);
-    EXPECT_FLOAT_EQ(Actor::SpeechDuration(""), 1.2f * 2.2f);
-    Actor::SetTextSpeed(99);
-    EXPECT_EQ(Actor::TextSpeed(), 8);
-    Actor::SetTextSpeed(-3);
-    EXPECT_EQ(Actor::TextSpeed(), 0);
+    // Speeds beyond 0 to 8 are limited.
+    const struct { int speed, kept; size_t length; float seconds; } cases[] = {
+        {4, 4, 0, 1.2f}, {4, 4, 100, 0.9f + 5.5f}, {0, 0, 0, 1.2f * 2.2f}, {-3, 0, 0, 1.2f * 2.2f}, {99, 8, 0, 0}};
+    for (const auto& c : cases) {
+        Actor::SetTextSpeed(c.speed);
+        EXPECT_EQ(Actor::TextSpeed(), c.kept);
+        if (c.seconds > 0) { EXPECT_FLOAT_EQ(Actor::SpeechDuration(std::string(c.length, 'a')), c.seconds) << c.speed; }
+    }
     Actor::SetTextSpeed(4);
 }
 

@@ -55,17 +55,11 @@ inline void BuildTestContent(AdventureGame& g) {
         item.name = std::string(id) == "bread" ? "Brot" : id;
         g.AddItem(item);
     }
+    // An option said once, one shown only with a flag, and one that ends the talk unless a flag keeps it.
     Dialogue d;
     d.id = "talk";
-    DialogueOption once, flagged, bye;
-    once.text = "Einmal";
-    once.once = true;
-    flagged.text = "Nur mit Flagge";
-    flagged.requiresFlag = "asked";
-    bye.text = "Tschuess";
-    bye.next = "$exit";
-    bye.forbidsFlag = "stay";
-    d.nodes["start"] = {once, flagged, bye};
+    d.nodes["start"] = {{"Einmal", {}, "", true, false, "", ""}, {"Nur mit Flagge", {}, "", false, false, "asked", ""},
+                        {"Tschuess", {}, "$exit", false, false, "", "stay"}};
     g.AddDialogue(d);
     g.RegisterScene("room", std::make_unique<Room>());
     g.RegisterScene("hall", std::make_unique<Hall>());
@@ -77,18 +71,25 @@ struct TestGame {
     AdventureGame game;
     pge::Headless run{game, AdventureGame::kViewWidth, AdventureGame::kViewHeight};
 
-    // In German, the language the tests are written in.
-    TestGame() {
+    // In German, the language the tests are written in. With an intro, the game stays at its first screen.
+    explicit TestGame(void (*intro)(AdventureGame&) = nullptr) {
         SetLanguage(Language::German);
-        game.SetContentBuilder(BuildTestContent);
+        game.SetContentBuilder([intro](AdventureGame& g) {
+            BuildTestContent(g);
+            if (intro) intro(g);
+        });
         run.Create();
-        game.BeginPlay();
+        if (!intro) game.BeginPlay();
     }
     Actor& Player() { return game.Player(); }
-    // A click with the left (0) or right (1) button, pressed in one frame, released in the next.
-    void Click(int x, int y, int button = 0) {
+    // The mouse moved to (x, y) and a frame run.
+    void Hover(int x, int y) {
         run.MoveMouse(x, y);
         run.Frame(0.016f);
+    }
+    // A click with the left (0) or right (1) button, pressed in one frame, released in the next.
+    void Click(int x, int y, int button = 0) {
+        Hover(x, y);
         run.SetMouseButton(button, true);
         run.Frame(0.016f);
         run.SetMouseButton(button, false);
@@ -96,10 +97,16 @@ struct TestGame {
     }
     // A click that goes down and up between two frames, as a quick finger does.
     void QuickClick(int x, int y, int button = 0) {
-        run.MoveMouse(x, y);
-        run.Frame(0.016f);
+        Hover(x, y);
         run.SetMouseButton(button, true);
         run.SetMouseButton(button, false);
+        run.Frame(0.016f);
+    }
+    // A key pressed in one frame and released in the next.
+    void Press(pge::Key key) {
+        run.SetKey(key, true);
+        run.Frame(0.016f);
+        run.SetKey(key, false);
         run.Frame(0.016f);
     }
     // A key as the window reports it, by its X keysym, through the window's key table.
