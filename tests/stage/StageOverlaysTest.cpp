@@ -198,11 +198,12 @@ TEST_F(EffectsTest, EventsLeaveEffectsThatGoWhenTheirTimeIsUp) {
         EXPECT_EQ(std::pair(unsigned(view.particles.size() + view.flashes.size()), unsigned(view.floaters.size())), left)
             << clock;
     }
+    // A new game's view starts with no debris and no runner, least of all one in mid-jump.
     view.runnerTower = 0;
+    view.jumping = true;
     view.particles.push_back({});
     view.Reset();
-    EXPECT_TRUE(view.particles.empty());
-    EXPECT_EQ(view.runnerTower, -1);
+    EXPECT_EQ(std::tuple(view.particles.empty(), view.runnerTower, view.jumping), std::tuple(true, -1, false));
 }
 
 } // namespace
