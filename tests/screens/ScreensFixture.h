@@ -55,11 +55,11 @@ protected:
     }
     bool Frame(float dt = 0.033f) { return run->Frame(dt); }
     // Down for one frame, up for the next.
-    bool Tap(pge::Key key) {
+    bool Tap(pge::Key key, float dt = 0.033f) {
         run->SetKey(key, true);
-        const bool alive = Frame();
+        const bool alive = Frame(dt);
         run->SetKey(key, false);
-        return Frame() && alive;
+        return Frame(dt) && alive;
     }
     // A left click at (x, y), with the button up again in the next frame.
     void Click(int x, int y) {
