@@ -253,7 +253,8 @@ TEST_F(InputTest, APadsStickAHeldButtonAndAPadPulledOut) {
     EXPECT_EQ(held, app.game.WrapX(startX + MovesAfter(10) + 1));
     pad.Unplug();
     frames(20);
-    EXPECT_EQ(std::tuple(app.game.cursorX, app.Pads().Count(), app.GetKey(pge::RIGHT).bHeld), std::tuple(held, 0u, false));
+    EXPECT_EQ(std::tuple(app.game.cursorX, app.Pads().Count(), app.GetKey(pge::RIGHT).bHeld),
+              std::tuple(held, 0u, false));
     ASSERT_TRUE(pad.Plug());
     frames(1);
     EXPECT_EQ(app.Pads().Count(), 1u);

@@ -375,8 +375,9 @@ TEST(TorvaneAppFrame, LogoIsCentredScaledAndFadesInAndAnUndecodableOneStaysBlack
     for (int i = 0; i < 9; ++i) run.Frame(0.05f); // 0.45 s: half way in
     const pge::Sprite& target = *app.GetDrawTarget();
     const pge::Pixel half = target.GetPixel(left + 3 * 10 + 1, top + 3 * 5 + 2);
-    for (const auto& [shown, full] : {std::pair{half.r, image(10, 5).r}, {half.g, image(10, 5).g}, {half.b, image(10, 5).b}})
-        EXPECT_NEAR(shown, full / 2.0, 1.5);
+    const pge::Pixel full = image(10, 5);
+    for (const auto& [shown, whole] : {std::pair{half.r, full.r}, {half.g, full.g}, {half.b, full.b}})
+        EXPECT_NEAR(shown, whole / 2.0, 1.5);
 
     for (int i = 0; i < 11; ++i) run.Frame(0.05f); // 1.0 s: fully there
     EXPECT_EQ(target.GetPixel(left, top), image(0, 0));

@@ -195,7 +195,8 @@ TEST_F(EffectsTest, EventsLeaveEffectsThatGoWhenTheirTimeIsUp) {
                                       std::pair{8.39f, std::pair{0u, 1u}}, std::pair{8.41f, std::pair{0u, 0u}}}) {
         g.clock = clock;
         view.DrawEffects(engine, g, view.layout);
-        EXPECT_EQ(std::pair(unsigned(view.particles.size() + view.flashes.size()), unsigned(view.floaters.size())), left)
+        EXPECT_EQ(std::pair(unsigned(view.particles.size() + view.flashes.size()), unsigned(view.floaters.size())),
+                  left)
             << clock;
     }
     // A new game's view starts with no debris and no runner, least of all one in mid-jump.

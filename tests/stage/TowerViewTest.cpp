@@ -175,7 +175,8 @@ TEST_F(BackgroundTest, DamagedCycleFilesAndFoldersForFilesFallBack) {
         const Game g = Started(false, 5, 1);
         DrawAt(g, 0.0f);
         // Only the last one fits.
-        EXPECT_EQ(std::tuple(view.indexed != nullptr, view.frame.valid, view.layout.integrated), std::tuple(true, i == 3, i == 3));
+        EXPECT_EQ(std::tuple(view.indexed != nullptr, view.frame.valid, view.layout.integrated),
+                  std::tuple(true, i == 3, i == 3));
     }
     // A folder where the cycle file should be: one message, and the image stands still.
     std::string root = MakeAssetRoot("cycle_folder");
@@ -206,8 +207,7 @@ TEST_F(ThemeTest, LandscapeByLevelAndImageKeyByMode) {
     pack.levels.resize(2);
     pack.levels[1].background = 5;
     SetActivePack(&pack);
-    EXPECT_EQ(BackgroundIndex(2), 4);
-    EXPECT_EQ(BackgroundIndex(3), 2); // beyond the pack: the turn again
+    EXPECT_EQ(std::pair(BackgroundIndex(2), BackgroundIndex(3)), std::pair(4, 2)); // beyond the pack: the turn again
     // The image key prefers the painted tower, on rings only.
     const std::string root = MakeAssetRoot("theme_keys");
     const Theme& theme = ThemeFor(1);
@@ -240,8 +240,7 @@ TEST_F(ThemeTest, ColourCycleFile) {
     // Objects without numbers give zero ranges stepping forward; fps 0 never steps.
     const std::vector<adv::PaletteCycle>& b = ColorCyclesFor("b.png");
     ASSERT_EQ(b.size(), 3u);
-    EXPECT_EQ(b[0].Frame(100.0f), 0);
-    EXPECT_EQ(b[2].direction, 1);
+    EXPECT_EQ(std::pair(b[0].Frame(100.0f), b[2].direction), std::pair(0, 1));
     EXPECT_TRUE(ColorCyclesFor("d.png").empty());
     // Numbers beyond an int are held to it, and NaN is the default.
     const std::vector<adv::PaletteCycle>& c = ColorCyclesFor("c.png");
