@@ -116,19 +116,17 @@ TEST_F(PadHintsTest, APadPressShowsItsButtonsAndAKeyOrAClickTheKeys) {
         app.game.phase = Phase::Title;
         c.open();
         for (bool down : {true, false}) {
-            if (c.press == pge::PAD_BUTTONS) {
+            if (c.press == pge::PAD_BUTTONS)
                 pad.Stick(down ? 0.9f : 0.0f, 0.0f);
-            } else {
+            else
                 pad.Set(c.press, down);
-            }
             ASSERT_TRUE(Frame());
         }
         EXPECT_EQ(shown(c), c.shown) << c.screen;
-        if (c.byClick) {
+        if (c.byClick)
             Click(639, 399);
-        } else {
+        else
             ASSERT_TRUE(Tap(pge::SHIFT));
-        }
         EXPECT_EQ(shown(c), c.inText ? c.keys : "[" + std::string(c.keys) + "]") << c.screen;
     }
 }
