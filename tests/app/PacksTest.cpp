@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <tuple>
 
 namespace torvane {
 namespace {
@@ -25,13 +26,10 @@ TEST_F(PacksTest, AChosenPackThatIsGoneIsForgottenPCyclesThroughThePacksAndTheir
     std::ofstream(dataFolder + "/settings.txt") << "level_pack=Weg.tpack\n";
     Start({});
     SetLanguage(Language::German);
-    EXPECT_EQ(app.packs.size(), 2u);
-    EXPECT_EQ(GetSettings().level_pack, "");
-    EXPECT_EQ(ActivePack(), nullptr);
+    EXPECT_EQ(std::tuple(app.packs.size(), GetSettings().level_pack, ActiveName()), std::tuple(2u, "", "-"));
     ASSERT_TRUE(Tap(pge::P));
-    EXPECT_EQ(GetSettings().level_pack, "Alpha.tpack");
-    EXPECT_EQ(ActiveName(), "Alpha");
-    EXPECT_EQ(app.game.phase, Phase::Title);
+    EXPECT_EQ(std::tuple(GetSettings().level_pack, ActiveName(), app.game.phase),
+              std::tuple("Alpha.tpack", "Alpha", Phase::Title));
     std::string settings;
     ASSERT_TRUE(pge::files::ReadAll(dataFolder + "/settings.txt", settings, pge::files::kMaxDataBytes));
     EXPECT_NE(settings.find("level_pack=Alpha.tpack\n"), std::string::npos); // kept at once
@@ -40,8 +38,7 @@ TEST_F(PacksTest, AChosenPackThatIsGoneIsForgottenPCyclesThroughThePacksAndTheir
     // A pack that goes away is skipped over, and the cycle ends on the standard levels.
     fs::remove(packs + "/Alpha.tpack");
     ASSERT_TRUE(Tap(pge::P));
-    EXPECT_EQ(GetSettings().level_pack, "");
-    EXPECT_EQ(ActiveName(), "-");
+    EXPECT_EQ(std::tuple(GetSettings().level_pack, ActiveName()), std::tuple("", "-"));
     ASSERT_TRUE(Tap(pge::P));
     EXPECT_EQ(ActiveName(), "Beta");
     // A pack's games are never scored, and the row lit by an earlier entry is lit no more.
@@ -49,8 +46,7 @@ TEST_F(PacksTest, AChosenPackThatIsGoneIsForgottenPCyclesThroughThePacksAndTheir
     app.game.score = 999999;
     app.game.phase = Phase::Over;
     ASSERT_TRUE(Frame());
-    EXPECT_FALSE(app.nameEntry);
-    EXPECT_EQ(app.highlightRow, -1);
+    EXPECT_EQ(std::tuple(app.nameEntry, app.highlightRow), std::tuple(false, -1));
 }
 
 TEST_F(PacksTest, ATestRunPlaysTheWorkingPackAndEscReturnsToTheEditor) {
@@ -59,28 +55,20 @@ TEST_F(PacksTest, ATestRunPlaysTheWorkingPackAndEscReturnsToTheEditor) {
     for (int i = 0; i < 8; ++i) ASSERT_TRUE(Frame());
     ASSERT_FALSE(app.editorOpen);
     ASSERT_TRUE(app.testing);
-    EXPECT_EQ(app.game.phase, Phase::Build);
-    EXPECT_EQ(app.game.level, 2);
-    EXPECT_EQ(ActiveName(), "Alpha");
+    EXPECT_EQ(std::tuple(app.game.phase, app.game.level, ActiveName()), std::tuple(Phase::Build, 2, "Alpha"));
     // The hint comes 1.9 seconds into the test.
     while (app.clock < app.testHintAt - 0.05f) ASSERT_TRUE(Frame());
     EXPECT_NE(app.message, Tr("Test: Esc führt zurück in den Editor"));
     for (int i = 0; i < 4; ++i) ASSERT_TRUE(Frame());
     EXPECT_EQ(app.message, Tr("Test: Esc führt zurück in den Editor"));
     ASSERT_TRUE(Tap(pge::ESCAPE));
-    EXPECT_TRUE(app.editorOpen);
-    EXPECT_FALSE(app.testing);
-    EXPECT_FALSE(app.paused);
-    EXPECT_EQ(app.game.phase, Phase::Title);
-    EXPECT_EQ(app.editor.page, 3);
-    EXPECT_EQ(app.editor.level, 1);
-    EXPECT_EQ(ActivePack(), nullptr); // the chosen pack again: none
-    // Esc twice more leaves the editor, back on the title.
-    ASSERT_TRUE(Tap(pge::ESCAPE));
-    ASSERT_TRUE(Tap(pge::ESCAPE));
-    ASSERT_TRUE(Tap(pge::ESCAPE));
-    EXPECT_FALSE(app.editorOpen);
-    EXPECT_EQ(app.game.phase, Phase::Title);
+    // Back on the editor's level page, the chosen pack (none) active again.
+    EXPECT_EQ(std::tuple(app.editorOpen, app.testing, app.paused, app.game.phase, app.editor.page, app.editor.level,
+                         ActiveName()),
+              std::tuple(true, false, false, Phase::Title, 3, 1, "-"));
+    // Esc three times more leaves the editor, back on the title.
+    for (int i = 0; i < 3; ++i) ASSERT_TRUE(Tap(pge::ESCAPE));
+    EXPECT_EQ(std::tuple(app.editorOpen, app.game.phase), std::tuple(false, Phase::Title));
 }
 
 TEST_F(PacksTest, TheEditorsTextFieldsTakeLettersDigitsAndBlanksFromTheKeys) {
@@ -102,8 +90,7 @@ TEST_F(PacksTest, TheEditorsTextFieldsTakeLettersDigitsAndBlanksFromTheKeys) {
     // Off the name row the same keys are the editor's own: Space is Enter, which creates the pack.
     ASSERT_TRUE(Tap(pge::DOWN));
     ASSERT_TRUE(Tap(pge::SPACE));
-    EXPECT_EQ(app.editor.page, 2);
-    EXPECT_EQ(app.editor.pack.file, "Burg_t2.tpack");
+    EXPECT_EQ(std::tuple(app.editor.page, app.editor.pack.file), std::tuple(2, "Burg_t2.tpack"));
     EXPECT_TRUE(fs::exists(packs + "/Burg_t2.tpack"));
 }
 
@@ -117,8 +104,7 @@ TEST_F(PacksTest, AFailedSaveIsShownAndTheWorkGoesOn) {
     fs::create_directory(packs + "/Alpha.tpack");
     app.editorScript = "esc";
     ASSERT_TRUE(Frame());
-    EXPECT_EQ(app.editor.message, Tr("Speichern fehlgeschlagen"));
-    EXPECT_EQ(app.editor.page, 0);
+    EXPECT_EQ(std::tuple(app.editor.message, app.editor.page), std::tuple(Tr("Speichern fehlgeschlagen"), 0));
     EXPECT_TRUE(fs::is_directory(packs + "/Alpha.tpack"));
 }
 

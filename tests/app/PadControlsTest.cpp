@@ -7,6 +7,7 @@
 
 #include <functional>
 #include <string>
+#include <tuple>
 
 namespace {
 
@@ -51,16 +52,11 @@ TEST(PadControls, TheNameFieldsRingOfLetters) {
     using torvane::pad::StepLetter;
     // Up from nothing, or from a letter outside the ring, is A; down from A is the blank,
     // the ring's last, and below it the digits.
-    EXPECT_EQ(StepLetter("", 1), "A");
-    EXPECT_EQ(StepLetter("\xC3\xA9", 1), "A"); // é
-    EXPECT_EQ(StepLetter("A", -1), " ");
-    EXPECT_EQ(StepLetter(" ", -1), "9");
-    EXPECT_EQ(StepLetter(" ", 1), "A");
-    // The umlauts in the keyboard's UTF-8, after their alphabets.
-    EXPECT_EQ(StepLetter("Z", 1), "\xC3\x84");
-    EXPECT_EQ(StepLetter("z", 4), "\xC3\x9F");
-    EXPECT_EQ(StepLetter("\xC3\x9F", 1), "0");
-    EXPECT_EQ(StepLetter("A", 70), "A");
+    // The umlauts in the keyboard's UTF-8 come after their alphabets (\xC3\xA9 is é).
+    for (const auto& [from, by, to] : std::initializer_list<std::tuple<const char*, int, const char*>>{
+             {"", 1, "A"}, {"\xC3\xA9", 1, "A"}, {"A", -1, " "}, {" ", -1, "9"}, {" ", 1, "A"},
+             {"Z", 1, "\xC3\x84"}, {"z", 4, "\xC3\x9F"}, {"\xC3\x9F", 1, "0"}, {"A", 70, "A"}})
+        EXPECT_EQ(StepLetter(from, by), to) << from << " by " << by;
 }
 
 } // namespace
@@ -120,19 +116,17 @@ TEST_F(PadHintsTest, APadPressShowsItsButtonsAndAKeyOrAClickTheKeys) {
         app.game.phase = Phase::Title;
         c.open();
         for (bool down : {true, false}) {
-            if (c.press == pge::PAD_BUTTONS) {
+            if (c.press == pge::PAD_BUTTONS)
                 pad.Stick(down ? 0.9f : 0.0f, 0.0f);
-            } else {
+            else
                 pad.Set(c.press, down);
-            }
             ASSERT_TRUE(Frame());
         }
         EXPECT_EQ(shown(c), c.shown) << c.screen;
-        if (c.byClick) {
+        if (c.byClick)
             Click(639, 399);
-        } else {
+        else
             ASSERT_TRUE(Tap(pge::SHIFT));
-        }
         EXPECT_EQ(shown(c), c.inText ? c.keys : "[" + std::string(c.keys) + "]") << c.screen;
     }
 }

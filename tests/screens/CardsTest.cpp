@@ -26,9 +26,7 @@ TEST_F(CardTest, ACardTallerThanTheStageIsCut) {
     std::vector<int> starts;
     app.Clear(kBg);
     app.DrawCard([&](TorvaneApp::Card& c) { starts.push_back(c.y), c.y += 400; }, 200, 0);
-    ASSERT_EQ(starts.size(), 2u);
-    EXPECT_EQ(starts[1], 36);
-    EXPECT_EQ(PanelTop(Screen()), 22);
+    EXPECT_EQ(std::tuple(starts, PanelTop(Screen())), std::tuple(std::vector<int>{starts.at(0), 36}, 22));
     EXPECT_EQ(Screen().GetPixel(320, 22 + 359), kPanel);
     EXPECT_NE(Screen().GetPixel(320, 22 + 360), kPanel);
 }
@@ -201,9 +199,7 @@ TEST_F(CardTest, HelpBarKeepsEveryHintAndTheLevelsNameInBothLanguages) {
                     game.level = level;
                     const TorvaneApp::HelpLine line = app.LayOutHelp();
                     EXPECT_EQ(line.pairs.size(), pairs) << c.name << (undo ? " with the undo" : "") << ", " << line.name;
-                    if (!takingBack) {
-                        EXPECT_TRUE(line.nameFits) << c.name << ", " << line.name;
-                    }
+                    EXPECT_TRUE(takingBack || line.nameFits) << c.name << ", " << line.name;
                 }
             }
         }

@@ -32,12 +32,6 @@ protected:
     void Frames(int n) {
         for (int i = 0; i < n; ++i) ASSERT_TRUE(Frame(kDt));
     }
-    void TapKey(pge::Key key) {
-        run->SetKey(key, true);
-        Frames(1);
-        run->SetKey(key, false);
-        Frames(1);
-    }
     // Rows [y0, y1) of the screen.
     pge::Sprite Band(int y0, int y1) {
         pge::Sprite band(640, y1 - y0);
@@ -78,12 +72,12 @@ TEST_F(EditorCardTest, TitleFootWithAPackAndTheHelpBarWithItsLevelName) {
     AddPack("Vellmark", 3);
     Start({});
     Frames(2);
-    TapKey(pge::P);
+    ASSERT_TRUE(Tap(pge::P, kDt));
     EXPECT_EQ(GetSettings().level_pack, "Vellmark.tpack");
     Frames(1);
     ExpectMatchesReference(Band(300, 400), "title_foot_pack");
     Frames(40); // past the lock on keys after the phase change
-    TapKey(pge::SPACE);
+    ASSERT_TRUE(Tap(pge::SPACE, kDt));
     ASSERT_EQ(app.game.phase, Phase::Build);
     ASSERT_NE(ActivePack(), nullptr);
     Frames(1);

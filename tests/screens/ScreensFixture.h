@@ -12,7 +12,6 @@
 #include <gtest/gtest.h>
 #include <stb_image_write.h>
 
-#include <cctype>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -56,33 +55,11 @@ protected:
     }
     bool Frame(float dt = 0.033f) { return run->Frame(dt); }
     // Down for one frame, up for the next.
-    bool Tap(pge::Key key) {
+    bool Tap(pge::Key key, float dt = 0.033f) {
         run->SetKey(key, true);
-        const bool alive = Frame();
+        const bool alive = Frame(dt);
         run->SetKey(key, false);
-        return Frame() && alive;
-    }
-    // Types UTF-8 text as a keyboard does: each character a raw press, and a letter's or
-    // a digit's key down with it for a frame (with SHIFT for a capital), up in the next.
-    void TypeText(const std::string& text) {
-        for (size_t at = 0; at < text.size();) {
-            const uint8_t lead = uint8_t(text[at]);
-            const int more = lead >= 0xF0 ? 3 : lead >= 0xE0 ? 2 : lead >= 0xC0 ? 1 : 0;
-            uint32_t code = more == 0 ? lead : lead & (0x3F >> more);
-            for (int i = 1; i <= more; ++i) code = code << 6 | (uint8_t(text[at + size_t(i)]) & 0x3F);
-            at += size_t(more) + 1;
-            pge::Key key = pge::NONE;
-            if (std::isalpha(int(code)) && code < 128) key = pge::Key(pge::A + (std::tolower(int(code)) - 'a'));
-            if (std::isdigit(int(code)) && code < 128) key = pge::Key(pge::K0 + (int(code) - '0'));
-            const bool shift = code < 128 && std::isupper(int(code));
-            run->Type(code);
-            run->SetKey(pge::SHIFT, shift);
-            run->SetKey(key, true);
-            Frame();
-            run->SetKey(key, false);
-            run->SetKey(pge::SHIFT, false);
-            Frame();
-        }
+        return Frame(dt) && alive;
     }
     // A left click at (x, y), with the button up again in the next frame.
     void Click(int x, int y) {

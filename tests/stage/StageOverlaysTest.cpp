@@ -29,30 +29,24 @@ TEST_F(RunnerTest, JumpsFromTowerZeroToTwoInAThirdOfASecondMoreAndStaysAtTheGoal
     Game g = Started(true, 3, 7);
     ASSERT_GE(g.config.towers, 3);
     ASSERT_NE(g.SelectedType(), 0);
-    view.lastTime = 5.0f;
-    view.UpdateRunner(g, 0.02f, 0.0f);
-    EXPECT_EQ(view.runnerTower, 0);
-    EXPECT_FALSE(view.jumping); // put in place at the first update
+    // The runner's tower, and whether he jumps or runs, after an update at `time`.
+    const auto at = [&](float time, float dt) {
+        view.lastTime = time;
+        view.UpdateRunner(g, dt, 0.0f);
+        return std::tuple(view.runnerTower, view.jumping, view.running);
+    };
+    EXPECT_EQ(at(5.0f, 0.02f), std::tuple(0, false, false)); // put in place at the first update
     g.activeTower = 2;
     g.cursorX = 3;
     const float goal = 3.0f + static_cast<float>(ShapeWidth(Rotated(g.SelectedType(), g.rotation))) * 0.5f;
-    view.lastTime = 6.0f;
-    view.UpdateRunner(g, 0.02f, 0.0f);
-    EXPECT_TRUE(view.jumping);
+    EXPECT_EQ(at(6.0f, 0.02f), std::tuple(2, true, false));
     EXPECT_FLOAT_EQ(view.jumpDuration, 0.62f); // 0.5 + 0.12 for the tower in between
-    EXPECT_EQ(view.runnerTower, 2);
     EXPECT_FLOAT_EQ(view.runnerColumn, goal);
     // In the air he does not run, even when the piece moves.
     g.cursorX = 0;
-    view.lastTime = 6.61f;
-    view.UpdateRunner(g, 0.05f, 0.0f);
-    EXPECT_TRUE(view.jumping);
+    EXPECT_EQ(at(6.61f, 0.05f), std::tuple(2, true, false));
     EXPECT_FLOAT_EQ(view.runnerColumn, goal);
-    EXPECT_FALSE(view.running);
-    view.lastTime = 6.63f;
-    view.UpdateRunner(g, 0.05f, 0.0f);
-    EXPECT_FALSE(view.jumping);
-    EXPECT_TRUE(view.running);
+    EXPECT_EQ(at(6.63f, 0.05f), std::tuple(2, false, true));
     EXPECT_FLOAT_EQ(view.runnerColumn, goal - 0.9f); // 18 columns a second
     view.runnerColumn = goal - 3.5f; // half a column short of the goal at column 0: on towards it
     view.UpdateRunner(g, 0.02f, 0.0f);
@@ -64,13 +58,10 @@ TEST_F(RunnerTest, JumpsFromTowerZeroToTwoInAThirdOfASecondMoreAndStaysAtTheGoal
 // it, a ball behind the tower at the right and a hole behind it at the left.
 TEST_F(OverlayPictureTest, RingUnderFire) {
     Game g = Started(false, 11, 5);
-    const int top = g.ColumnTop(0, 0);
-    for (int x = 0; x < 32; x += 2) Lay(g, 0, 'O', 0, x, top);
+    const int top = WalledUnderFire(g);
     const int hit = Lay(g, 0, 'O', 0, 30, top + 2), flying = Lay(g, 0, 'T', 0, 3, top + 2);
     const int prepped = Lay(g, 0, 'I', 1, 1, top + 2), behind = Lay(g, 0, 'O', 0, 12, top + 2);
     const int lost = Lay(g, 0, 'O', 0, 22, top + 2);
-    g.phase = Phase::Attack;
-    g.clock = 10.0f;
     for (const int piece : {hit, lost}) {
         const std::vector<Cell> cells = g.pieces.at(piece).cells;
         for (const Cell& c : cells) g.RemoveCell(0, c.x, c.y);
@@ -93,11 +84,8 @@ TEST_F(OverlayPictureTest, RingUnderFire) {
 // the other, and stand free of the focus's corners (as the picture was checked to show).
 TEST_F(OverlayPictureTest, ChipsGiveWayToEachOtherAndToTheFocus) {
     Game g = Started(false, 11, 5);
-    const int top = g.ColumnTop(0, 0);
-    for (int x = 0; x < 32; x += 2) Lay(g, 0, 'O', 0, x, top);
+    const int top = WalledUnderFire(g);
     const int left = Lay(g, 0, 'O', 0, 0, top + 2), right = Lay(g, 0, 'O', 0, 2, top + 2);
-    g.phase = Phase::Attack;
-    g.clock = 10.0f;
     for (const int piece : {left, right}) {
         const std::vector<Cell>& cells = g.pieces.at(piece).cells;
         g.targets.push_back(Target{piece, piece, 0, 9.0f, 14.0f, cells, {Prep{'O', cells}}});
@@ -131,17 +119,9 @@ TEST_F(OverlayPictureTest, DebrisAndPointsInMidFlight) {
     g.phase = Phase::Attack;
     g.clock = 5.0f;
     const int top = g.ColumnTop(0, 0);
-    Event burst;
-    burst.kind = Event::Burst;
-    burst.cells = {{0, top + 3}, {1, top + 3}, {2, top + 3}};
-    burst.count = 14;
-    Event points;
-    points.kind = Event::Float;
-    points.cells = {{30, top}, {31, top}};
-    points.text = "Sofort ersetzt! +150";
     DrawAt(g, 1.0f, 0.5f);
-    view.OnEvent(burst, g);
-    view.OnEvent(points, g);
+    view.OnEvent(Effect(Event::Burst, {{0, top + 3}, {1, top + 3}, {2, top + 3}}, 14), g);
+    view.OnEvent(Effect(Event::Float, {{30, top}, {31, top}}, 0, "Sofort ersetzt! +150"), g);
     g.clock = 5.35f;
     DrawAt(g, 1.35f, 0.5f);
     ExpectMatchesReference(Screen(), "effects_mid_flight");
@@ -187,10 +167,7 @@ TEST_F(EffectsTest, EventsLeaveEffectsThatGoWhenTheirTimeIsUp) {
     Game g = EmptyGame(false, 1);
     DrawAt(g, 1.0f, 0.0f);
     g.clock = 7.0f;
-    Event burst;
-    burst.kind = Event::Burst;
-    burst.cells = {{1, 2}, {5, 0}, {3, 9}};
-    burst.count = 12;
+    Event burst = Effect(Event::Burst, {{1, 2}, {5, 0}, {3, 9}}, 12);
     const std::mt19937 before = view.rng;
     view.OnEvent(burst, g);
     ASSERT_EQ(view.particles.size(), 12u);
@@ -208,32 +185,26 @@ TEST_F(EffectsTest, EventsLeaveEffectsThatGoWhenTheirTimeIsUp) {
     view.OnEvent(burst, g);
     EXPECT_EQ(view.particles.size(), 12u);
     EXPECT_TRUE(view.rng == after);
-    Event points;
-    points.kind = Event::Float;
-    points.cells = {{31, 4}, {0, 4}, {0, 5}, {31, 5}}; // across the seam
-    points.text = "+150";
-    view.OnEvent(points, g);
+    view.OnEvent(Effect(Event::Float, {{31, 4}, {0, 4}, {0, 5}, {31, 5}}, 0, "+150"), g); // across the seam
     ASSERT_EQ(view.floaters.size(), 1u);
-    EXPECT_FLOAT_EQ(view.floaters[0].x, -0.5f); // column centre 0, at the seam, less 0.5
-    EXPECT_FLOAT_EQ(view.floaters[0].y, 4.5f);  // mean row 5, less 0.5
+    // Column centre 0 at the seam and mean row 5, each less 0.5.
+    EXPECT_EQ(std::pair(view.floaters[0].x, view.floaters[0].y), std::pair(-0.5f, 4.5f));
     view.flashes.push_back({{{1, 1}}, 7.0f, 0});
-    g.clock = 8.19f;
-    view.DrawEffects(engine, g, view.layout);
-    EXPECT_EQ(view.particles.size() + view.floaters.size() + view.flashes.size(), 14u);
-    g.clock = 8.21f;
-    view.DrawEffects(engine, g, view.layout);
-    EXPECT_TRUE(view.particles.empty() && view.flashes.empty());
-    g.clock = 8.39f;
-    view.DrawEffects(engine, g, view.layout);
-    EXPECT_EQ(view.floaters.size(), 1u);
-    g.clock = 8.41f;
-    view.DrawEffects(engine, g, view.layout);
-    EXPECT_TRUE(view.floaters.empty());
+    // Debris and flashes, and floaters, left at each moment.
+    for (const auto& [clock, left] : {std::pair{8.19f, std::pair{13u, 1u}}, std::pair{8.21f, std::pair{0u, 1u}},
+                                      std::pair{8.39f, std::pair{0u, 1u}}, std::pair{8.41f, std::pair{0u, 0u}}}) {
+        g.clock = clock;
+        view.DrawEffects(engine, g, view.layout);
+        EXPECT_EQ(std::pair(unsigned(view.particles.size() + view.flashes.size()), unsigned(view.floaters.size())),
+                  left)
+            << clock;
+    }
+    // A new game's view starts with no debris and no runner, least of all one in mid-jump.
     view.runnerTower = 0;
+    view.jumping = true;
     view.particles.push_back({});
     view.Reset();
-    EXPECT_TRUE(view.particles.empty());
-    EXPECT_EQ(view.runnerTower, -1);
+    EXPECT_EQ(std::tuple(view.particles.empty(), view.runnerTower, view.jumping), std::tuple(true, -1, false));
 }
 
 } // namespace

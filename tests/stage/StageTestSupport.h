@@ -85,6 +85,22 @@ protected:
         g.StartLevel(level);
         return g;
     }
+    // The ring walled all round with O pieces and under fire at clock 10; gives the wall's row.
+    static int WalledUnderFire(Game& g) {
+        const int top = g.ColumnTop(0, 0);
+        for (int x = 0; x < 32; x += 2) Lay(g, 0, 'O', 0, x, top);
+        g.phase = Phase::Attack;
+        g.clock = 10.0f;
+        return top;
+    }
+    static Event Effect(Event::Kind kind, std::vector<Cell> cells, int count, std::string text = "") {
+        Event e;
+        e.kind = kind;
+        e.cells = std::move(cells);
+        e.count = count;
+        e.text = std::move(text);
+        return e;
+    }
 
     struct : pge::PixelEngine {
         bool OnUserCreate() override { return true; }

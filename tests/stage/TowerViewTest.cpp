@@ -39,13 +39,10 @@ TEST_F(TowerViewFrameTest, RingBuildPhase) {
 
 TEST_F(TowerViewFrameTest, RingAttackWithHoleAndTarget) {
     Game g = Started(false, 11, 2);
-    const int top = g.ColumnTop(0, 0);
-    for (int x = 0; x < 32; x += 2) Lay(g, 0, 'O', 0, x, top);
+    const int top = WalledUnderFire(g);
     Lay(g, 0, 'I', 0, 0, top + 2);
     const int hit = Lay(g, 0, 'I', 0, 4, top + 2), aimed = Lay(g, 0, 'T', 0, 28, top + 2);
     const int prepped = Lay(g, 0, 'O', 0, 2, top + 3);
-    g.phase = Phase::Attack;
-    g.clock = 10.0f;
     // A hole where the piece at 4 was shot away, a target with no prep, one with a prep.
     const std::vector<Cell> holeCells = g.pieces.at(hit).cells;
     for (const Cell& c : holeCells) g.RemoveCell(0, c.x, c.y);
@@ -177,9 +174,9 @@ TEST_F(BackgroundTest, DamagedCycleFilesAndFoldersForFilesFallBack) {
                       frames[i] + R"(, "rim_y": 60, "base_y": 180}}]})");
         const Game g = Started(false, 5, 1);
         DrawAt(g, 0.0f);
-        EXPECT_TRUE(view.indexed);
-        EXPECT_EQ(view.frame.valid, i == 3); // the last one fits
-        EXPECT_EQ(view.layout.integrated, i == 3);
+        // Only the last one fits.
+        EXPECT_EQ(std::tuple(view.indexed != nullptr, view.frame.valid, view.layout.integrated),
+                  std::tuple(true, i == 3, i == 3));
     }
     // A folder where the cycle file should be: one message, and the image stands still.
     std::string root = MakeAssetRoot("cycle_folder");
@@ -210,8 +207,7 @@ TEST_F(ThemeTest, LandscapeByLevelAndImageKeyByMode) {
     pack.levels.resize(2);
     pack.levels[1].background = 5;
     SetActivePack(&pack);
-    EXPECT_EQ(BackgroundIndex(2), 4);
-    EXPECT_EQ(BackgroundIndex(3), 2); // beyond the pack: the turn again
+    EXPECT_EQ(std::pair(BackgroundIndex(2), BackgroundIndex(3)), std::pair(4, 2)); // beyond the pack: the turn again
     // The image key prefers the painted tower, on rings only.
     const std::string root = MakeAssetRoot("theme_keys");
     const Theme& theme = ThemeFor(1);
@@ -236,26 +232,21 @@ TEST_F(ThemeTest, ColourCycleFile) {
     ]})");
     const std::vector<adv::PaletteCycle>& a = ColorCyclesFor("torvane/a.png");
     ASSERT_EQ(a.size(), 2u); // two objects of one file, in file order
-    EXPECT_EQ(a[0].end, 9);       // truncated
-    EXPECT_EQ(a[0].direction, 1); // -0.5 truncates to 0
-    EXPECT_EQ(a[1].direction, -1);
+    // Numbers are truncated: 9.2 to 9, and a direction of -0.5 to 0, which steps forward.
+    EXPECT_EQ(std::tuple(a[0].end, a[0].direction, a[1].direction), std::tuple(9, 1, -1));
     EXPECT_EQ(&ColorCyclesFor("a.png"), &a); // the folder does not matter
     EXPECT_FLOAT_EQ(TowerFrameFor("some/folder/a.png").centre_x, 160.0f); // later objects keep it
     EXPECT_FLOAT_EQ(TowerFrameFor("b.png").rim_y, 7.0f);                  // the last frame wins
     // Objects without numbers give zero ranges stepping forward; fps 0 never steps.
     const std::vector<adv::PaletteCycle>& b = ColorCyclesFor("b.png");
     ASSERT_EQ(b.size(), 3u);
-    EXPECT_EQ(b[0].Frame(100.0f), 0);
-    EXPECT_EQ(b[2].direction, 1);
+    EXPECT_EQ(std::pair(b[0].Frame(100.0f), b[2].direction), std::pair(0, 1));
     EXPECT_TRUE(ColorCyclesFor("d.png").empty());
     // Numbers beyond an int are held to it, and NaN is the default.
     const std::vector<adv::PaletteCycle>& c = ColorCyclesFor("c.png");
     ASSERT_EQ(c.size(), 2u);
-    EXPECT_EQ(c[0].start, INT32_MAX);
-    EXPECT_EQ(c[0].end, 0);
-    EXPECT_EQ(c[0].direction, -1);
-    EXPECT_EQ(c[1].start, INT32_MIN);
-    EXPECT_EQ(c[1].direction, 1);
+    EXPECT_EQ(std::tuple(c[0].start, c[0].end, c[0].direction, c[1].start, c[1].direction),
+              std::tuple(INT32_MAX, 0, -1, INT32_MIN, 1));
     for (const adv::PaletteCycle& cycle : c) EXPECT_EQ(cycle.Frame(12.5f), 0); // empty or endless ranges stand still
 }
 
