@@ -162,23 +162,12 @@ TEST_F(PackFormatTest, DefaultLevelsAreTheRingCampaignsWhateverIsActive) {
 
 TEST_F(PackFormatTest, FileNamesFromTitles) {
     EXPECT_EQ(PackFileName("  Burg am  See! "), "Burg_am_See.tpack");
-    EXPECT_EQ(PackFileName("???"), "Levelpack.tpack");
     EXPECT_EQ(PackFileName(""), "Levelpack.tpack");
     EXPECT_EQ(PackFileName("Süd-Wall_2"), "Sd-Wall_2.tpack");
     EXPECT_EQ(PackFileName("abcdefghijklmnopqrstuvwxyzabcd"), "abcdefghijklmnopqrst.tpack");
     // The limit counts while building, so a blank at the twentieth place is then cut.
     EXPECT_EQ(PackFileName("abcdefghijklmnopqrs tuv"), "abcdefghijklmnopqrs.tpack");
     EXPECT_EQ(PackFileName("a/../../b"), "ab.tpack");
-}
-
-TEST_F(PackFormatTest, TextHelpers) {
-    EXPECT_EQ(Trim(" \t\r a b \r\t "), "a b");
-    std::string s = "Süd\x80\x80";  // loose continuation bytes go with the character before them
-    PopChar(s);
-    PopChar(s);
-    EXPECT_EQ(s, "S");
-    EXPECT_EQ(CodePoints("ÄÖÜß"), 4u);
-    EXPECT_EQ(CodePoints("a\x80"), 1u);  // a loose continuation byte counts for nothing
 }
 
 } // namespace

@@ -20,8 +20,7 @@ TEST_F(AttackStart, OnlyFromTheAnnouncementAndTheSparesGoRightAfterTheSelectedPi
     game.phase = Phase::Announce;
     game.BeginAttack();
     ASSERT_EQ(game.supply.size(), 6u);
-    EXPECT_EQ(game.supply[1], 'O');
-    EXPECT_EQ(game.supply[5], 'T');
+    EXPECT_EQ(std::make_tuple(game.supply[1], game.supply[5]), std::make_tuple('O', 'T'));
     EXPECT_EQ(std::multiset<char>(game.supply.begin() + 2, game.supply.begin() + 5),
               (std::multiset<char>{'1', '1', '2'}));
     EXPECT_FLOAT_EQ(game.nextShotAt, GetSettings().waveBanner);
@@ -61,8 +60,7 @@ TEST_F(AttackWaves, ShotsAreSharedByRunningSharesAndEmptyWavesPassAtOnce) {
     EXPECT_EQ(game.waveShotsLeft, 0);
     game.TakeEvents();
     game.Update(0.01f);
-    EXPECT_EQ(game.wave, 1);
-    EXPECT_EQ(CountSound(game.TakeEvents(), Sfx::Horn), 1);
+    EXPECT_EQ(std::make_tuple(game.wave, CountSound(game.TakeEvents(), Sfx::Horn)), std::make_tuple(1, 1));
 }
 
 TEST_F(AttackWaves, TheNextWaveWaitsForTheBannerAfterTheLastImpact) {

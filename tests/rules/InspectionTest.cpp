@@ -31,19 +31,14 @@ TEST_F(InspectionGaps, EndingTheBuildDropsWhatHangsOnEveryTowerWithCappedBursts)
     Fill(g, 1, 5, 1);  // 14 cells over one group of two gaps: 42 sparks, capped at 40
     g.Update(g.buildLeft - 0.5f);
     EXPECT_EQ(g.phase, Phase::Build);
-    g.Update(0.6f);  // the clock runs out
-    EXPECT_EQ(g.phase, Phase::Inspect);
-    EXPECT_EQ(g.buildLeft, 0.0f);
-    EXPECT_EQ(g.stats.gapCells, 1 + 2);
-    EXPECT_EQ(g.stats.dropped, 1 + 14);
-    EXPECT_EQ(g.stats.timeBonus, 0);  // the clock ran out: no bonus
+    g.Update(0.6f);  // the clock runs out: no bonus
+    EXPECT_EQ(std::make_tuple(g.phase, g.buildLeft, g.stats.gapCells, g.stats.dropped, g.stats.timeBonus),
+              std::make_tuple(Phase::Inspect, 0.0f, 1 + 2, 1 + 14, 0));
     EXPECT_EQ(CountCells(g, 0) + CountCells(g, 1), 0);
     const std::vector<Event> events = g.TakeEvents();
     ASSERT_EQ(events.size(), 4u);  // bursts, then sound and message
-    EXPECT_EQ(events[0].count, 3);
-    EXPECT_EQ(events[1].tower, 1);
-    EXPECT_EQ(events[1].count, 40);
-    EXPECT_EQ(events[2].sfx, Sfx::Collapse);
+    EXPECT_EQ(std::make_tuple(events[0].count, events[1].tower, events[1].count, events[2].sfx),
+              std::make_tuple(3, 1, 40, Sfx::Collapse));
     EXPECT_EQ(events[3].text, "Bauabnahme: 15 Felder eingestürzt");
     EXPECT_FLOAT_EQ(g.inspectEndAt, g.clock + 1.8f);
 }
@@ -54,8 +49,7 @@ TEST_F(InspectionGaps, ACleanWallIsShortlyInspectedAndEarlyEndsEarnTwoPerWholeSe
         g.clock = 10.0f;
         g.buildLeft = left;
         g.EndBuild(true);
-        EXPECT_EQ(g.stats.timeBonus, bonus) << left;
-        EXPECT_EQ(g.score, bonus) << left;
+        EXPECT_EQ(std::make_tuple(g.stats.timeBonus, g.score), std::make_tuple(bonus, bonus)) << left;
         EXPECT_EQ(Texts(g.TakeEvents(), Event::Say), std::vector<std::string>{"Bauabnahme: sauber gemauert!"});
         EXPECT_FLOAT_EQ(g.inspectEndAt, 10.9f);
     }
