@@ -22,12 +22,6 @@ struct Owner : Members {
     explicit Owner(unsigned seed) : Members(Game(seed)) { autoplay = true; }
 };
 
-// The replays that a recorder finished, and the last game's state after every frame.
-struct Played {
-    std::vector<std::string> replays;
-    std::vector<uint64_t> hashes;
-};
-
 // The recorded game ends when it reaches one level more than `levels`; `extra` is what a
 // case does besides the bot, before frame `n`.
 struct Case {
@@ -46,41 +40,37 @@ LevelPack TwoLevelPack() {
     return pack;
 }
 
-class ReplayTest : public testing_support::RulesTest, public ::testing::WithParamInterface<Case> {
-protected:
-    // A first game of some minutes, so that the recorded second one takes a used engine and
-    // counters over; then the recorded game to `levels` levels, at frame steps of 60 to the
-    // second on the tick grid with jitter, a few off it.
-    Played Play(const Case& c) {
-        Owner o(7);
-        Recorder recorder;
-        Played out;
-        recorder.finished = [&out](std::string stream) { out.replays.push_back(std::move(stream)); };
-        std::mt19937 jitter(3);
-        const auto step = [&](int n) {
-            return n % 97 == 0 ? 1.0f / 61.0f : static_cast<float>(1600 + jitter() % 200) / 100000.0f;
-        };
-        recorder.Do(o.S(), {Op::NewGame}, 0.0f);
-        for (int n = 0; n < 3000; ++n) recorder.Frame(o.S(), step(n), {});
-        recorder.Do(o.S(), {Op::NewGame}, 0.0f);
-        for (int n = 0; o.game.level <= c.levels && o.game.phase != Phase::Over && n < 60000; ++n) {
-            const float dt = step(n);
-            if (c.extra) c.extra(o, recorder, n, dt);
-            recorder.Frame(o.S(), dt, {});
-            out.hashes.push_back(StateHash(o.game));
-        }
-        recorder.End(o.S());
-        return out;
-    }
-};
+class ReplayTest : public testing_support::RulesTest, public ::testing::WithParamInterface<Case> {};
 
 TEST_P(ReplayTest, EveryFrameReachesTheRecordedState) {
     const Case& c = GetParam();
     GetSettings().classic = c.classic;
     const LevelPack pack = TwoLevelPack();
     if (c.pack) SetActivePack(&pack);
-    const Played played = Play(c);
-    ASSERT_EQ(played.replays.size(), 2u);
+    // A first game of some minutes, so that the recorded second one takes a used engine and
+    // counters over; then the recorded game to `levels` levels, at frame steps of 60 to the
+    // second on the tick grid with jitter, a few off it.
+    std::vector<std::string> replays;
+    std::vector<uint64_t> hashes;  // the recorded game's state after every frame
+    Owner recording(7);
+    Recorder recorder;
+    recorder.finished = [&replays](std::string stream) { replays.push_back(std::move(stream)); };
+    std::mt19937 jitter(3);
+    const auto step = [&](int n) {
+        return n % 97 == 0 ? 1.0f / 61.0f : static_cast<float>(1600 + jitter() % 200) / 100000.0f;
+    };
+    recorder.Do(recording.S(), {Op::NewGame}, 0.0f);
+    for (int n = 0; n < 3000; ++n) recorder.Frame(recording.S(), step(n), {});
+    recorder.Do(recording.S(), {Op::NewGame}, 0.0f);
+    const Game& g = recording.game;
+    for (int n = 0; g.level <= c.levels && g.phase != Phase::Over && n < 60000; ++n) {
+        const float dt = step(n);
+        if (c.extra) c.extra(recording, recorder, n, dt);
+        recorder.Frame(recording.S(), dt, {});
+        hashes.push_back(StateHash(g));
+    }
+    recorder.End(recording.S());
+    ASSERT_EQ(replays.size(), 2u);
 
     // Another world: other settings, no pack, another language, a used revision counter.
     GetSettings() = Settings{};
@@ -90,8 +80,8 @@ TEST_P(ReplayTest, EveryFrameReachesTheRecordedState) {
     Tower::SetNextRevision(12345);
     Replay replay;
     Error error;
-    ASSERT_TRUE(Decode(played.replays[1], replay, error)) << Describe(error);
-    ASSERT_EQ(replay.finish.frames, played.hashes.size());
+    ASSERT_TRUE(Decode(replays[1], replay, error)) << Describe(error);
+    ASSERT_EQ(replay.finish.frames, hashes.size());
 
     Owner o(99);
     o.autoplay = false;
@@ -102,12 +92,12 @@ TEST_P(ReplayTest, EveryFrameReachesTheRecordedState) {
         player.Frame(o.S(), {});
         if (player.Frames() == before) break; // the end, read behind the last frame
         const size_t frame = player.Frames() - 1;
-        ASSERT_LT(frame, played.hashes.size());
+        ASSERT_LT(frame, hashes.size());
         // A game lost in its last frame ends right behind that frame's rules.
         if (player.Done()) break;
-        ASSERT_EQ(StateHash(o.game), played.hashes[frame]) << "frame " << frame;
+        ASSERT_EQ(StateHash(o.game), hashes[frame]) << "frame " << frame;
     }
-    EXPECT_EQ(player.Frames(), played.hashes.size());
+    EXPECT_EQ(player.Frames(), hashes.size());
     EXPECT_TRUE(player.Done());
     EXPECT_TRUE(player.Result().Matches());
     EXPECT_TRUE(o.game.level > c.levels || o.game.phase == Phase::Over) << o.game.level;

@@ -119,7 +119,8 @@ TEST_F(BuildCursor, RotationKicksTryZeroLeftRightThenTwoLeftTwoRight) {
         g.cursorX = 3;
         g.cursorY = 0;
         g.Rotate();
-        EXPECT_EQ(std::make_tuple(g.rotation, g.cursorX), expected < 0 ? std::make_tuple(0, 3) : std::make_tuple(1, expected));
+        EXPECT_EQ(std::make_tuple(g.rotation, g.cursorX),
+                  expected < 0 ? std::make_tuple(0, 3) : std::make_tuple(1, expected));
         EXPECT_EQ(Sounds(g.TakeEvents()), std::vector<Sfx>{expected < 0 ? Sfx::Deny : Sfx::Tick});
     }
     Game edge = ClassicGame(1);

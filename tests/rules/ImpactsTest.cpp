@@ -39,7 +39,8 @@ TEST_F(ImpactHole, BellsStrikeEachSecondAndTheLoadHoldsAt2_9AndFallsAt3_0) {
     AdvanceTo(opened + 2.99f);
     EXPECT_EQ(game.pieces.count(load), 1u);
     AdvanceTo(opened + 3.0f);
-    EXPECT_EQ(std::make_tuple(game.holes.size(), game.pieces.count(load), game.stats.lost), std::make_tuple(0u, 0u, 4 + 4));
+    EXPECT_EQ(std::make_tuple(game.holes.size(), game.pieces.count(load), game.stats.lost),
+              std::make_tuple(0u, 0u, 4 + 4));
     const auto events = game.TakeEvents();
     EXPECT_EQ(Sounds(events), std::vector<Sfx>{Sfx::Collapse});  // three strokes, no more
     EXPECT_TRUE(HasText(events, "Eingestürzt: 4 Felder"));
