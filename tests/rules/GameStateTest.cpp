@@ -1,6 +1,7 @@
 #include "RulesTestSupport.h"
 
 #include "game/rules/Pieces.h"
+#include "game/rules/StateHash.h"
 
 #include <set>
 
@@ -64,4 +65,27 @@ TEST_F(GameShares, PercentagesRoundHalvesUpAndPoolAllTowers) {
     g.towers.clear();  // nothing counted: nothing reaches the line
     EXPECT_EQ(g.OverallPct(), 0);
     EXPECT_FALSE(g.LineComplete());
+}
+
+// The state hash, by which replays and the simulator compare games, must see every field.
+class GameStateHash : public RulesTest {};
+
+TEST_F(GameStateHash, SeesNumbersTextsAndTheGameOfAnotherSeed) {
+    // The towers' stamps come from one counter of the process: both games start from the same.
+    const uint32_t stamp = Tower::PeekRevision();
+    const Game game(1);
+    const uint64_t hash = StateHash(game);
+    Tower::SetNextRevision(stamp);
+    EXPECT_EQ(StateHash(Game(1)), hash);
+    EXPECT_NE(StateHash(Game(2)), hash);
+    Game later = game;
+    later.clock += 0.25f;  // a number of seconds
+    EXPECT_NE(StateHash(later), hash);
+    Game renamed = game;
+    ASSERT_FALSE(renamed.config.sectors.empty());
+    renamed.config.sectors[0].label[0] ^= 1;  // a text of the same length
+    EXPECT_NE(StateHash(renamed), hash);
+    Game moved = game;
+    moved.cursorX ^= 1;
+    EXPECT_NE(StateHash(moved), hash);
 }
