@@ -54,7 +54,8 @@ TEST_F(PackFormatTest, HeaderCommentsAndDefaults) {
     EXPECT_EQ(Parsed(kHeader + "[level]\n").name, "Levelpack");
 }
 
-TEST_F(PackFormatTest, NumbersAreReadLikeStrtolAndClamped) {
+TEST_F(PackFormatTest, ValuesAreReadWithinTheirBoundsAndFallBack) {
+    // Numbers are read like strtol and clamped to their bounds.
     EXPECT_EQ(OneLevel("build=5").build, 20);
     EXPECT_EQ(OneLevel("build=999").build, 240);
     EXPECT_EQ(OneLevel("build=99999999999999999999").build, 240);
@@ -75,26 +76,20 @@ TEST_F(PackFormatTest, NumbersAreReadLikeStrtolAndClamped) {
     EXPECT_EQ(OneLevel("interval=99999999999.9").interval, 150);
     // A repeated key overwrites; an unknown key is ignored.
     EXPECT_EQ(OneLevel("shots=3\nfarbe=rot\nshots=9").shots, 9);
-}
-
-TEST_F(PackFormatTest, WordsFallBackToTheirDefaults) {
+    // Words other than the format's fall back to their defaults.
     EXPECT_FALSE(OneLevel("order=mixed").waves);
     EXPECT_TRUE(OneLevel("order=Mixed").waves);
     EXPECT_FALSE(OneLevel("prep=no").prep);
     EXPECT_TRUE(OneLevel("prep=nein").prep);
     EXPECT_TRUE(OneLevel("new_tower=yes").newTower);
     EXPECT_FALSE(OneLevel("new_tower=ja").newTower);
-}
-
-TEST_F(PackFormatTest, DirectionsAreRebuilt) {
+    // Directions are rebuilt from the letters they name, in the order of first appearance.
     EXPECT_EQ(OneLevel("directions=ewEn").directions, "OWN");
     EXPECT_EQ(OneLevel("directions=xyz").directions, "N");
     EXPECT_EQ(OneLevel("directions=").directions, "N");
     EXPECT_EQ(OneLevel("directions=S Ö, N;w").directions, "SNW");
-    EXPECT_EQ(OneLevel("directions=WN").directions, "WN"); // the order of first appearance stays
-}
-
-TEST_F(PackFormatTest, AThirtyFirstLevelOverwritesTheThirtieth) {
+    EXPECT_EQ(OneLevel("directions=WN").directions, "WN");
+    // A thirty-first level overwrites the thirtieth.
     std::string text = kHeader;
     for (int i = 1; i <= 31; ++i) text += "[level]\nshots=" + std::to_string(i) + "\n";
     const LevelPack pack = Parsed(text);
