@@ -94,21 +94,30 @@ struct GameRun {
     Phase phase = Phase::Title;
 };
 
-// Plays level 1 through the frame steps, as the unattended run does, until it is judged.
+// Plays level 1 through the application's frame steps at 60 frames a second, as the
+// unattended run does, until it is judged right after a frame's rules.
 GameRun PlayLevelOne(unsigned seed, bool repairs) {
     Game game(seed);
     game.NewGame();
     AutoPlayer bot;
     bot.repairs = repairs;
     GameRun run;
-    PlayFrames(game, bot, 60L * 60 * 10, [&](Phase) {
+    float timer = 0.0f;
+    Phase lastPhase = game.phase;
+    int32_t lastLevel = game.level;
+    frame::Hooks hooks;
+    hooks.rulesStepped = [&] {
         if (game.phase == Phase::Build)
             for (const auto& [id, piece] : game.pieces)
                 for (const Cell& c : piece.cells) run.outsideSector |= !piece.ruin && !game.IsAttackedColumn(c.x);
-        if (game.phase != Phase::Eval && game.phase != Phase::Over) return false;
-        run = GameRun{true, game.stats.passed, run.outsideSector, game.phase};
-        return true;
-    });
+        if (!run.ended && (game.phase == Phase::Eval || game.phase == Phase::Over))
+            run = GameRun{true, game.stats.passed, run.outsideSector, game.phase};
+    };
+    const frame::Refs refs{game, bot, timer, lastPhase, lastLevel, true, false};
+    for (int n = 0; n < 60 * 60 * 10 && !run.ended; ++n) {
+        frame::RunRules(refs, 1.0f / 60.0f, hooks);
+        game.TakeEvents();
+    }
     return run;
 }
 
