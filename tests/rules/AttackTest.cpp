@@ -8,9 +8,9 @@ using namespace torvane::testing_support;
 
 namespace {
 
-using AttackStart = AttackFixture;
+using AttackTest = AttackFixture;
 
-TEST_F(AttackStart, OnlyFromTheAnnouncementAndTheSparesGoRightAfterTheSelectedPiece) {
+TEST_F(AttackTest, OnlyFromTheAnnouncementAndTheSparesGoRightAfterTheSelectedPiece) {
     game.BeginAttack();  // still building
     EXPECT_EQ(game.phase, Phase::Build);
     game.supply = {'I', 'O', 'T'};
@@ -48,9 +48,7 @@ std::vector<int> WaveShots(Game& game, int sectors, int shots) {
     return split;
 }
 
-using AttackWaves = AttackFixture;
-
-TEST_F(AttackWaves, ShotsAreSharedByRunningSharesAndEmptyWavesPassAtOnce) {
+TEST_F(AttackTest, ShotsAreSharedByRunningSharesAndEmptyWavesPassAtOnce) {
     // Wave i takes floor(n(i+1)/S) - floor(ni/S).
     EXPECT_EQ(WaveShots(game, 2, 5), (std::vector<int>{2, 3}));
     EXPECT_EQ(WaveShots(game, 4, 2), (std::vector<int>{0, 1, 0, 1}));
@@ -63,7 +61,7 @@ TEST_F(AttackWaves, ShotsAreSharedByRunningSharesAndEmptyWavesPassAtOnce) {
     EXPECT_EQ(std::make_tuple(game.wave, CountSound(game.TakeEvents(), Sfx::Horn)), std::make_tuple(1, 1));
 }
 
-TEST_F(AttackWaves, TheNextWaveWaitsForTheBannerAfterTheLastImpact) {
+TEST_F(AttackTest, TheNextWaveWaitsForTheBannerAfterTheLastImpact) {
     game.config.sectors = {CompassSector('N', GetSettings()), CompassSector('S', GetSettings())};
     game.config.shots = 2;
     Put('I', Row(0, 0, 4));
@@ -81,9 +79,7 @@ TEST_F(AttackWaves, TheNextWaveWaitsForTheBannerAfterTheLastImpact) {
     EXPECT_GE(secondShot - lastImpact, GetSettings().waveBanner - 1e-4f);
 }
 
-using AttackShots = AttackFixture;
-
-TEST_F(AttackShots, CandidatesReachIntoTheActiveSectorAndAreNotUnderFire) {
+TEST_F(AttackTest, CandidatesReachIntoTheActiveSectorAndAreNotUnderFire) {
     Put('I', Row(12, 0, 4));                   // in the south, not under attack
     Put('I', Row(4, 0, 4));                    // columns 4..7, outside the north arc
     const int reach = Put('I', Row(2, 1, 4));  // columns 2..5 reach in
@@ -103,7 +99,7 @@ TEST_F(AttackShots, CandidatesReachIntoTheActiveSectorAndAreNotUnderFire) {
     EXPECT_EQ(game.targets.size(), 2u);
 }
 
-TEST_F(AttackShots, TheAttackEndsOnePointFourSecondsAfterTheLastBall) {
+TEST_F(AttackTest, TheAttackEndsOnePointFourSecondsAfterTheLastBall) {
     QuietAttack();
     game.shotsLeft = 0;
     HitNow(Put('I', Row(0, 0, 4)));

@@ -57,9 +57,9 @@ void DropAt(Game& g, int x, int turns) {
 
 } // namespace
 
-class BuildStartLevel : public RulesTest {};
+using BuildPhaseTest = RulesTest;
 
-TEST_F(BuildStartLevel, RuinAndSupplyFollowTheDrawsInOrder) {
+TEST_F(BuildPhaseTest, RuinAndSupplyFollowTheDrawsInOrder) {
     const std::vector<float> ringGaps = {0.05f, 0.12f, 0.25f, 0.5f, 0.7f, 0.85f};
     for (unsigned seed : {1u, 77u, 5489u}) {
         GetSettings().classic = 1;
@@ -75,9 +75,7 @@ TEST_F(BuildStartLevel, RuinAndSupplyFollowTheDrawsInOrder) {
     EXPECT_EQ(Occupancy(Game(5)), ReferenceLevel(5, 32, 6, ringGaps, 16).first);
 }
 
-class BuildCursor : public RulesTest {};
-
-TEST_F(BuildCursor, EdgesEnterTheNextTowerOrWrapOnTheRing) {
+TEST_F(BuildPhaseTest, EdgesEnterTheNextTowerOrWrapOnTheRing) {
     Game two = ClassicGame(2);
     two.supply = {'O'};
     two.cursorX = 0;
@@ -107,7 +105,7 @@ TEST_F(BuildCursor, EdgesEnterTheNextTowerOrWrapOnTheRing) {
     EXPECT_TRUE(Occupied(attack, 1, 2, 6) && Occupied(attack, 1, 3, 7));
 }
 
-TEST_F(BuildCursor, RotationKicksTryZeroLeftRightThenTwoLeftTwoRight) {
+TEST_F(BuildPhaseTest, RotationKicksTryZeroLeftRightThenTwoLeftTwoRight) {
     // Only the listed columns are open at rows 0..3; the upright I takes the first kick that fits.
     const std::vector<std::pair<std::vector<int>, int>> cases = {
         {{3}, 3}, {{2, 4}, 2}, {{4}, 4}, {{1, 5}, 1}, {{5}, 5}, {{}, -1}};
@@ -131,9 +129,7 @@ TEST_F(BuildCursor, RotationKicksTryZeroLeftRightThenTwoLeftTwoRight) {
     EXPECT_EQ(edge.cursorX, 4);
 }
 
-class BuildPlacing : public RulesTest {};
-
-TEST_F(BuildPlacing, RefusalsSayWhyAndTheLastPieceEndsTheBuildSoon) {
+TEST_F(BuildPhaseTest, RefusalsSayWhyAndTheLastPieceEndsTheBuildSoon) {
     Game g = ClassicGame(1);
     g.supply = {'O'};
     FillColumn(g, 0, 3, 0, 13);  // one free row: too little for the O
@@ -163,7 +159,7 @@ TEST_F(BuildPlacing, RefusalsSayWhyAndTheLastPieceEndsTheBuildSoon) {
     EXPECT_EQ(std::make_tuple(g.phase, g.autoEndAt), std::make_tuple(Phase::Inspect, -1.0f));
 }
 
-TEST_F(BuildPlacing, UndoOfAPrepAndOfAPieceThatLostACell) {
+TEST_F(BuildPhaseTest, UndoOfAPrepAndOfAPieceThatLostACell) {
     Game g = ClassicGame(1);
     g.supply = {'O', 'T'};
     g.cursorX = 0;
@@ -197,9 +193,7 @@ TEST_F(BuildPlacing, UndoOfAPrepAndOfAPieceThatLostACell) {
     EXPECT_EQ(std::make_tuple(h.activeTower, h.CellAt(0, cells[0].x, cells[0].y)), std::make_tuple(0, id));
 }
 
-class BuildFreeCursor : public RulesTest {};
-
-TEST_F(BuildFreeCursor, PlacementNeedsRoomSupportAndBoundsOrATargetForAPrep) {
+TEST_F(BuildPhaseTest, PlacementNeedsRoomSupportAndBoundsOrATargetForAPrep) {
     Game g = ClassicGame(1);
     g.phase = Phase::Attack;
     g.supply = {'O'};
@@ -220,9 +214,7 @@ TEST_F(BuildFreeCursor, PlacementNeedsRoomSupportAndBoundsOrATargetForAPrep) {
     EXPECT_EQ(g.PlacementAt(4, 0, 0), 0);
 }
 
-class BuildWholePhase : public RulesTest {};
-
-TEST_F(BuildWholePhase, PlacingUndoingAndTheInspection) {
+TEST_F(BuildPhaseTest, PlacingUndoingAndTheInspection) {
     Game g = ClassicGame(1);
     g.supply = {'I', 'I', 'O', 'T'};
     g.cursorX = 3;

@@ -25,9 +25,9 @@ TEST(PiecesShapes, RotationsAreNormalisedQuarterTurnsModuloFour) {
     EXPECT_EQ(BaseShape('x'), (std::vector<Cell>{{0, 0}}));  // unknown letters are the single cell
 }
 
-class GameGeometry : public RulesTest {};
+using GameStateTest = RulesTest;
 
-TEST_F(GameGeometry, WrapAndCentresOnTheRingOnly) {
+TEST_F(GameStateTest, WrapAndCentresOnTheRingOnly) {
     Game ring = EmptyGame(false, 1);
     EXPECT_EQ(ring.WrapX(-65), 31);
     EXPECT_FLOAT_EQ(ring.WrapDiff(16.0f), -16.0f);  // the half rounds away from zero
@@ -47,9 +47,7 @@ TEST_F(GameGeometry, WrapAndCentresOnTheRingOnly) {
     EXPECT_FALSE(classic.Inside(Rotated('I', 1), 12));
 }
 
-class GameShares : public RulesTest {};
-
-TEST_F(GameShares, PercentagesRoundHalvesUpAndPoolAllTowers) {
+TEST_F(GameStateTest, PercentagesRoundHalvesUpAndPoolAllTowers) {
     Game g = ClassicGame(3);  // two towers of 10 columns, line 7
     g.phase = Phase::Attack;
     for (int x = 0; x < 10; ++x) FillColumn(g, 0, x, 0, 7);
@@ -68,9 +66,7 @@ TEST_F(GameShares, PercentagesRoundHalvesUpAndPoolAllTowers) {
 }
 
 // The state hash, by which replays and the simulator compare games, must see every field.
-class GameStateHash : public RulesTest {};
-
-TEST_F(GameStateHash, SeesNumbersTextsAndTheGameOfAnotherSeed) {
+TEST_F(GameStateTest, SeesNumbersTextsAndTheGameOfAnotherSeed) {
     // The towers' stamps come from one counter of the process: both games start from the same.
     const uint32_t stamp = Tower::PeekRevision();
     const Game game(1);

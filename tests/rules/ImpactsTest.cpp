@@ -21,9 +21,9 @@ protected:
     }
 };
 
-using ImpactHole = ImpactFixture;
+using ImpactsTest = ImpactFixture;
 
-TEST_F(ImpactHole, BellsStrikeEachSecondAndTheLoadHoldsAt2_9AndFallsAt3_0) {
+TEST_F(ImpactsTest, BellsStrikeEachSecondAndTheLoadHoldsAt2_9AndFallsAt3_0) {
     HitNow(base);
     const float opened = game.clock;
     ASSERT_EQ(game.holes.size(), 1u);
@@ -46,7 +46,7 @@ TEST_F(ImpactHole, BellsStrikeEachSecondAndTheLoadHoldsAt2_9AndFallsAt3_0) {
     EXPECT_TRUE(HasText(events, "Eingestürzt: 4 Felder"));
 }
 
-TEST_F(ImpactHole, AHoleFilledAt2_9SecondsIsHeld) {
+TEST_F(ImpactsTest, AHoleFilledAt2_9SecondsIsHeld) {
     HitNow(base);
     const float opened = game.clock;
     AdvanceTo(opened + 2.9f);
@@ -63,7 +63,7 @@ TEST_F(ImpactHole, AHoleFilledAt2_9SecondsIsHeld) {
     EXPECT_EQ(game.pieces.count(load), 1u);
 }
 
-TEST_F(ImpactHole, APartlyFilledHoleDropsOnlyTheOpenColumns) {
+TEST_F(ImpactsTest, APartlyFilledHoleDropsOnlyTheOpenColumns) {
     Put('2', {{2, 1}, {3, 1}});
     HitNow(base);
     game.DebugPlace(0, '2', Row(0, 0, 2));
@@ -72,7 +72,7 @@ TEST_F(ImpactHole, APartlyFilledHoleDropsOnlyTheOpenColumns) {
     EXPECT_TRUE(HasText(game.TakeEvents(), "Eingestürzt: 2 Felder"));
 }
 
-TEST_F(ImpactHole, AHoleOnTheSecondTowerIsThatTowers) {
+TEST_F(ImpactsTest, AHoleOnTheSecondTowerIsThatTowers) {
     Game g = ClassicGame(2);
     const int stem = g.AddPiece(1, 'I', {{0, 0}, {1, 0}, {2, 0}, {3, 0}}, false);
     g.AddPiece(1, 'O', {{0, 1}, {1, 1}, {0, 2}, {1, 2}}, false);
@@ -84,9 +84,7 @@ TEST_F(ImpactHole, AHoleOnTheSecondTowerIsThatTowers) {
     EXPECT_EQ(g.holes[0].tower, 1);
 }
 
-using ImpactPrep = ImpactFixture;
-
-TEST_F(ImpactPrep, AFullPrepReplacesAtOnce) {
+TEST_F(ImpactsTest, AFullPrepReplacesAtOnce) {
     game.FireAt(base);
     game.targets[0].preps.push_back(Prep{'I', Row(0, 0, 4)});
     AdvanceTo(game.targets[0].hitAt);  // the hit piece comes back
@@ -98,7 +96,7 @@ TEST_F(ImpactPrep, AFullPrepReplacesAtOnce) {
     EXPECT_EQ(CountSound(events, Sfx::Bell), 0);
 }
 
-TEST_F(ImpactPrep, AHalfPrepStandsAndTheHoleKeepsTheRest) {
+TEST_F(ImpactsTest, AHalfPrepStandsAndTheHoleKeepsTheRest) {
     Put('2', {{2, 1}, {3, 1}});
     game.FireAt(base);
     game.targets[0].preps.push_back(Prep{'2', Row(0, 0, 2)});

@@ -25,9 +25,9 @@ protected:
     }
 };
 
-using RepairFit = RepairFixture;
+using RepairTest = RepairFixture;
 
-TEST_F(RepairFit, LowestRowThenLeftmostColumnAndTheSeamRanksAsLeftmost) {
+TEST_F(RepairTest, LowestRowThenLeftmostColumnAndTheSeamRanksAsLeftmost) {
     EXPECT_EQ(game.RepairFit('1', AddHole({{3, 5}, {9, 2}})), (std::vector<Cell>{{9, 2}}));
     EXPECT_EQ(Sorted(game.RepairFit('2', AddHole({{5, 3}, {5, 4}}))), (std::vector<Cell>{{5, 3}, {5, 4}}));
     EXPECT_EQ(Sorted(game.RepairFit('2', AddHole({{30, 2}, {31, 2}, {0, 2}}))), (std::vector<Cell>{{0, 2}, {31, 2}}));
@@ -40,9 +40,7 @@ TEST_F(RepairFit, LowestRowThenLeftmostColumnAndTheSeamRanksAsLeftmost) {
     EXPECT_EQ(Sorted(game.RepairFit('2', target)), Sorted(Row(2, 0, 2)));  // a prep covers part of a target
 }
 
-using RepairFocus = RepairFixture;
-
-TEST_F(RepairFocus, BurningHolesComeFirstThenTargetsByImpactAndSwitchingWraps) {
+TEST_F(RepairTest, BurningHolesComeFirstThenTargetsByImpactAndSwitchingWraps) {
     const Focus late = AddHole({{1, 1}}, 5.0f);
     const Focus soon = AddHole({{2, 1}}, 3.0f);
     const Focus second = AddTarget('2', Row(0, 0, 2), 2.0f);
@@ -61,9 +59,7 @@ TEST_F(RepairFocus, BurningHolesComeFirstThenTargetsByImpactAndSwitchingWraps) {
     EXPECT_EQ(game.focus, late);
 }
 
-using RepairAuto = RepairFixture;
-
-TEST_F(RepairAuto, RefusalsSayWhyHolesEarnTenACellPrepsOnlyAtTheImpact) {
+TEST_F(RepairTest, RefusalsSayWhyHolesEarnTenACellPrepsOnlyAtTheImpact) {
     game.supply = {'1'};
     game.focus = AddHole({{20, 1}});
     game.viewKnown = true;
@@ -94,7 +90,7 @@ TEST_F(RepairAuto, RefusalsSayWhyHolesEarnTenACellPrepsOnlyAtTheImpact) {
     EXPECT_EQ(game.supply, (std::vector<char>{'T'}));
 }
 
-TEST_F(RepairAuto, TheBotTriesEveryPieceThenGoesOnToTheNextGoal) {
+TEST_F(RepairTest, TheBotTriesEveryPieceThenGoesOnToTheNextGoal) {
     const Focus first = AddHole({{5, 3}});
     const Focus second = AddHole({{9, 3}}, 4.0f);
     game.supply = {'O', 'T'};  // neither fits a single cell
@@ -106,9 +102,7 @@ TEST_F(RepairAuto, TheBotTriesEveryPieceThenGoesOnToTheNextGoal) {
     EXPECT_EQ(game.focus, second);
 }
 
-using RepairFree = RepairFixture;
-
-TEST_F(RepairFree, PlacesSupportedPiecesAndPrepsAndTheCursorGoesToTheFit) {
+TEST_F(RepairTest, PlacesSupportedPiecesAndPrepsAndTheCursorGoesToTheFit) {
     GetSettings().repair_mode = 0;
     game.supply = {'2', '2', '1', '2'};
     game.cursorX = 10;
