@@ -32,16 +32,6 @@ std::string PackText(const std::string& name, int levels = 1) {
     return text;
 }
 
-TEST_F(PackStorageTest, AMissingFolderOrStoreGivesNothing) {
-    const fs::path dir = ScratchFolder("missing") / "nicht_da";
-    EXPECT_TRUE(FolderPackStorage(dir.string()).list().empty());
-    EXPECT_FALSE(fs::exists(dir)); // listing creates nothing
-    EXPECT_TRUE(LoadPacks(PackStorage{}).empty());
-    PackStorage onlyList = FolderPackStorage(dir.string());
-    onlyList.read = nullptr;
-    EXPECT_TRUE(LoadPacks(onlyList).empty());
-}
-
 TEST_F(PackStorageTest, BadFilesAreLeftOutAndLeftAlone) {
     const fs::path dir = ScratchFolder("bad");
     std::string many = PackText("Viele", 0);
@@ -71,6 +61,14 @@ TEST_F(PackStorageTest, BadFilesAreLeftOutAndLeftAlone) {
     EXPECT_FALSE(FolderPackStorage(dir.string()).read("dangling.tpack", text));
     EXPECT_FALSE(FolderPackStorage(dir.string()).read("folder.tpack", text));
     EXPECT_FALSE(FolderPackStorage(dir.string()).write("folder.tpack", PackText("Ueber")));
+    // A missing folder or store gives nothing, and listing creates nothing.
+    const fs::path missing = dir / "nicht_da";
+    EXPECT_TRUE(FolderPackStorage(missing.string()).list().empty());
+    EXPECT_FALSE(fs::exists(missing));
+    EXPECT_TRUE(LoadPacks(PackStorage{}).empty());
+    PackStorage onlyList = FolderPackStorage(missing.string());
+    onlyList.read = nullptr;
+    EXPECT_TRUE(LoadPacks(onlyList).empty());
 }
 
 TEST_F(PackStorageTest, WritingCreatesTheFolderAndReportsFailure) {

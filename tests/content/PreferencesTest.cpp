@@ -126,9 +126,7 @@ TEST_F(PreferencesTest, ValuesReadByTheirOwnRules) {
     // Twice: the last wins; lines without "=" are skipped.
     preferences::Apply("difficulty=hard\ngarbage\ndifficulty=torvane");
     EXPECT_EQ(s.difficulty, 3);
-}
-
-TEST_F(PreferencesTest, ALineOfThreeMegabytesCostsOnlyItself) {
+    // A line of three megabytes costs only itself.
     Write("settings.txt", std::string(3 << 20, 'x') + "=y\ndifficulty=hard\n");
     GetSettings() = Settings{};
     preferences::Load();

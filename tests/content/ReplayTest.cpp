@@ -17,7 +17,6 @@
 namespace torvane::replay {
 namespace {
 
-// An owner whose bot plays.
 struct Owner : Members {
     explicit Owner(unsigned seed) : Members(Game(seed)) { autoplay = true; }
 };

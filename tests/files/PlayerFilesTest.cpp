@@ -43,13 +43,6 @@ int Hidden(const fs::path& folder) {
     return n;
 }
 
-LevelPack Pack(int levels) {
-    LevelPack pack;
-    pack.name = "Burg";
-    for (int i = 1; i <= levels; ++i) pack.levels.push_back(DefaultPackLevel(i));
-    return pack;
-}
-
 // One kind of file: where it lies, a text of that kind, how the program saves it anew,
 // whether what lies there now reads as that text, and how much of it is read at most.
 struct Kind {
@@ -89,8 +82,8 @@ protected:
             {"scores", data + "/highscores.txt", "300\t3\t0\tAnna\n200\t2\t0\tJo\n100\t1\t0\tEva\n",
              [] { return highscores::Save({{"Neu", 5, 1, 0}}); }, [] { return highscores::Load().size() == 3; },
              pge::files::kMaxDataBytes},
-            {"pack", packs + "/Burg.tpack", SerialisePack(Pack(1)),
-             [packs] { return FolderPackStorage(packs).write("Burg.tpack", SerialisePack(Pack(2))); },
+            {"pack", packs + "/Burg.tpack", SerialisePack({"Burg", "", {DefaultPackLevel(1)}}),
+             [packs] { return FolderPackStorage(packs).write("Burg.tpack", SerialisePack({"Burg", "", {DefaultPackLevel(1), DefaultPackLevel(2)}})); },
              [packs] { return LoadPacks(FolderPackStorage(packs)).size() == 1; }, pge::files::kMaxDataBytes},
             {"save", adv::savegame::SlotPath(0), adv::savegame::Serialise(game),
              [] { adv::SaveData later; later.scene = "zinne"; return adv::savegame::Write(0, later); },
