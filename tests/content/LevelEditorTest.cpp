@@ -87,7 +87,7 @@ TEST_F(LevelEditorTest, NewPackIsNamedCountedAndSaved) {
     EXPECT_EQ(store.files->size(), 2u);
 }
 
-TEST_F(LevelEditorTest, RowsWrapAndKeepTheMessage) {
+TEST_F(LevelEditorTest, RowsWrapKeepTheMessageAndAppendingStopsAtThirty) {
     OpenPack(2);
     EXPECT_EQ(editor.RowCount(), 4);
     editor.message = "Gespeichert";
@@ -98,9 +98,7 @@ TEST_F(LevelEditorTest, RowsWrapAndKeepTheMessage) {
     EXPECT_EQ(std::make_tuple(editor.row, editor.message), std::make_tuple(0, "Gespeichert"));
     editor.Handle(Key::Left); // any other key clears it
     EXPECT_EQ(editor.message, "");
-}
-
-TEST_F(LevelEditorTest, AppendingStopsAtThirtyLevels) {
+    // Appending stops at thirty levels.
     OpenPack(29);
     EXPECT_EQ(editor.RowCount(), 31);
     editor.row = 30;

@@ -29,22 +29,14 @@ struct Case {
     std::function<void(Owner&, Recorder&, int n, float dt)> extra;
 };
 
-LevelPack TwoLevelPack() {
-    LevelPack pack{"Zwei", "Zwei.tpack", {DefaultPackLevel(1), DefaultPackLevel(2)}};
-    for (int i = 0; i < 2; ++i) {
-        pack.levels[i].name = "Stufe " + std::to_string(i + 1);
-        pack.levels[i].shots = 3;
-    }
-    pack.levels[1].directions = "SW";
-    return pack;
-}
-
 class ReplayTest : public testing_support::RulesTest, public ::testing::WithParamInterface<Case> {};
 
 TEST_P(ReplayTest, EveryFrameReachesTheRecordedState) {
     const Case& c = GetParam();
     GetSettings().classic = c.classic;
-    const LevelPack pack = TwoLevelPack();
+    LevelPack pack{"Zwei", "Zwei.tpack", {DefaultPackLevel(1), DefaultPackLevel(2)}};
+    pack.levels[0].name = "Stufe 1", pack.levels[1].name = "Stufe 2", pack.levels[1].directions = "SW";
+    pack.levels[0].shots = pack.levels[1].shots = 3;
     if (c.pack) SetActivePack(&pack);
     // A first game of some minutes, so that the recorded second one takes a used engine and
     // counters over; then the recorded game to `levels` levels, at frame steps of 60 to the
