@@ -4,9 +4,21 @@
 using namespace torvane;
 using namespace torvane::testing_support;
 
-class InspectionGaps : public RulesTest {};
+namespace {
 
-TEST_F(InspectionGaps, GroupsStartAtTheLowestRowAndJoinOverTheRingSeamOnly) {
+class LevelFlow : public AttackFixture {
+protected:
+    // Raises `count` columns from `first` (wrapped) to the defence line.
+    void RaiseToLine(int first, int count) {
+        for (int i = 0; i < count; ++i) {
+            std::vector<Cell> column;
+            for (int y = 0; y < game.config.line; ++y) column.push_back(Cell{game.WrapX(first + i), y});
+            Put('I', column);
+        }
+    }
+};
+
+TEST_F(LevelFlow, GroupsStartAtTheLowestRowAndJoinOverTheRingSeamOnly) {
     Game g = ClassicGame(1);
     FillColumn(g, 0, 2, 0, 2);
     Fill(g, 0, 2, 4);
@@ -25,7 +37,7 @@ TEST_F(InspectionGaps, GroupsStartAtTheLowestRowAndJoinOverTheRingSeamOnly) {
     EXPECT_EQ(ring.GapGroups(0)[0].size(), 2u);
 }
 
-TEST_F(InspectionGaps, EndingTheBuildDropsWhatHangsOnEveryTowerWithCappedBursts) {
+TEST_F(LevelFlow, EndingTheBuildDropsWhatHangsOnEveryTowerWithCappedBursts) {
     Game g = ClassicGame(2);
     Fill(g, 0, 0, 1);
     FillColumn(g, 1, 4, 1, 14);
@@ -44,7 +56,7 @@ TEST_F(InspectionGaps, EndingTheBuildDropsWhatHangsOnEveryTowerWithCappedBursts)
     EXPECT_FLOAT_EQ(g.inspectEndAt, g.clock + 1.8f);
 }
 
-TEST_F(InspectionGaps, ACleanWallIsShortlyInspectedAndEarlyEndsEarnTwoPerWholeSecondOverOne) {
+TEST_F(LevelFlow, ACleanWallIsShortlyInspectedAndEarlyEndsEarnTwoPerWholeSecondOverOne) {
     for (const auto& [left, bonus] : {std::pair<float, int>{1.0f, 0}, {1.5f, 2}, {10.9f, 20}, {0.5f, 0}}) {
         Game g = ClassicGame(1);
         g.clock = 10.0f;
@@ -60,20 +72,6 @@ TEST_F(InspectionGaps, ACleanWallIsShortlyInspectedAndEarlyEndsEarnTwoPerWholeSe
     EXPECT_EQ(g.phase, Phase::Attack);
     EXPECT_TRUE(g.TakeEvents().empty());
 }
-
-namespace {
-
-class LevelFlow : public AttackFixture {
-protected:
-    // Raises `count` columns from `first` (wrapped) to the defence line.
-    void RaiseToLine(int first, int count) {
-        for (int i = 0; i < count; ++i) {
-            std::vector<Cell> column;
-            for (int y = 0; y < game.config.line; ++y) column.push_back(Cell{game.WrapX(first + i), y});
-            Put('I', column);
-        }
-    }
-};
 
 TEST_F(LevelFlow, HalfTheSectorPassesAtFiftyAndThreeOfEightFail) {
     RaiseToLine(28, 4);  // four of the eight north columns
