@@ -98,25 +98,18 @@ TEST_F(PackFormatTest, ValuesAreReadWithinTheirBoundsAndFallBack) {
     EXPECT_EQ(pack.levels[29].shots, 31);
 }
 
-TEST_F(PackFormatTest, WritesTheDocumentedText) {
-    LevelPack pack;
-    pack.name = "Burg am See";
-    pack.levels.resize(2);
+TEST_F(PackFormatTest, WritesTheDocumentedTextAndReadsItBack) {
+    LevelPack pack{"Burg am See", "",
+                   {PackLevel{}, {"Von zwei Seiten", 2, 60, 18, 6, 55, 8, 35, "NO", false, false, true}}};
     pack.levels[0].name = "Erster Angriff";
-    PackLevel& b = pack.levels[1];
-    b = {"Von zwei Seiten", 2, 60, 18, 6, 55, 8, 35, "NO", false, false, true};
     EXPECT_EQ(SerialisePack(pack),
               "torvane-levelpack 1\nname=Burg am See\n\n"
               "[level]\nname=Erster Angriff\nbackground=1\nbuild=70\npieces=16\nline=5\nneed=50\nshots=6\n"
               "interval=5.0\ndirections=N\norder=waves\nprep=yes\nnew_tower=no\n\n"
               "[level]\nname=Von zwei Seiten\nbackground=2\nbuild=60\npieces=18\nline=6\nneed=55\nshots=8\n"
               "interval=3.5\ndirections=NO\norder=mixed\nprep=no\nnew_tower=yes\n");
-}
-
-TEST_F(PackFormatTest, ReadingBackWhatWasWrittenGivesItAgain) {
-    // The bounds of every number, a tenth, the directions' order, and names with the format's
-    // own signs and bytes beyond ASCII, as the editor lets them through.
-    LevelPack pack;
+    // Reading back what was written gives it again: the bounds of every number, a tenth, the
+    // directions' order, and names with the format's own signs and bytes beyond ASCII.
     pack.name = "#[level]=\xc3\x84\xff";
     pack.levels = {{"[x]=#", 1, 20, 4, 2, 10, 1, 5, "WN", false, false, true},
                    {"\xe2\x80\xa2 a=b", 5, 240, 60, 12, 100, 60, 150, "SNOW", true, true, false},

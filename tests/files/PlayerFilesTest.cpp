@@ -83,7 +83,9 @@ protected:
              [] { return highscores::Save({{"Neu", 5, 1, 0}}); }, [] { return highscores::Load().size() == 3; },
              pge::files::kMaxDataBytes},
             {"pack", packs + "/Burg.tpack", SerialisePack({"Burg", "", {DefaultPackLevel(1)}}),
-             [packs] { return FolderPackStorage(packs).write("Burg.tpack", SerialisePack({"Burg", "", {DefaultPackLevel(1), DefaultPackLevel(2)}})); },
+             [packs] {
+                 return FolderPackStorage(packs).write("Burg.tpack", SerialisePack({"Neu", "", {DefaultPackLevel(1)}}));
+             },
              [packs] { return LoadPacks(FolderPackStorage(packs)).size() == 1; }, pge::files::kMaxDataBytes},
             {"save", adv::savegame::SlotPath(0), adv::savegame::Serialise(game),
              [] { adv::SaveData later; later.scene = "zinne"; return adv::savegame::Write(0, later); },
