@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <initializer_list>
+
 namespace torvane {
 namespace {
 
@@ -37,6 +39,9 @@ protected:
         editor.row = field;
     }
     PackLevel& Level() { return editor.pack.levels[static_cast<size_t>(editor.level)]; }
+    void Press(std::initializer_list<Key> keys) {
+        for (Key k : keys) editor.Handle(k);
+    }
     LevelPack Stored(const std::string& file) {
         LevelPack pack;
         EXPECT_TRUE(ParsePack((*store.files)[file], pack)) << file;
@@ -52,8 +57,7 @@ TEST_F(LevelEditorTest, NewPackIsNamedCountedAndSaved) {
     EXPECT_EQ(editor.page, 1);
     EXPECT_TRUE(editor.Typing());
     editor.row = 1;
-    editor.Handle(Key::Left);
-    for (int i = 0; i < 6; ++i) editor.Handle(Key::Left);
+    for (int i = 0; i < 7; ++i) editor.Handle(Key::Left);
     EXPECT_EQ(editor.newCount, 1);
     for (int i = 0; i < 40; ++i) editor.Handle(Key::Right);
     EXPECT_EQ(editor.newCount, 30);
@@ -66,17 +70,13 @@ TEST_F(LevelEditorTest, NewPackIsNamedCountedAndSaved) {
     editor.Type("??\x01?\x7f");
     EXPECT_EQ(editor.newName, "???");
     editor.Handle(Key::Enter);
-    EXPECT_EQ(editor.page, 2);
-    EXPECT_EQ(editor.row, 1);
+    EXPECT_EQ(std::make_tuple(editor.page, editor.row), std::make_tuple(2, 1));
     EXPECT_EQ(editor.pack.file, "Levelpack.tpack");
     EXPECT_EQ(editor.message, "Gespeichert");
     EXPECT_FALSE(editor.GetView().warning);
     const LevelPack saved = Stored("Levelpack.tpack");
-    EXPECT_EQ(saved.name, "???");
-    ASSERT_EQ(saved.levels.size(), 29u);
+    EXPECT_EQ(std::make_tuple(saved.name, saved.levels.size(), editor.packs.size()), std::make_tuple("???", 29u, 1u));
     EXPECT_EQ(saved.levels[6].shots, DefaultPackLevel(7).shots);
-    EXPECT_EQ(editor.packs.size(), 1u);
-
     // The same title again gets the next free file name.
     editor.Handle(Key::Esc);
     editor.row = 0;
@@ -87,7 +87,7 @@ TEST_F(LevelEditorTest, NewPackIsNamedCountedAndSaved) {
     EXPECT_EQ(store.files->size(), 2u);
 }
 
-TEST_F(LevelEditorTest, RowsWrapAndKeepTheMessage) {
+TEST_F(LevelEditorTest, RowsWrapKeepTheMessageAndAppendingStopsAtThirty) {
     OpenPack(2);
     EXPECT_EQ(editor.RowCount(), 4);
     editor.message = "Gespeichert";
@@ -95,32 +95,24 @@ TEST_F(LevelEditorTest, RowsWrapAndKeepTheMessage) {
     editor.Handle(Key::Up);
     EXPECT_EQ(editor.row, 3);
     editor.Handle(Key::Down);
-    EXPECT_EQ(editor.row, 0);
-    EXPECT_EQ(editor.message, "Gespeichert");
+    EXPECT_EQ(std::make_tuple(editor.row, editor.message), std::make_tuple(0, "Gespeichert"));
     editor.Handle(Key::Left); // any other key clears it
     EXPECT_EQ(editor.message, "");
-}
-
-TEST_F(LevelEditorTest, AppendingStopsAtThirtyLevels) {
+    // Appending stops at thirty levels.
     OpenPack(29);
     EXPECT_EQ(editor.RowCount(), 31);
     editor.row = 30;
-    editor.Handle(Key::Enter);
-    EXPECT_EQ(editor.pack.levels.size(), 30u);
-    EXPECT_EQ(editor.row, 30); // on the new level
+    editor.Handle(Key::Enter); // appends, and stands on the new level
+    EXPECT_EQ(std::make_tuple(editor.pack.levels.size(), editor.row, editor.RowCount()), std::make_tuple(30u, 30, 31));
     EXPECT_EQ(editor.pack.levels[29].shots, DefaultPackLevel(30).shots);
-    EXPECT_EQ(editor.RowCount(), 31);
-    const LevelEditor::View view = editor.GetView();
-    EXPECT_EQ(view.rows.back().label, "Level 30");
+    EXPECT_EQ(editor.GetView().rows.back().label, "Level 30");
     editor.Handle(Key::Enter); // now opens level 30
-    EXPECT_EQ(editor.page, 3);
-    EXPECT_EQ(editor.level, 29);
+    EXPECT_EQ(std::make_tuple(editor.page, editor.level), std::make_tuple(3, 29));
 }
 
 TEST_F(LevelEditorTest, DeletingALevelAsksFirst) {
     OpenPack(1);
-    editor.Handle(Key::Del);
-    editor.Handle(Key::Del);
+    Press({Key::Del, Key::Del});
     EXPECT_EQ(editor.pack.levels.size(), 1u);
     EXPECT_EQ(editor.message, "");
 
@@ -128,18 +120,13 @@ TEST_F(LevelEditorTest, DeletingALevelAsksFirst) {
     editor.row = 3;
     editor.Handle(Key::Del);
     EXPECT_EQ(editor.message, "Nochmal Del: Level löschen");
-    editor.Handle(Key::Up);
-    editor.Handle(Key::Down);
+    Press({Key::Up, Key::Down, Key::Del}); // moving away and back asks again
+    EXPECT_EQ(std::make_tuple(editor.message, editor.pack.levels.size(), editor.GetView().warning),
+              std::make_tuple("Nochmal Del: Level löschen", 3u, true));
     editor.Handle(Key::Del);
-    EXPECT_EQ(editor.message, "Nochmal Del: Level löschen");
-    EXPECT_EQ(editor.pack.levels.size(), 3u);
-    EXPECT_TRUE(editor.GetView().warning);
-    editor.Handle(Key::Del);
-    EXPECT_EQ(editor.message, "Level gelöscht");
-    EXPECT_FALSE(editor.GetView().warning);
-    EXPECT_EQ(editor.pack.levels.size(), 2u);
-    EXPECT_EQ(editor.row, 2);
-    EXPECT_FALSE(editor.confirmDelete);
+    EXPECT_EQ(std::make_tuple(editor.message, editor.pack.levels.size(), editor.GetView().warning, editor.row,
+                              editor.confirmDelete),
+              std::make_tuple("Level gelöscht", 2u, false, 2, false));
 }
 
 TEST_F(LevelEditorTest, FieldsStepWithinTheirBounds) {
@@ -158,8 +145,7 @@ TEST_F(LevelEditorTest, FieldsStepWithinTheirBounds) {
     EXPECT_EQ(Level().build, 235);
     editor.row = 7;
     Level().interval = 10;
-    editor.Handle(Key::Left);
-    editor.Handle(Key::Left);
+    Press({Key::Left, Key::Left});
     EXPECT_EQ(Level().interval, 5);
     editor.row = 11;
     Level().need = 100;
@@ -175,14 +161,12 @@ TEST_F(LevelEditorTest, FieldsStepWithinTheirBounds) {
     EXPECT_FALSE(fresh.changeable);
     // Enter goes to the same field of the next level, and past the last back to the list.
     editor.Handle(Key::Enter);
-    EXPECT_EQ(editor.level, 1);
-    EXPECT_EQ(editor.row, 5);
+    EXPECT_EQ(std::make_tuple(editor.level, editor.row), std::make_tuple(1, 5));
     editor.Handle(Key::Right);
     EXPECT_TRUE(Level().newTower);
     EXPECT_EQ(editor.GetView().rows[5].value, "ja, neue Ruine");
     editor.Handle(Key::Enter);
-    EXPECT_EQ(editor.page, 2);
-    EXPECT_EQ(editor.row, 2);
+    EXPECT_EQ(std::make_tuple(editor.page, editor.row), std::make_tuple(2, 2));
 }
 
 TEST_F(LevelEditorTest, DirectionsStepThroughTheTable) {
@@ -229,12 +213,10 @@ TEST_F(LevelEditorTest, TypingCountsCharactersNotBytes) {
 
 TEST_F(LevelEditorTest, TestingSavesAndTellsWhere) {
     OpenPack(3);
-    editor.row = 0;
     editor.pack.name.clear();
     editor.row = 2;
     EXPECT_EQ(editor.Handle(Key::T), 2);
-    EXPECT_EQ(editor.level, 1);
-    EXPECT_EQ(editor.pack.name, "Levelpack");
+    EXPECT_EQ(std::make_tuple(editor.level, editor.pack.name), std::make_tuple(1, "Levelpack"));
     EXPECT_EQ(Stored("Burg.tpack").name, "Levelpack");
     OpenLevel(2, 4);
     Level().line = 9;
@@ -242,17 +224,12 @@ TEST_F(LevelEditorTest, TestingSavesAndTellsWhere) {
     EXPECT_EQ(Stored("Burg.tpack").levels[2].line, 9);
     // Back from the test: the same page and row.
     editor.Open(store.Storage());
-    EXPECT_EQ(editor.page, 3);
-    EXPECT_EQ(editor.level, 2);
-    EXPECT_EQ(editor.row, 4);
+    EXPECT_EQ(std::make_tuple(editor.page, editor.level, editor.row), std::make_tuple(3, 2, 4));
     // T on a pack of the list plays its first level, from the list.
-    editor.Handle(Key::Esc);
-    editor.Handle(Key::Esc);
-    EXPECT_EQ(editor.page, 0);
-    EXPECT_EQ(editor.row, 1); // on the pack just left
+    Press({Key::Esc, Key::Esc});
+    EXPECT_EQ(std::make_tuple(editor.page, editor.row), std::make_tuple(0, 1)); // on the pack just left
     EXPECT_EQ(editor.Handle(Key::T), 2);
-    EXPECT_EQ(editor.page, 0);
-    EXPECT_EQ(editor.level, 0);
+    EXPECT_EQ(std::make_tuple(editor.page, editor.level), std::make_tuple(0, 0));
     EXPECT_EQ(editor.Handle(Key::Esc), 1);
 }
 
@@ -262,11 +239,8 @@ TEST_F(LevelEditorTest, APackDeletedWhileShownIsKeptAndSavedAgain) {
     Level().shots = 17;
     store.files->clear();
     editor.Open(store.Storage()); // as after a test
-    EXPECT_TRUE(editor.packs.empty());
-    EXPECT_EQ(editor.page, 3);
-    EXPECT_EQ(Level().shots, 17);
-    editor.Handle(Key::Esc);
-    editor.Handle(Key::Esc);
+    EXPECT_EQ(std::make_tuple(editor.packs.empty(), editor.page, Level().shots), std::make_tuple(true, 3, 17));
+    Press({Key::Esc, Key::Esc});
     EXPECT_EQ(Stored("Burg.tpack").levels[1].shots, 17);
     EXPECT_EQ(editor.row, 1);
     // Page 1 is never returned to.
@@ -286,13 +260,10 @@ TEST_F(LevelEditorTest, EnglishViewsTakeTheSingularAndAPoint) {
     OpenLevel(1, 7);
     editor.pack.levels[1].interval = 35;
     const LevelEditor::View level = editor.GetView();
-    EXPECT_EQ(level.rows[7].value, "3.5 s");
-    EXPECT_EQ(level.hints.size(), 5u);
+    EXPECT_EQ(std::make_tuple(level.rows[7].value, level.hints.size()), std::make_tuple("3.5 s", 5u));
     editor.Handle(Key::Esc);
     editor.row = 1;
-    editor.Handle(Key::Del);
-    editor.Handle(Key::Del);
-    editor.Handle(Key::Esc);
+    Press({Key::Del, Key::Del, Key::Esc});
     EXPECT_EQ(editor.GetView().rows[1].value, "1 level");
 }
 

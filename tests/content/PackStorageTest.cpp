@@ -1,4 +1,6 @@
-// Pack files in a folder: listing, loading, bad files left as they are, failing writes.
+// Pack files in a folder: listing, loading, bad files left as they are, failing writes, and
+// the packs that come with the game (how far the bot gets through each is the balance that
+// tools/pack-report.sh measures).
 #include "game/content/PackFormat.h"
 #include "game/content/PackStorage.h"
 #include "tests/content/ContentTestSupport.h"
@@ -7,7 +9,8 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
-#include <sstream>
+#include <iterator>
+#include <set>
 
 namespace torvane {
 namespace {
@@ -17,31 +20,16 @@ using testing_support::RulesTest;
 using testing_support::ScratchFolder;
 using PackStorageTest = RulesTest;
 
-void WriteFile(const fs::path& path, const std::string& text) {
-    std::ofstream(path, std::ios::binary) << text;
-}
-
+void WriteFile(const fs::path& path, const std::string& text) { std::ofstream(path, std::ios::binary) << text; }
 std::string ReadFile(const fs::path& path) {
     std::ifstream in(path, std::ios::binary);
-    std::ostringstream text;
-    text << in.rdbuf();
-    return text.str();
+    return {std::istreambuf_iterator<char>(in), {}};
 }
 
 std::string PackText(const std::string& name, int levels = 1) {
     std::string text = "torvane-levelpack 1\nname=" + name + "\n";
     for (int i = 0; i < levels; ++i) text += "[level]\nshots=3\n";
     return text;
-}
-
-TEST_F(PackStorageTest, AMissingFolderOrStoreGivesNothing) {
-    const fs::path dir = ScratchFolder("missing") / "nicht_da";
-    EXPECT_TRUE(FolderPackStorage(dir.string()).list().empty());
-    EXPECT_FALSE(fs::exists(dir)); // listing creates nothing
-    EXPECT_TRUE(LoadPacks(PackStorage{}).empty());
-    PackStorage onlyList = FolderPackStorage(dir.string());
-    onlyList.read = nullptr;
-    EXPECT_TRUE(LoadPacks(onlyList).empty());
 }
 
 TEST_F(PackStorageTest, BadFilesAreLeftOutAndLeftAlone) {
@@ -73,6 +61,14 @@ TEST_F(PackStorageTest, BadFilesAreLeftOutAndLeftAlone) {
     EXPECT_FALSE(FolderPackStorage(dir.string()).read("dangling.tpack", text));
     EXPECT_FALSE(FolderPackStorage(dir.string()).read("folder.tpack", text));
     EXPECT_FALSE(FolderPackStorage(dir.string()).write("folder.tpack", PackText("Ueber")));
+    // A missing folder or store gives nothing, and listing creates nothing.
+    const fs::path missing = dir / "nicht_da";
+    EXPECT_TRUE(FolderPackStorage(missing.string()).list().empty());
+    EXPECT_FALSE(fs::exists(missing));
+    EXPECT_TRUE(LoadPacks(PackStorage{}).empty());
+    PackStorage onlyList = FolderPackStorage(missing.string());
+    onlyList.read = nullptr;
+    EXPECT_TRUE(LoadPacks(onlyList).empty());
 }
 
 TEST_F(PackStorageTest, WritingCreatesTheFolderAndReportsFailure) {
@@ -105,6 +101,33 @@ TEST_F(PackStorageTest, BackgroundOfALevel) {
     LevelPack empty;
     SetActivePack(&empty);
     EXPECT_EQ(ActivePack(), nullptr);
+}
+
+TEST_F(PackStorageTest, TheShippedPacksParseAndAreCompleteAndNamed) {
+    const std::vector<LevelPack> packs =
+        LoadPacks(FolderPackStorage(std::string(TORVANE_SOURCE_DIR) + "/assets/torvane/levelpacks"));
+    // File, title, fewest and most levels.
+    const std::tuple<std::string, std::string, size_t, size_t> stated[] = {
+        {"Erste_Schritte.tpack", "Erste Schritte", 7, 9},
+        {"Durch_die_Vellmark.tpack", "Durch die Vellmark", 15, 20},
+        {"Die_Feuerprobe.tpack", "Die Feuerprobe", 30, 30}};
+    ASSERT_EQ(packs.size(), 3u);
+    for (const auto& [file, name, fewest, most] : stated) {
+        const auto pack = std::find_if(packs.begin(), packs.end(), [&](const LevelPack& p) { return p.file == file; });
+        ASSERT_NE(pack, packs.end()) << file;
+        EXPECT_EQ(pack->name, name);
+        EXPECT_GE(pack->levels.size(), fewest) << file;
+        EXPECT_LE(pack->levels.size(), most) << file;
+        std::set<std::string> names;
+        std::set<int> landscapes;
+        for (const PackLevel& l : pack->levels) {
+            EXPECT_FALSE(l.name.empty()) << file;
+            names.insert(l.name);
+            landscapes.insert(l.background);
+        }
+        EXPECT_EQ(names.size(), pack->levels.size()) << file << ": every level has its own name";
+        if (most == 20) { EXPECT_EQ(landscapes.size(), 5u) << "the campaign shows every landscape"; }
+    }
 }
 
 } // namespace

@@ -18,7 +18,7 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
-#include <sstream>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -31,9 +31,7 @@ using namespace torvane;
 
 std::string Slurp(const fs::path& path) {
     std::ifstream in(path, std::ios::binary);
-    std::stringstream text;
-    text << in.rdbuf();
-    return text.str();
+    return {std::istreambuf_iterator<char>(in), {}};
 }
 
 void Put(const fs::path& path, const std::string& text) { std::ofstream(path, std::ios::binary) << text; }
@@ -43,13 +41,6 @@ int Hidden(const fs::path& folder) {
     int n = 0;
     for (const auto& entry : fs::directory_iterator(folder)) n += entry.path().filename().string()[0] == '.';
     return n;
-}
-
-LevelPack Pack(int levels) {
-    LevelPack pack;
-    pack.name = "Burg";
-    for (int i = 1; i <= levels; ++i) pack.levels.push_back(DefaultPackLevel(i));
-    return pack;
 }
 
 // One kind of file: where it lies, a text of that kind, how the program saves it anew,
@@ -86,24 +77,18 @@ protected:
         game.scene = "hof";
         return {
             {"settings", data + "/settings.txt", "difficulty=hard\n", [] { return preferences::Save(); },
-             [] {
-                 GetSettings() = Settings();
-                 preferences::Load();
-                 return GetSettings().difficulty == 2;
-             },
+             [] { return GetSettings() = Settings(), preferences::Load(), GetSettings().difficulty == 2; },
              pge::files::kMaxDataBytes},
             {"scores", data + "/highscores.txt", "300\t3\t0\tAnna\n200\t2\t0\tJo\n100\t1\t0\tEva\n",
              [] { return highscores::Save({{"Neu", 5, 1, 0}}); }, [] { return highscores::Load().size() == 3; },
              pge::files::kMaxDataBytes},
-            {"pack", packs + "/Burg.tpack", SerialisePack(Pack(1)),
-             [packs] { return FolderPackStorage(packs).write("Burg.tpack", SerialisePack(Pack(2))); },
+            {"pack", packs + "/Burg.tpack", SerialisePack({"Burg", "", {DefaultPackLevel(1)}}),
+             [packs] {
+                 return FolderPackStorage(packs).write("Burg.tpack", SerialisePack({"Neu", "", {DefaultPackLevel(1)}}));
+             },
              [packs] { return LoadPacks(FolderPackStorage(packs)).size() == 1; }, pge::files::kMaxDataBytes},
             {"save", adv::savegame::SlotPath(0), adv::savegame::Serialise(game),
-             [] {
-                 adv::SaveData later;
-                 later.scene = "zinne";
-                 return adv::savegame::Write(0, later);
-             },
+             [] { adv::SaveData later; later.scene = "zinne"; return adv::savegame::Write(0, later); },
              [] {
                  adv::SaveData read;
                  return adv::savegame::Read(0, read) && read.scene == "hof";

@@ -8,9 +8,9 @@ using namespace torvane::testing_support;
 
 namespace {
 
-using AttackStart = AttackFixture;
+using AttackTest = AttackFixture;
 
-TEST_F(AttackStart, OnlyFromTheAnnouncementAndTheSparesGoRightAfterTheSelectedPiece) {
+TEST_F(AttackTest, OnlyFromTheAnnouncementAndTheSparesGoRightAfterTheSelectedPiece) {
     game.BeginAttack();  // still building
     EXPECT_EQ(game.phase, Phase::Build);
     game.supply = {'I', 'O', 'T'};
@@ -20,8 +20,7 @@ TEST_F(AttackStart, OnlyFromTheAnnouncementAndTheSparesGoRightAfterTheSelectedPi
     game.phase = Phase::Announce;
     game.BeginAttack();
     ASSERT_EQ(game.supply.size(), 6u);
-    EXPECT_EQ(game.supply[1], 'O');
-    EXPECT_EQ(game.supply[5], 'T');
+    EXPECT_EQ(std::make_tuple(game.supply[1], game.supply[5]), std::make_tuple('O', 'T'));
     EXPECT_EQ(std::multiset<char>(game.supply.begin() + 2, game.supply.begin() + 5),
               (std::multiset<char>{'1', '1', '2'}));
     EXPECT_FLOAT_EQ(game.nextShotAt, GetSettings().waveBanner);
@@ -49,9 +48,7 @@ std::vector<int> WaveShots(Game& game, int sectors, int shots) {
     return split;
 }
 
-using AttackWaves = AttackFixture;
-
-TEST_F(AttackWaves, ShotsAreSharedByRunningSharesAndEmptyWavesPassAtOnce) {
+TEST_F(AttackTest, ShotsAreSharedByRunningSharesAndEmptyWavesPassAtOnce) {
     // Wave i takes floor(n(i+1)/S) - floor(ni/S).
     EXPECT_EQ(WaveShots(game, 2, 5), (std::vector<int>{2, 3}));
     EXPECT_EQ(WaveShots(game, 4, 2), (std::vector<int>{0, 1, 0, 1}));
@@ -61,11 +58,10 @@ TEST_F(AttackWaves, ShotsAreSharedByRunningSharesAndEmptyWavesPassAtOnce) {
     EXPECT_EQ(game.waveShotsLeft, 0);
     game.TakeEvents();
     game.Update(0.01f);
-    EXPECT_EQ(game.wave, 1);
-    EXPECT_EQ(CountSound(game.TakeEvents(), Sfx::Horn), 1);
+    EXPECT_EQ(std::make_tuple(game.wave, CountSound(game.TakeEvents(), Sfx::Horn)), std::make_tuple(1, 1));
 }
 
-TEST_F(AttackWaves, TheNextWaveWaitsForTheBannerAfterTheLastImpact) {
+TEST_F(AttackTest, TheNextWaveWaitsForTheBannerAfterTheLastImpact) {
     game.config.sectors = {CompassSector('N', GetSettings()), CompassSector('S', GetSettings())};
     game.config.shots = 2;
     Put('I', Row(0, 0, 4));
@@ -83,9 +79,7 @@ TEST_F(AttackWaves, TheNextWaveWaitsForTheBannerAfterTheLastImpact) {
     EXPECT_GE(secondShot - lastImpact, GetSettings().waveBanner - 1e-4f);
 }
 
-using AttackShots = AttackFixture;
-
-TEST_F(AttackShots, CandidatesReachIntoTheActiveSectorAndAreNotUnderFire) {
+TEST_F(AttackTest, CandidatesReachIntoTheActiveSectorAndAreNotUnderFire) {
     Put('I', Row(12, 0, 4));                   // in the south, not under attack
     Put('I', Row(4, 0, 4));                    // columns 4..7, outside the north arc
     const int reach = Put('I', Row(2, 1, 4));  // columns 2..5 reach in
@@ -105,7 +99,7 @@ TEST_F(AttackShots, CandidatesReachIntoTheActiveSectorAndAreNotUnderFire) {
     EXPECT_EQ(game.targets.size(), 2u);
 }
 
-TEST_F(AttackShots, TheAttackEndsOnePointFourSecondsAfterTheLastBall) {
+TEST_F(AttackTest, TheAttackEndsOnePointFourSecondsAfterTheLastBall) {
     QuietAttack();
     game.shotsLeft = 0;
     HitNow(Put('I', Row(0, 0, 4)));

@@ -57,21 +57,17 @@ void DropAt(Game& g, int x, int turns) {
 
 } // namespace
 
-class BuildStartLevel : public RulesTest {};
+using BuildPhaseTest = RulesTest;
 
-TEST_F(BuildStartLevel, RuinAndSupplyFollowTheDrawsInOrder) {
+TEST_F(BuildPhaseTest, RuinAndSupplyFollowTheDrawsInOrder) {
     const std::vector<float> ringGaps = {0.05f, 0.12f, 0.25f, 0.5f, 0.7f, 0.85f};
     for (unsigned seed : {1u, 77u, 5489u}) {
         GetSettings().classic = 1;
-        const auto classic = ReferenceLevel(seed, 8, 2, {0.08f, 0.3f}, 17);
         Game c(seed);  // the constructor lays level 1 from a fresh engine
-        EXPECT_EQ(Occupancy(c), classic.first) << seed;
-        EXPECT_EQ(c.supply, classic.second) << seed;
+        EXPECT_EQ(std::make_pair(Occupancy(c), c.supply), ReferenceLevel(seed, 8, 2, {0.08f, 0.3f}, 17)) << seed;
         GetSettings().classic = 0;
-        const auto ring = ReferenceLevel(seed, 32, 4, ringGaps, 16);
         Game r(seed);
-        EXPECT_EQ(Occupancy(r), ring.first) << seed;
-        EXPECT_EQ(r.supply, ring.second) << seed;
+        EXPECT_EQ(std::make_pair(Occupancy(r), r.supply), ReferenceLevel(seed, 32, 4, ringGaps, 16)) << seed;
         EXPECT_TRUE(GridMatchesPieces(r));
         for (const auto& [id, piece] : r.pieces) EXPECT_TRUE(piece.ruin && piece.cells.size() <= 2u);
     }
@@ -79,15 +75,12 @@ TEST_F(BuildStartLevel, RuinAndSupplyFollowTheDrawsInOrder) {
     EXPECT_EQ(Occupancy(Game(5)), ReferenceLevel(5, 32, 6, ringGaps, 16).first);
 }
 
-class BuildCursor : public RulesTest {};
-
-TEST_F(BuildCursor, EdgesEnterTheNextTowerOrWrapOnTheRing) {
+TEST_F(BuildPhaseTest, EdgesEnterTheNextTowerOrWrapOnTheRing) {
     Game two = ClassicGame(2);
     two.supply = {'O'};
     two.cursorX = 0;
-    two.Move(-1);
-    EXPECT_EQ(two.activeTower, 1);
-    EXPECT_EQ(two.cursorX, 6);  // the right edge for a shape of width 2
+    two.Move(-1);  // to the right edge of the other tower, for a shape of width 2
+    EXPECT_EQ(std::make_tuple(two.activeTower, two.cursorX), std::make_tuple(1, 6));
     two.Act(Action::Switch);
     EXPECT_EQ(two.activeTower, 0);
     Game ring = EmptyGame(false, 1);
@@ -112,7 +105,7 @@ TEST_F(BuildCursor, EdgesEnterTheNextTowerOrWrapOnTheRing) {
     EXPECT_TRUE(Occupied(attack, 1, 2, 6) && Occupied(attack, 1, 3, 7));
 }
 
-TEST_F(BuildCursor, RotationKicksTryZeroLeftRightThenTwoLeftTwoRight) {
+TEST_F(BuildPhaseTest, RotationKicksTryZeroLeftRightThenTwoLeftTwoRight) {
     // Only the listed columns are open at rows 0..3; the upright I takes the first kick that fits.
     const std::vector<std::pair<std::vector<int>, int>> cases = {
         {{3}, 3}, {{2, 4}, 2}, {{4}, 4}, {{1, 5}, 1}, {{5}, 5}, {{}, -1}};
@@ -124,8 +117,8 @@ TEST_F(BuildCursor, RotationKicksTryZeroLeftRightThenTwoLeftTwoRight) {
         g.cursorX = 3;
         g.cursorY = 0;
         g.Rotate();
-        EXPECT_EQ(g.rotation, expected < 0 ? 0 : 1) << expected;
-        EXPECT_EQ(g.cursorX, expected < 0 ? 3 : expected);
+        EXPECT_EQ(std::make_tuple(g.rotation, g.cursorX),
+                  expected < 0 ? std::make_tuple(0, 3) : std::make_tuple(1, expected));
         EXPECT_EQ(Sounds(g.TakeEvents()), std::vector<Sfx>{expected < 0 ? Sfx::Deny : Sfx::Tick});
     }
     Game edge = ClassicGame(1);
@@ -136,16 +129,14 @@ TEST_F(BuildCursor, RotationKicksTryZeroLeftRightThenTwoLeftTwoRight) {
     EXPECT_EQ(edge.cursorX, 4);
 }
 
-class BuildPlacing : public RulesTest {};
-
-TEST_F(BuildPlacing, RefusalsSayWhyAndTheLastPieceEndsTheBuildSoon) {
+TEST_F(BuildPhaseTest, RefusalsSayWhyAndTheLastPieceEndsTheBuildSoon) {
     Game g = ClassicGame(1);
     g.supply = {'O'};
     FillColumn(g, 0, 3, 0, 13);  // one free row: too little for the O
     g.cursorX = 3;
     g.Drop();
     EXPECT_EQ(g.supply.size(), 1u);
-    auto events = g.TakeEvents();
+    const auto events = g.TakeEvents();
     EXPECT_EQ(Texts(events, Event::Say), std::vector<std::string>{"Kein Platz mehr in dieser Spalte"});
     EXPECT_EQ(Sounds(events), std::vector<Sfx>{Sfx::Deny});
     GetSettings().piece_choice = false;
@@ -164,12 +155,11 @@ TEST_F(BuildPlacing, RefusalsSayWhyAndTheLastPieceEndsTheBuildSoon) {
     g.Drop();
     g.Update(0.99f);
     EXPECT_EQ(g.phase, Phase::Build);
-    g.Update(0.02f);
-    EXPECT_EQ(g.phase, Phase::Inspect);
-    EXPECT_EQ(g.autoEndAt, -1.0f);  // the ended build keeps no countdown
+    g.Update(0.02f);  // the ended build keeps no countdown
+    EXPECT_EQ(std::make_tuple(g.phase, g.autoEndAt), std::make_tuple(Phase::Inspect, -1.0f));
 }
 
-TEST_F(BuildPlacing, UndoOfAPrepAndOfAPieceThatLostACell) {
+TEST_F(BuildPhaseTest, UndoOfAPrepAndOfAPieceThatLostACell) {
     Game g = ClassicGame(1);
     g.supply = {'O', 'T'};
     g.cursorX = 0;
@@ -200,13 +190,10 @@ TEST_F(BuildPlacing, UndoOfAPrepAndOfAPieceThatLostACell) {
     h.TakeEvents();
     h.Undo();
     EXPECT_EQ(Texts(h.TakeEvents(), Event::Say), std::vector<std::string>{"Das Teil steht nicht mehr"});
-    EXPECT_EQ(h.activeTower, 0);
-    EXPECT_EQ(h.CellAt(0, cells[0].x, cells[0].y), id);
+    EXPECT_EQ(std::make_tuple(h.activeTower, h.CellAt(0, cells[0].x, cells[0].y)), std::make_tuple(0, id));
 }
 
-class BuildFreeCursor : public RulesTest {};
-
-TEST_F(BuildFreeCursor, PlacementNeedsRoomSupportAndBoundsOrATargetForAPrep) {
+TEST_F(BuildPhaseTest, PlacementNeedsRoomSupportAndBoundsOrATargetForAPrep) {
     Game g = ClassicGame(1);
     g.phase = Phase::Attack;
     g.supply = {'O'};
@@ -227,9 +214,7 @@ TEST_F(BuildFreeCursor, PlacementNeedsRoomSupportAndBoundsOrATargetForAPrep) {
     EXPECT_EQ(g.PlacementAt(4, 0, 0), 0);
 }
 
-class BuildWholePhase : public RulesTest {};
-
-TEST_F(BuildWholePhase, PlacingUndoingAndTheInspection) {
+TEST_F(BuildPhaseTest, PlacingUndoingAndTheInspection) {
     Game g = ClassicGame(1);
     g.supply = {'I', 'I', 'O', 'T'};
     g.cursorX = 3;
@@ -240,28 +225,22 @@ TEST_F(BuildWholePhase, PlacingUndoingAndTheInspection) {
     DropAt(g, 0, 0);  // O on rows 1..2
     g.Update(4.9f);
     g.Undo();  // inside the five-second window
-    EXPECT_EQ(g.score, 130);
-    EXPECT_EQ(g.supply, (std::vector<char>{'O', 'T'}));
+    EXPECT_EQ(std::make_tuple(g.score, g.supply), std::make_tuple(130, std::vector<char>{'O', 'T'}));
     EXPECT_EQ(Texts(g.TakeEvents(), Event::Say).back(), "Zurückgelegt");
     DropAt(g, 6, 0);  // O on columns 6..7
     g.Update(5.0f);
     g.Undo();  // too late
     EXPECT_EQ(Texts(g.TakeEvents(), Event::Say).back(), "Zu spät zum Zurücklegen");
-    EXPECT_EQ(g.score, 170);
-    EXPECT_TRUE(Occupied(g, 0, 6, 1));
+    EXPECT_EQ(std::make_tuple(g.score, Occupied(g, 0, 6, 1)), std::make_tuple(170, true));
     DropAt(g, 2, 2);  // an upside-down T on row 1 leaves gaps at (2, 1) and (4, 1) under its bar
     EXPECT_EQ(g.score, 210);
     EXPECT_EQ(g.GapCells(0), (std::vector<Cell>{{2, 1}, {4, 1}}));
     g.TakeEvents();
     ASSERT_FLOAT_EQ(g.buildLeft, 70.0f - 4.9f - 5.0f);
-    g.EndBuild(true);
-    EXPECT_EQ(g.phase, Phase::Inspect);
-    EXPECT_EQ(g.stats.timeBonus, 2 * 60);  // two per whole second left
-    EXPECT_EQ(g.score, 210 + 120);
-    EXPECT_EQ(g.stats.gapCells, 2);
-    EXPECT_EQ(g.stats.dropped, 2);
-    EXPECT_FALSE(Occupied(g, 0, 2, 2));
-    EXPECT_FALSE(Occupied(g, 0, 4, 2));
+    g.EndBuild(true);  // two points per whole second left
+    EXPECT_EQ(std::make_tuple(g.phase, g.stats.timeBonus, g.score, g.stats.gapCells, g.stats.dropped),
+              std::make_tuple(Phase::Inspect, 2 * 60, 210 + 120, 2, 2));
+    EXPECT_FALSE(Occupied(g, 0, 2, 2) || Occupied(g, 0, 4, 2));
     EXPECT_EQ(g.GetPiece(g.CellAt(0, 3, 2))->cells.size(), 2u);  // the middle of the bar stays on its stem
     EXPECT_TRUE(GridMatchesPieces(g));
     EXPECT_EQ(Texts(g.TakeEvents(), Event::Say), std::vector<std::string>{"Bauabnahme: 2 Felder eingestürzt"});

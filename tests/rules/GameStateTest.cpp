@@ -1,6 +1,7 @@
 #include "RulesTestSupport.h"
 
 #include "game/rules/Pieces.h"
+#include "game/rules/StateHash.h"
 
 #include <set>
 
@@ -24,9 +25,9 @@ TEST(PiecesShapes, RotationsAreNormalisedQuarterTurnsModuloFour) {
     EXPECT_EQ(BaseShape('x'), (std::vector<Cell>{{0, 0}}));  // unknown letters are the single cell
 }
 
-class GameGeometry : public RulesTest {};
+using GameStateTest = RulesTest;
 
-TEST_F(GameGeometry, WrapAndCentresOnTheRingOnly) {
+TEST_F(GameStateTest, WrapAndCentresOnTheRingOnly) {
     Game ring = EmptyGame(false, 1);
     EXPECT_EQ(ring.WrapX(-65), 31);
     EXPECT_FLOAT_EQ(ring.WrapDiff(16.0f), -16.0f);  // the half rounds away from zero
@@ -46,9 +47,7 @@ TEST_F(GameGeometry, WrapAndCentresOnTheRingOnly) {
     EXPECT_FALSE(classic.Inside(Rotated('I', 1), 12));
 }
 
-class GameShares : public RulesTest {};
-
-TEST_F(GameShares, PercentagesRoundHalvesUpAndPoolAllTowers) {
+TEST_F(GameStateTest, PercentagesRoundHalvesUpAndPoolAllTowers) {
     Game g = ClassicGame(3);  // two towers of 10 columns, line 7
     g.phase = Phase::Attack;
     for (int x = 0; x < 10; ++x) FillColumn(g, 0, x, 0, 7);
@@ -64,4 +63,25 @@ TEST_F(GameShares, PercentagesRoundHalvesUpAndPoolAllTowers) {
     g.towers.clear();  // nothing counted: nothing reaches the line
     EXPECT_EQ(g.OverallPct(), 0);
     EXPECT_FALSE(g.LineComplete());
+}
+
+// The state hash, by which replays and the simulator compare games, must see every field.
+TEST_F(GameStateTest, SeesNumbersTextsAndTheGameOfAnotherSeed) {
+    // The towers' stamps come from one counter of the process: both games start from the same.
+    const uint32_t stamp = Tower::PeekRevision();
+    const Game game(1);
+    const uint64_t hash = StateHash(game);
+    Tower::SetNextRevision(stamp);
+    EXPECT_EQ(StateHash(Game(1)), hash);
+    EXPECT_NE(StateHash(Game(2)), hash);
+    Game later = game;
+    later.clock += 0.25f;  // a number of seconds
+    EXPECT_NE(StateHash(later), hash);
+    Game renamed = game;
+    ASSERT_FALSE(renamed.config.sectors.empty());
+    renamed.config.sectors[0].label[0] ^= 1;  // a text of the same length
+    EXPECT_NE(StateHash(renamed), hash);
+    Game moved = game;
+    moved.cursorX ^= 1;
+    EXPECT_NE(StateHash(moved), hash);
 }

@@ -23,26 +23,22 @@ struct Row {
 void ExpectRow(const Row& r) {
     SCOPED_TRACE(r.level);
     const LevelConfig c = ConfigFor(r.level);
-    const int ints[][2] = {{c.towers, r.towers}, {c.width, r.width}, {c.height, r.height}, {c.line, r.line},
-                           {c.shots, r.shots},   {c.pieces, r.pieces}, {c.need, r.need},   {c.spareOnes, r.spares},
-                           {c.spareTwos, r.spares}};
-    for (const auto& [actual, stated] : ints)
-        if (stated >= 0) {
-            EXPECT_EQ(actual, stated);
-        }
-    const float floats[][2] = {{c.buildTime, r.build}, {c.flightTime, r.flight}, {c.interval, r.interval}};
-    for (const auto& [actual, stated] : floats)
-        if (stated >= 0) {
-            EXPECT_NEAR(actual, stated, 1e-5);
-        }
+    // A double holds every int exactly; the times are compared to a hundred-thousandth.
+    const auto expect = [](double actual, double stated) {
+        if (stated >= 0) { EXPECT_NEAR(actual, stated, 1e-5); }
+    };
+    expect(c.towers, r.towers), expect(c.width, r.width), expect(c.height, r.height), expect(c.line, r.line);
+    expect(c.shots, r.shots), expect(c.pieces, r.pieces), expect(c.need, r.need);
+    expect(c.spareOnes, r.spares), expect(c.spareTwos, r.spares), expect(c.buildTime, r.build);
+    expect(c.flightTime, r.flight), expect(c.interval, r.interval);
     EXPECT_FALSE(c.fromPack);
 }
 
 } // namespace
 
-class LevelConfigRing : public RulesTest {};
+using LevelConfigTest = RulesTest;
 
-TEST_F(LevelConfigRing, StatedLevels) {
+TEST_F(LevelConfigTest, RingLevelsAsStated) {
     // Level 1 takes the row's minimum of four spares (the formula gives 2); from
     // level 8 two shots more a level, the line stops two below the top.
     ExpectRow({1, 1, 32, 14, 5, 6, 16, 50, 4, 70.0f, 4.0f, 5.0f});
@@ -60,9 +56,7 @@ TEST_F(LevelConfigRing, StatedLevels) {
     EXPECT_EQ(ConfigFor(-5).pieces, ConfigFor(1).pieces);  // levels below one count as one
 }
 
-class LevelConfigClassic : public RulesTest {};
-
-TEST_F(LevelConfigClassic, StatedLevels) {
+TEST_F(LevelConfigTest, ClassicLevelsAsStated) {
     GetSettings().classic = 1;
     ExpectRow({1, 1, 8, 14, 6, 6, 17, -1, 4, 70.0f, 4.0f, 5.0f});
     // 2 towers of 10 by 16: 62 percent of 320 cells, a quarter, is 49.6 -> 50 pieces.
@@ -82,9 +76,7 @@ TEST_F(LevelConfigClassic, StatedLevels) {
     EXPECT_EQ(ConfigFor(1).shots, 6);
 }
 
-class LevelConfigPack : public RulesTest {};
-
-TEST_F(LevelConfigPack, ALevelOfTheActivePackReplacesTheRingValuesAndTheDifficulty) {
+TEST_F(LevelConfigTest, ALevelOfTheActivePackReplacesTheRingValuesAndTheDifficulty) {
     LevelPack pack;
     pack.levels.resize(1);
     PackLevel& first = pack.levels[0];

@@ -25,9 +25,9 @@ protected:
     }
 };
 
-using RepairFit = RepairFixture;
+using RepairTest = RepairFixture;
 
-TEST_F(RepairFit, LowestRowThenLeftmostColumnAndTheSeamRanksAsLeftmost) {
+TEST_F(RepairTest, LowestRowThenLeftmostColumnAndTheSeamRanksAsLeftmost) {
     EXPECT_EQ(game.RepairFit('1', AddHole({{3, 5}, {9, 2}})), (std::vector<Cell>{{9, 2}}));
     EXPECT_EQ(Sorted(game.RepairFit('2', AddHole({{5, 3}, {5, 4}}))), (std::vector<Cell>{{5, 3}, {5, 4}}));
     EXPECT_EQ(Sorted(game.RepairFit('2', AddHole({{30, 2}, {31, 2}, {0, 2}}))), (std::vector<Cell>{{0, 2}, {31, 2}}));
@@ -40,9 +40,7 @@ TEST_F(RepairFit, LowestRowThenLeftmostColumnAndTheSeamRanksAsLeftmost) {
     EXPECT_EQ(Sorted(game.RepairFit('2', target)), Sorted(Row(2, 0, 2)));  // a prep covers part of a target
 }
 
-using RepairFocus = RepairFixture;
-
-TEST_F(RepairFocus, BurningHolesComeFirstThenTargetsByImpactAndSwitchingWraps) {
+TEST_F(RepairTest, BurningHolesComeFirstThenTargetsByImpactAndSwitchingWraps) {
     const Focus late = AddHole({{1, 1}}, 5.0f);
     const Focus soon = AddHole({{2, 1}}, 3.0f);
     const Focus second = AddTarget('2', Row(0, 0, 2), 2.0f);
@@ -61,9 +59,7 @@ TEST_F(RepairFocus, BurningHolesComeFirstThenTargetsByImpactAndSwitchingWraps) {
     EXPECT_EQ(game.focus, late);
 }
 
-using RepairAuto = RepairFixture;
-
-TEST_F(RepairAuto, RefusalsSayWhyHolesEarnTenACellPrepsOnlyAtTheImpact) {
+TEST_F(RepairTest, RefusalsSayWhyHolesEarnTenACellPrepsOnlyAtTheImpact) {
     game.supply = {'1'};
     game.focus = AddHole({{20, 1}});
     game.viewKnown = true;
@@ -81,58 +77,47 @@ TEST_F(RepairAuto, RefusalsSayWhyHolesEarnTenACellPrepsOnlyAtTheImpact) {
     game.focus = AddHole({{5, 3}, {5, 4}});
     game.supply = {'2', '2', 'T'};
     game.Act(Action::Place);
-    EXPECT_TRUE(Occupied(game, 0, 5, 3) && Occupied(game, 0, 5, 4));
-    EXPECT_EQ(game.score, 20);
-    EXPECT_EQ(game.stats.repairScore, 20);
-    EXPECT_FALSE(game.undo.valid);  // the automatic way has no undo
+    EXPECT_TRUE(Occupied(game, 0, 5, 3) && Occupied(game, 0, 5, 4));  // the automatic way has no undo
+    EXPECT_EQ(std::make_tuple(game.score, game.stats.repairScore, game.undo.valid), std::make_tuple(20, 20, false));
     const Focus first = AddTarget('2', Row(0, 0, 2), 2.0f);
     const Focus next = AddTarget('1', {{6, 0}}, 3.0f);
     game.focus = first;
-    game.Act(Action::Rotate);
-    EXPECT_EQ(game.FindTarget(first.id)->preps.size(), 1u);
-    EXPECT_EQ(game.score, 20);
-    EXPECT_EQ(game.focus, next);  // a fully prepped target hands the focus on
+    game.Act(Action::Rotate);  // a fully prepped target hands the focus on
+    EXPECT_EQ(std::make_tuple(game.FindTarget(first.id)->preps.size(), game.score, game.focus),
+              std::make_tuple(1u, 20, next));
     game.Act(Action::Place);
     EXPECT_TRUE(HasText(game.TakeEvents(), "Dieses Teil passt hier nicht"));
     EXPECT_EQ(game.supply, (std::vector<char>{'T'}));
 }
 
-TEST_F(RepairAuto, TheBotTriesEveryPieceThenGoesOnToTheNextGoal) {
+TEST_F(RepairTest, TheBotTriesEveryPieceThenGoesOnToTheNextGoal) {
     const Focus first = AddHole({{5, 3}});
     const Focus second = AddHole({{9, 3}}, 4.0f);
     game.supply = {'O', 'T'};  // neither fits a single cell
     game.focus = first;
     AutoPlayer bot;
-    bot.Step(game);
-    bot.Step(game);
+    for (int step = 0; step < 2; ++step) bot.Step(game);
     EXPECT_EQ(game.focus, first);
     bot.Step(game);
     EXPECT_EQ(game.focus, second);
 }
 
-using RepairFree = RepairFixture;
-
-TEST_F(RepairFree, PlacesSupportedPiecesAndPrepsAndTheCursorGoesToTheFit) {
+TEST_F(RepairTest, PlacesSupportedPiecesAndPrepsAndTheCursorGoesToTheFit) {
     GetSettings().repair_mode = 0;
     game.supply = {'2', '2', '1', '2'};
     game.cursorX = 10;
-    game.cursorY = 0;
-    game.rotation = 0;
+    game.cursorY = game.rotation = 0;
     game.Act(Action::Place);
-    EXPECT_TRUE(Occupied(game, 0, 11, 0));
-    EXPECT_EQ(game.score, 20);
-    EXPECT_EQ(game.undo.points, 20);
+    EXPECT_EQ(std::make_tuple(Occupied(game, 0, 11, 0), game.score, game.undo.points), std::make_tuple(true, 20, 20));
     game.Act(Action::Undo);  // placing in the attack can be taken back too
-    EXPECT_FALSE(Occupied(game, 0, 11, 0));
-    EXPECT_EQ(game.score, 0);
+    EXPECT_EQ(std::make_tuple(Occupied(game, 0, 11, 0), game.score), std::make_tuple(false, 0));
     game.Act(Action::Place);
     const Focus target = AddTarget('2', Row(20, 0, 2));
     game.cursorX = 20;
     game.cursorY = 0;
     game.PlaceFree();
     ASSERT_EQ(game.FindTarget(target.id)->preps.size(), 1u);
-    EXPECT_EQ(game.undo.target, target.id);
-    EXPECT_EQ(game.score, 20);
+    EXPECT_EQ(std::make_tuple(game.undo.target, game.score), std::make_tuple(target.id, 20));
     game.cursorY = 3;  // floating
     game.PlaceFree();
     EXPECT_TRUE(HasText(game.TakeEvents(), "Passt hier nicht"));
@@ -141,9 +126,7 @@ TEST_F(RepairFree, PlacesSupportedPiecesAndPrepsAndTheCursorGoesToTheFit) {
     AddHole({{5, 3}, {5, 4}});
     game.cursorY = 0;
     game.CursorToFocus();
-    EXPECT_EQ(game.rotation, 1);
-    EXPECT_EQ(game.cursorX, 5);
-    EXPECT_EQ(game.cursorY, 3);
+    EXPECT_EQ(std::make_tuple(game.rotation, game.cursorX, game.cursorY), std::make_tuple(1, 5, 3));
 }
 
 } // namespace

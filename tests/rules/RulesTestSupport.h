@@ -10,8 +10,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <functional>
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace torvane::testing_support {
@@ -88,24 +88,6 @@ inline bool GridMatchesPieces(const Game& g) {
         }
     for (int t = 0; t < static_cast<int>(g.towers.size()); ++t) occupied += CountCells(g, t);
     return occupied == listed;
-}
-
-// Plays through the application's frame steps at 60 frames a second with the bot on, for at
-// most `frames` frames: `stop` is asked right after each frame's rules, before the bot acts,
-// with the phase that the frame began in.
-inline void PlayFrames(Game& game, AutoPlayer& bot, long frames, const std::function<bool(Phase)>& stop) {
-    float timer = 0.0f;
-    Phase lastPhase = game.phase, before = game.phase;
-    int32_t lastLevel = game.level;
-    bool stopped = false;
-    frame::Hooks hooks;
-    hooks.rulesStepped = [&] { stopped = stopped || stop(before); };
-    const frame::Refs refs{game, bot, timer, lastPhase, lastLevel, true, false};
-    for (long n = 0; n < frames && !stopped; ++n) {
-        before = game.phase;
-        frame::RunRules(refs, 1.0f / 60.0f, hooks);
-        game.TakeEvents();
-    }
 }
 
 // A ring level 1 at default settings with an empty wall and no supply.
