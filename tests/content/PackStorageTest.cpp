@@ -113,7 +113,8 @@ TEST_F(PackStorageTest, TheShippedPacksParseAndAreCompleteAndNamed) {
         {"Die_Feuerprobe.tpack", "Die Feuerprobe", 30, 30}};
     ASSERT_EQ(packs.size(), 3u);
     for (const auto& [file, name, fewest, most] : stated) {
-        const auto pack = std::find_if(packs.begin(), packs.end(), [&](const LevelPack& p) { return p.file == file; });
+        const std::string& wanted = file; // a lambda can't capture a structured binding before C++20
+        const auto pack = std::find_if(packs.begin(), packs.end(), [&](const LevelPack& p) { return p.file == wanted; });
         ASSERT_NE(pack, packs.end()) << file;
         EXPECT_EQ(pack->name, name);
         EXPECT_GE(pack->levels.size(), fewest) << file;
