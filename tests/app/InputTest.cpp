@@ -201,11 +201,11 @@ TEST_F(InputTest, ManualCameraTurnsWithTheArrowsInAnAutoRepairAttack) {
     EXPECT_EQ(app.game.cursorX, x);
 }
 
-// What a pad does that the keys cannot: a stick with its dead zone, an A held into the pause,
-// a pad pulled out with a button down. (A whole game with a pad, every button on every
-// screen, is played in the real window by an end-to-end script.)
-TEST_F(InputTest, APadsStickAHeldButtonAndAPadPulledOut) {
-    Start({"--level=1"});
+// A pad plays a whole game, its presses standing for keys: the title's pages and settings,
+// the build with every action, a pause, the pad pulled out and plugged in again, the
+// announce card, the attack with repairs and the over card's name field, arcade style.
+TEST_F(InputTest, APadPlaysAWholeGame) {
+    Start({"--skip-intro"});
     pge::VirtualPad pad;
     ASSERT_TRUE(pad.Plug());
     const auto frames = [&](int n) {
@@ -217,26 +217,67 @@ TEST_F(InputTest, APadsStickAHeldButtonAndAPadPulledOut) {
         pad.Set(b, false);
         frames(1);
     };
-    frames(1);
+    torvane::Settings& settings = torvane::GetSettings();
+    settings.repair_mode = 1;
+    settings.piece_choice = false;
 
-    // The stick is the arrows, with their repeat; inside the dead zone nothing.
+    // Title (without a title picture it opens on page 0): the shoulders turn the pages.
+    ASSERT_EQ(app.titlePage, 0);
+    press(pge::PAD_RB);
+    EXPECT_EQ(app.titlePage, 1);
+    EXPECT_TRUE(app.PadUsedLast());
+    press(pge::PAD_LB);
+    press(pge::PAD_LB);
+    EXPECT_EQ(app.titlePage, 3);
+    // Back opens the settings, where A steps the difficulty and RB turns the piece choice on.
+    press(pge::PAD_BACK);
+    ASSERT_TRUE(app.settingsOpen);
+    const int difficulty = settings.difficulty;
+    press(pge::PAD_A);
+    EXPECT_EQ(settings.difficulty, (difficulty + 1) % 4);
+    settings.difficulty = 0;
+    press(pge::PAD_RB);
+    EXPECT_TRUE(settings.piece_choice);
+    press(pge::PAD_B);
+    EXPECT_FALSE(app.settingsOpen);
+    press(pge::PAD_A);
+    ASSERT_EQ(app.game.phase, Phase::Build);
+
+    // The D-pad and the stick are the arrows, with their repeat; inside the dead zone nothing.
     const int startX = app.game.cursorX;
+    press(pge::PAD_LEFT);
+    EXPECT_EQ(app.game.cursorX, app.game.WrapX(startX - 1));
     pad.Stick(0.3f, 0.0f);
     frames(3);
-    EXPECT_EQ(app.game.cursorX, startX);
+    EXPECT_EQ(app.game.cursorX, app.game.WrapX(startX - 1));
     pad.Stick(0.9f, 0.0f);
     frames(10);
     pad.Stick(0.0f, 0.0f);
     frames(1);
-    EXPECT_EQ(app.game.cursorX, app.game.WrapX(startX + MovesAfter(10)));
-    EXPECT_TRUE(app.PadUsedLast());
+    EXPECT_EQ(app.game.cursorX, app.game.WrapX(startX - 1 + MovesAfter(10)));
+    // A turns, X takes the next piece, RB drops, Y takes it back, RT drops too.
+    const int rotation = app.game.rotation;
+    press(pge::PAD_A);
+    EXPECT_EQ(app.game.rotation, (rotation + 1) % 4);
+    const int selected = app.game.selected;
+    press(pge::PAD_X);
+    EXPECT_EQ(app.game.selected, (selected + 1) % int(app.game.supply.size()));
+    const size_t pieces = app.game.pieces.size();
+    press(pge::PAD_RB);
+    EXPECT_EQ(app.game.pieces.size(), pieces + 1);
+    press(pge::PAD_Y);
+    EXPECT_EQ(app.game.pieces.size(), pieces);
+    press(pge::PAD_RT);
+    EXPECT_EQ(app.game.pieces.size(), pieces + 1);
 
+    // A key on the keyboard hands the hints back to the keys; the next pad press takes them.
+    ASSERT_TRUE(Tap(pge::SHIFT));
+    EXPECT_FALSE(app.PadUsedLast());
     // B pauses. In the pause A stands for Esc; an A held since it turned the piece acts there
     // only once it has been let go.
-    const int rotation = app.game.rotation;
     pad.Set(pge::PAD_A, true);
     frames(1);
-    EXPECT_EQ(app.game.rotation, (rotation + 1) % 4);
+    EXPECT_TRUE(app.PadUsedLast());
     press(pge::PAD_B);
     ASSERT_TRUE(app.paused);
     frames(3);
@@ -250,16 +291,70 @@ TEST_F(InputTest, APadsStickAHeldButtonAndAPadPulledOut) {
     pad.Set(pge::PAD_RIGHT, true);
     frames(1);
     const int held = app.game.cursorX;
-    EXPECT_EQ(held, app.game.WrapX(startX + MovesAfter(10) + 1));
     pad.Unplug();
     frames(20);
-    EXPECT_EQ(std::tuple(app.game.cursorX, app.Pads().Count(), app.GetKey(pge::RIGHT).bHeld),
-              std::tuple(held, 0u, false));
+    EXPECT_EQ(app.game.cursorX, held);
+    EXPECT_EQ(app.Pads().Count(), 0u);
+    EXPECT_FALSE(app.GetKey(pge::RIGHT).bHeld);
     ASSERT_TRUE(pad.Plug());
     frames(1);
     EXPECT_EQ(app.Pads().Count(), 1u);
     press(pge::PAD_LEFT);
     EXPECT_EQ(app.game.cursorX, app.game.WrapX(held - 1));
+
+    // Start ends the build; A on the announce card only after its lock.
+    press(pge::PAD_START);
+    EXPECT_EQ(app.game.phase, Phase::Inspect);
+    for (int i = 0; i < 2000 && app.game.phase != Phase::Announce; ++i) frames(1);
+    ASSERT_EQ(app.game.phase, Phase::Announce);
+    press(pge::PAD_A);
+    EXPECT_EQ(app.game.phase, Phase::Announce);
+    while (app.clock < app.phaseStart + 0.6f) frames(1);
+    press(pge::PAD_A);
+    ASSERT_EQ(app.game.phase, Phase::Attack);
+
+    // While a ball flies or a hole stands: Y picks the next goal, X the next piece, and RB
+    // lays it out or puts it in where it fits.
+    for (int i = 0; i < 3000 && app.game.phase == Phase::Attack; ++i) {
+        if (app.game.focus.kind == torvane::Focus::None) {
+            frames(1);
+            continue;
+        }
+        press(pge::PAD_Y);
+        press(pge::PAD_X);
+        press(pge::PAD_RB);
+    }
+    EXPECT_GT(app.game.stats.held + app.game.stats.repairScore, 0);
+    // Three pieces of wall don't hold the line: the tower falls and the name field opens.
+    ASSERT_EQ(app.game.phase, Phase::Over);
+    ASSERT_TRUE(app.nameEntry);
+
+    // Up turns the letter under the cursor from nothing to A to B, right goes on with an A,
+    // down turns it back past the blank, left erases it, and a held up runs through the
+    // ring with the arrows' repeat, to the umlaut after Z in the keyboard's UTF-8.
+    press(pge::PAD_UP);
+    press(pge::PAD_UP);
+    EXPECT_EQ(app.playerName, "B");
+    press(pge::PAD_RIGHT);
+    press(pge::PAD_DOWN);
+    EXPECT_EQ(app.playerName, "B ");
+    press(pge::PAD_DOWN);
+    EXPECT_EQ(app.playerName, "B9");
+    press(pge::PAD_LEFT);
+    EXPECT_EQ(app.playerName, "B");
+    press(pge::PAD_RIGHT);
+    int hold = 1;
+    while (MovesAfter(hold) < 26) ++hold;
+    pad.Set(pge::PAD_UP, true);
+    frames(hold);
+    pad.Set(pge::PAD_UP, false);
+    frames(1);
+    EXPECT_EQ(app.playerName, "B\xC3\x84");
+    press(pge::PAD_START);
+    EXPECT_TRUE(app.scoreSaved);
+    const std::vector<torvane::highscores::Entry> scores = torvane::highscores::Load();
+    ASSERT_FALSE(scores.empty());
+    EXPECT_EQ(scores[0].name, "B\xC3\x84");
 }
 
 } // namespace
